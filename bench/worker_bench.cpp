@@ -1,0 +1,56 @@
+/// The update worker: what a request costs the host, and how long until the hardware operation begins.
+
+#include <benchmark/benchmark.h>
+
+#include <atomic>
+
+#include "controller/rgb_controller.h"
+
+namespace {
+
+/// A device whose hardware operations only count themselves.
+class CountingDevice final : public RGBController {
+ public:
+  ~CountingDevice() override { StopWorker(); }
+  void DefineLayout() override {}
+  void DeviceSpareHook() override {}
+  void WriteColorsToDevice() override { Count(); }
+  void WriteZoneToDevice(std::int32_t) override {}
+  void WriteLedToDevice(std::int32_t) override {}
+  void WriteModeToDevice() override { Count(); }
+  void SelectFirstMode() override {}
+
+  std::atomic<int> operations = 0;
+
+ private:
+  void Count() {
+    ++operations;
+    operations.notify_one();
+  }
+};
+
+void CreateAndDestroy(benchmark::State& state) {
+  for (auto _ : state) {
+    const CountingDevice device;
+    benchmark::DoNotOptimize(&device);
+  }
+}
+BENCHMARK(CreateAndDestroy)->UseRealTime();
+
+void RequestOnly(benchmark::State& state) {
+  CountingDevice device;
+  for (auto _ : state) device.RequestModePush();
+}
+BENCHMARK(RequestOnly);
+
+void RequestUntilItsOperationBegins(benchmark::State& state) {
+  CountingDevice device;
+  for (auto _ : state) {
+    const int before = device.operations;
+    // A request that the last operation, just ending, absorbs is raised again.
+    while (device.operations == before) device.RequestColorPush();
+  }
+}
+BENCHMARK(RequestUntilItsOperationBegins)->UseRealTime();
+
+}  // namespace

@@ -1,0 +1,110 @@
+/// The generic lighting controller as a host sees it: 34 virtual slots, called by their position.
+///
+/// The order of the slots is the contract. Nothing is inserted before the destructor, nothing is overloaded, and
+/// nothing is added that would move a slot. With compilers of the Itanium ABI the virtual destructor takes two
+/// entries, 33 (complete) and 34 (deleting); with Microsoft's compiler it takes one, 33.
+///
+/// Threads: a host may call any slot on any of its threads, except that slots 17 to 19 are not for use while a
+/// notification runs, and that the destructor needs the controller to itself. Slots 27 to 30 talk to the hardware
+/// and return when it has answered; all others return at once.
+///
+/// Errors: device errors are never thrown and never reported here. What can leave a slot is the standard
+/// out-of-memory exception, and nothing has changed when it does.
+///
+/// Requests (slots 6, 21, 22) are carried out by the controller's worker thread, which sends whatever the records
+/// hold at that moment. Requests of one kind coalesce, and one that is raised while the hardware operation of its
+/// kind is running is absorbed by it. So change the records first and ask once; after a series of changes, end with
+/// slot 27 or 30 on your own thread, which returns when the last value has been sent.
+///
+/// Buffers: a buffer handed out belongs to the caller, who releases it with `delete[]`. A buffer handed in stays the
+/// caller's; its first four bytes (little-endian) bound what is read of it (the one-colour packet is always 8 bytes).
+/// A buffer that does not hold what it claims, or a null one, is ignored whole. Formats: docs/formats.md.
+#pragma once
+
+#include <cstdint>
+
+#include "controller/records.h"
+
+/// Called with the context given at registration, on the thread that raised the notification. Must not raise another
+/// one on the same controller.
+using ChangeListenerFn = void (*)(void* context);
+
+class RGBControllerInterface {
+ public:
+  /// 0: sizes the colour table to the zones and derives their views; a host has no need to call it.
+  virtual void RebindZoneStorage() = 0;
+
+  /// 1: the colour of a LED; black for an index beyond the colour table.
+  virtual PackedColor FetchLedColor(std::uint32_t led_index) = 0;
+  /// 2: replaces the colour of a LED; an index beyond the colour table is ignored. Requests no push.
+  virtual void StoreLedColor(std::uint32_t led_index, PackedColor color) = 0;
+  /// 3: paints every zone. Requests no push.
+  virtual void PaintAllZones(PackedColor color) = 0;
+  /// 4: paints one zone; an index outside the list is ignored. Requests no push.
+  virtual void PaintZone(std::int32_t zone_index, PackedColor color) = 0;
+
+  /// 5: the index of the active mode.
+  virtual std::int32_t CurrentModeIndex() = 0;
+  /// 6: makes a mode the active one and requests a mode push. Any index is stored; one outside the list sends nothing.
+  virtual void ChooseMode(std::int32_t mode_index) = 0;
+
+  /// 7: the whole description in the layout of `protocol_version`.
+  virtual std::uint8_t* PackDescription(std::uint32_t protocol_version) = 0;
+  /// 8: replaces texts, kind and active mode, and appends the modes, zones, LEDs and colours of a description.
+  virtual void UnpackDescription(const std::uint8_t* buffer, std::uint32_t protocol_version) = 0;
+  /// 9: one mode. An index outside the list gives a packet that its reader ignores.
+  virtual std::uint8_t* PackModePacket(std::int32_t mode_index, std::uint32_t protocol_version) = 0;
+  /// 10: replaces one mode and makes it the active one. Requests no push.
+  virtual void UnpackModePacket(const std::uint8_t* packet, std::uint32_t protocol_version) = 0;
+  /// 11: the whole colour table.
+  virtual std::uint8_t* PackColorTablePacket() = 0;
+  /// 12: replaces the first colours of the table. Requests no push.
+  virtual void UnpackColorTablePacket(const std::uint8_t* packet) = 0;
+  /// 13: the colours of one zone. An index outside the list gives a packet that its reader ignores.
+  virtual std::uint8_t* PackZoneColorsPacket(std::int32_t zone_index) = 0;
+  /// 14: replaces the first colours of one zone. Requests no push.
+  virtual void UnpackZoneColorsPacket(const std::uint8_t* packet) = 0;
+  /// 15: the colour of one LED, 8 bytes. An index outside the list gives a packet that its reader ignores.
+  virtual std::uint8_t* PackOneColorPacket(std::int32_t led_index) = 0;
+  /// 16: replaces the colour of one LED. Requests no push.
+  virtual void UnpackOneColorPacket(const std::uint8_t* packet) = 0;
+
+  /// 17: registers a listener; the same one may be registered again.
+  virtual void AddChangeListener(ChangeListenerFn listener, void* context) = 0;
+  /// 18: removes the first listener registered with `context`.
+  virtual void RemoveChangeListener(void* context) = 0;
+  /// 19: removes all listeners.
+  virtual void DropChangeListeners() = 0;
+  /// 20: calls every listener, in the order of registration, on this thread.
+  virtual void NotifyChangeListeners() = 0;
+
+  /// 21: asks the worker to send the colours, then notifies the listeners.
+  virtual void RequestColorPush() = 0;
+  /// 22: asks the worker to apply the active mode.
+  virtual void RequestModePush() = 0;
+  /// 23: nothing in this system.
+  virtual void RequestAuxAction() = 0;
+  /// 24: the body of the worker thread; returns at once for anyone else.
+  virtual void RunWorker() = 0;
+
+  /// 25: appends the device's zones and LEDs. Done at construction; a second call appends them again.
+  virtual void DefineLayout() = 0;
+  /// 26: nothing in this system.
+  virtual void DeviceSpareHook() = 0;
+  /// 27: sends the colour table, now, on this thread.
+  virtual void WriteColorsToDevice() = 0;
+  /// 28: sends the colours of one zone, now, on this thread.
+  virtual void WriteZoneToDevice(std::int32_t zone_index) = 0;
+  /// 29: sends the colour of one LED, now, on this thread.
+  virtual void WriteLedToDevice(std::int32_t led_index) = 0;
+  /// 30: applies the active mode, now, on this thread.
+  virtual void WriteModeToDevice() = 0;
+  /// 31: nothing in this system.
+  virtual void DeviceAuxAction() = 0;
+  /// 32: makes the per-LED mode the active one. Requests no push.
+  virtual void SelectFirstMode() = 0;
+
+  /// 33: stops the worker, which first carries out a pending request, and destroys the device controller. Returns when
+  /// the worker has ended; afterwards nothing talks to the hardware. Must not run on the worker thread itself.
+  virtual ~RGBControllerInterface() = default;
+};

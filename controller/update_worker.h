@@ -1,0 +1,52 @@
+/// The thread that turns a controller's push requests into hardware operations, so that the host never waits.
+///
+/// Requests of one kind coalesce: each pass sends the mode first and then the colours, at most once each, and a
+/// request raised while the operation of its kind is running is absorbed by it. With nothing pending the thread
+/// blocks. Any thread may request; Start, Stop and destruction belong to the owner.
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <latch>
+#include <mutex>
+#include <thread>
+
+class UpdateWorker {
+ public:
+  UpdateWorker() = default;
+  UpdateWorker(const UpdateWorker&) = delete;
+  UpdateWorker& operator=(const UpdateWorker&) = delete;
+  /// Stops. Must not run on the worker thread.
+  ~UpdateWorker();
+
+  /// Starts a thread with `body`, which calls Run, and returns when it stands at its wait: no request raised from
+  /// then on is lost. Throws std::system_error when no thread can be started.
+  void Start(std::function<void()> body);
+
+  /// The worker's loop, until it is stopped. Nothing thrown by the operations gets past it. Returns at once when it
+  /// has been entered before, so that only the thread of Start ever works.
+  void Run(const std::function<void()>& write_mode, const std::function<void()>& write_colors);
+
+  void RequestModePush();
+  void RequestColorPush();
+
+  /// Stops and joins the thread, which first carries out what is pending; afterwards it runs no operation any more. May
+  /// be called again. Throws std::system_error (resource_deadlock_would_occur), and stops nothing, when called on
+  /// the worker thread itself.
+  void Stop();
+
+ private:
+  void Request(std::atomic<bool>& pending);
+  void PushPending(const std::function<void()>& write_mode, const std::function<void()>& write_colors);
+
+  std::thread worker;
+  std::atomic<bool> colors_pending = false;
+  std::atomic<bool> mode_pending = false;
+  std::atomic<bool> worker_alive = true;
+  std::condition_variable worker_wakeup;
+  std::mutex worker_lock;  // held to raise a flag and to test the flags before waiting; never during an operation
+
+  std::atomic<bool> entered = false;
+  std::latch standing_at_wait{1};
+};

@@ -1,0 +1,10 @@
+#include "ec/ec_factories.h"
+
+#include "ec/ec_keyboard_controller.h"
+#include "ec/ec_keyboard_device.h"
+
+ZarnECKeyboardController* CreateZarnECKeyboardControllerClassInstance() { return new ZarnECKeyboardController; }
+
+RGBControllerInterface* CreateRGBController_ZarnECKeyboardClassInstance(ZarnECKeyboardController* controller) {
+  return controller == nullptr ? nullptr : new RGBController_ZarnECKeyboard(controller);
+}

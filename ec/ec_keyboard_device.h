@@ -1,0 +1,29 @@
+/// The generic controller of the EC keyboard: one zone of up to four LEDs and nine modes, of which the per-LED mode and
+/// "STATIC" take the colour path and the others run in the firmware.
+#pragma once
+
+#include "controller/rgb_controller.h"
+
+class ZarnECKeyboardController;
+
+class RGBController_ZarnECKeyboard final : public RGBController {
+ public:
+  /// Takes `controller` over unless it throws (std::bad_alloc, std::system_error).
+  explicit RGBController_ZarnECKeyboard(ZarnECKeyboardController* controller);
+  ~RGBController_ZarnECKeyboard() override;
+
+  void DefineLayout() override;
+  void DeviceSpareHook() override {}
+  void WriteColorsToDevice() override;
+  void WriteZoneToDevice(std::int32_t zone_index) override;
+  void WriteLedToDevice(std::int32_t led_index) override;
+  void WriteModeToDevice() override;
+  void SelectFirstMode() override;
+
+ private:
+  void SendColorTable();
+  void ApplyMode();
+
+  // Owned, but bare: when the constructor throws the destructor does not run, and the host keeps what it handed in.
+  ZarnECKeyboardController* const hw_controller;
+};

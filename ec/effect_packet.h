@@ -1,0 +1,34 @@
+/// The 16-byte packet of SetGamingKBBacklight, by which the EC runs an effect or takes a brightness.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+using EffectPacket = std::array<std::uint8_t, 16>;
+
+/// What byte 9 tells the firmware the packet is for.
+inline constexpr std::uint8_t kTargetKeyboard = 1;
+
+struct EffectSettings {
+  std::uint8_t effect = 0;
+  std::uint16_t speed = 0;
+  std::uint16_t direction = 0;
+  std::uint16_t brightness = 0;
+  std::uint8_t red = 0;
+  std::uint8_t green = 0;
+  std::uint8_t blue = 0;
+};
+
+/// The packet; of speed, brightness and direction the low 8 bits.
+constexpr EffectPacket MakeEffectPacket(const EffectSettings& settings, std::uint8_t target) {
+  return {settings.effect,
+          static_cast<std::uint8_t>(settings.speed),
+          static_cast<std::uint8_t>(settings.brightness),
+          0,
+          static_cast<std::uint8_t>(settings.direction),
+          settings.red,
+          settings.green,
+          settings.blue,
+          3,
+          target};
+}

@@ -1,0 +1,92 @@
+#include "firmware/firmware_methods.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <span>
+
+#include "firmware/com_resources.h"
+#include "firmware/wmi_connection.h"
+#include "platform/system.h"
+
+namespace {
+
+constexpr DWORD kPauseMilliseconds = 30;
+constexpr std::size_t kBacklightPacketSize = 16;
+constexpr ULONG kLedQuery = 16;
+
+/// The frame of every call. `call` prepares its input, runs the method and copies the results out; its values are gone
+/// before the connection closes, and the pause holds no connection open.
+template <typename Call>
+std::int32_t FirmwareCall(Call call) {
+  {
+    WmiConnection connection;
+    if (!call(connection)) return 0;
+  }
+  Sleep(kPauseMilliseconds);
+  return 1;
+}
+
+/// Opens the connection and runs `method` on the firmware's instance.
+bool Run(WmiConnection& connection, const wchar_t* method, Variant& input, std::initializer_list<NamedVariant> out) {
+  const NamedVariant in[] = {{L"gmInput", input}};
+  return OpenWmiConnection(connection) != 0 &&
+         ExecFirmwareMethod(connection, kFirmwareClass, method, kFirmwareInstances, in, out) != 0;
+}
+
+}  // namespace
+
+std::int32_t SetGamingLED(const std::uint8_t* input, std::uint32_t* output, std::int32_t length) {
+  return FirmwareCall([&](WmiConnection& connection) {
+    Variant gm_input;
+    Variant gm_output;
+    if (length < 0 || !gm_input.SetBytes({input, static_cast<std::size_t>(length)})) return false;
+    if (!Run(connection, L"SetGamingLED", gm_input, {{L"gmOutput", gm_output}})) return false;
+    if (!gm_output.ChangeTo(VT_UI4)) return false;
+    *output = V_UI4(gm_output.Get());
+    return true;
+  });
+}
+
+std::int32_t SetGamingKBBacklight(const std::uint8_t* input, std::uint64_t* output) {
+  return FirmwareCall([&](WmiConnection& connection) {
+    Variant gm_input;
+    Variant gm_output;
+    if (!gm_input.SetBytes({input, kBacklightPacketSize})) return false;
+    if (!Run(connection, L"SetGamingKBBacklight", gm_input, {{L"gmOutput", gm_output}})) return false;
+    if (!gm_output.ChangeTo(VT_UI4)) return false;
+    const auto answer = static_cast<std::int32_t>(V_UI4(gm_output.Get()));
+    *output = static_cast<std::uint64_t>(std::int64_t{answer});
+    return true;
+  });
+}
+
+std::int32_t SetGamingRgbKb(std::uint64_t value) {
+  return FirmwareCall([&](WmiConnection& connection) {
+    Variant gm_input;
+    Variant gm_output;
+    V_VT(gm_input.Get()) = VT_UI8;
+    V_UI8(gm_input.Get()) = value;
+    return gm_input.ChangeTo(VT_BSTR) && Run(connection, L"SetGamingRgbKb", gm_input, {{L"gmOutput", gm_output}}) &&
+           gm_output.ChangeTo(VT_UI4);
+  });
+}
+
+std::int32_t GetGamingLED(std::uint8_t* buffer, std::int32_t length) {
+  return FirmwareCall([&](WmiConnection& connection) {
+    Variant gm_input;
+    Variant gm_return;
+    Variant gm_output;
+    V_VT(gm_input.Get()) = VT_UI4;
+    V_UI4(gm_input.Get()) = kLedQuery;
+    if (length < 1 || !gm_input.ChangeTo(VT_BSTR)) return false;
+    if (!Run(connection, L"GetGamingLED", gm_input, {{L"gmReturn", gm_return}, {L"gmOutput", gm_output}})) return false;
+    // The platform would turn a text into its raw bytes; only an array is an answer.
+    if (!gm_return.ChangeTo(VT_UI8) || !gm_output.IsByteArray()) return false;
+    const ArrayBytes answer(gm_output);
+    if (!answer) return false;
+    buffer[0] = static_cast<std::uint8_t>(V_UI8(gm_return.Get()));
+    const std::size_t count = std::min(answer.Get().size(), static_cast<std::size_t>(length - 1));
+    std::copy_n(answer.Get().begin(), count, buffer + 1);
+    return true;
+  });
+}

@@ -1,0 +1,46 @@
+/// The OEM structure of type 172 in the machine's SMBIOS table: the firmware's version and what lighting hardware the
+/// embedded controller drives. docs/formats.md has its layout.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+/// A copy of the machine's structure table.
+struct RawSmbiosTable {
+  std::uint8_t smbiosMajor = 0;
+  std::uint8_t smbiosMinor = 0;
+  std::unique_ptr<std::uint8_t[]> data;
+  std::uint32_t length = 0;  // bytes in `data`
+};
+
+/// The structure, unpacked. Items beyond `itemCount` are 0.
+struct stSMBiosType172 {
+  std::uint8_t type = 0;
+  std::uint8_t length = 0;  // of the formatted area, with its header
+  std::uint16_t handle = 0;
+  std::uint8_t biosMajor = 0;
+  std::uint8_t biosMinor = 0;
+  std::int32_t itemCount = 0;
+  std::array<std::uint8_t, 256> itemIds{};
+  std::array<std::uint16_t, 256> itemValues{};
+};
+
+/// Items that tell of lighting hardware.
+inline constexpr std::uint8_t kItemKeyboardZones = 8;  // 0 none; 1, 3 or 4 zones
+inline constexpr std::uint8_t kItemRgbKeyboard = 10;   // 1 no, 2 yes
+inline constexpr std::uint8_t kItemLightBar = 23;      // 1 yes, 2 none
+
+/// Reads the table through the management service, anew each time; 1 when `data` and `length` hold it, else 0 and they
+/// hold nothing. May block as long as the service does. Throws std::bad_alloc.
+int ReadRawSmbiosTable(RawSmbiosTable& table);
+
+/// Unpacks the first structure of type 172; false, with the record all zero, when there is none or when it runs past
+/// the table's end. Reads no byte beyond the table.
+bool FindSMBiosType172(const RawSmbiosTable& table, stSMBiosType172& record);
+bool FindSMBiosType172(std::span<const std::uint8_t> table, stSMBiosType172& record);
+
+/// The value of the first item with that id.
+std::optional<std::uint16_t> FirstItem(const stSMBiosType172& record, std::uint8_t id);

@@ -1,0 +1,201 @@
+#include "firmware/wmi_connection.h"
+
+#include <utility>
+
+namespace {
+
+constexpr wchar_t kNamespace[] = L"ROOT\\WMI";
+constexpr wchar_t kQueryLanguage[] = L"WQL";
+constexpr wchar_t kKeyProperty[] = L"InstanceName";
+constexpr std::size_t kPathCharacters = 260;  // with the terminator
+
+constexpr auto kFailed = static_cast<HRESULT>(WBEM_E_FAILED);
+
+/// Keeps a step's result; true when it succeeded.
+bool Step(WmiConnection& connection, HRESULT result) {
+  connection.status = result;
+  return SUCCEEDED(result);
+}
+
+/// The same for a step that hands out an object: success without one is a failure.
+template <typename Interface>
+bool Step(WmiConnection& connection, HRESULT result, const ComPtr<Interface>& object) {
+  return Step(connection, SUCCEEDED(result) && !object ? kFailed : result);
+}
+
+/// The same for the making of a text.
+bool Step(WmiConnection& connection, const Bstr& text) { return Step(connection, text ? S_OK : E_OUTOFMEMORY); }
+
+bool Connect(WmiConnection& connection) {
+  const Bstr name_space(kNamespace);
+  if (!Step(connection, name_space)) return false;
+  if (!Step(connection,
+            CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
+                             reinterpret_cast<void**>(connection.locator.Put())),
+            connection.locator)) {
+    return false;
+  }
+  if (!Step(connection,
+            connection.locator->ConnectServer(name_space.Get(), nullptr, nullptr, nullptr, 0, nullptr, nullptr,
+                                              connection.services.Put()),
+            connection.services)) {
+    return false;
+  }
+  return Step(connection, CoSetProxyBlanket(connection.services.Get(), RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
+                                            RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE));
+}
+
+/// Takes the next object of an enumeration; false at its end or on a failure.
+bool TakeNext(WmiConnection& connection, const ComPtr<IEnumWbemClassObject>& enumerator,
+              ComPtr<IWbemClassObject>& object) {
+  ULONG returned = 0;
+  return Step(connection, enumerator->Next(static_cast<LONG>(WBEM_INFINITE), 1, object.Put(), &returned)) &&
+         returned == 1 && object;
+}
+
+bool SendValues(WmiConnection& connection, const ComPtr<IWbemClassObject>& parameters,
+                std::span<const NamedVariant> values) {
+  for (const NamedVariant& value : values) {
+    Variant copy;
+    if (!Step(connection, VariantCopy(copy.Get(), value.value.Get())) ||
+        !Step(connection, parameters->Put(value.name, 0, copy.Get(), 0))) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool ReceiveValues(WmiConnection& connection, const ComPtr<IWbemClassObject>& object,
+                   std::span<const NamedVariant> values) {
+  for (const NamedVariant& value : values) {
+    Variant received;
+    if (!Step(connection, object->Get(value.name, 0, received.Get(), nullptr, nullptr)) ||
+        !Step(connection, VariantCopy(value.value.Get(), received.Get()))) {
+      return false;
+    }
+  }
+  return !values.empty();
+}
+
+bool RunMethod(WmiConnection& connection, const wchar_t* class_name, const wchar_t* method, const wchar_t* query,
+               std::span<const NamedVariant> in, std::span<const NamedVariant> out) {
+  std::wstring path;
+  if (!Step(connection, FindInstancePath(connection, class_name, query, path))) return false;
+
+  const Bstr class_text(class_name);
+  const Bstr method_text(method);
+  const Bstr path_text(path.c_str());
+  if (!Step(connection, class_text) || !Step(connection, method_text) || !Step(connection, path_text)) return false;
+
+  ComPtr<IWbemClassObject> definition;
+  if (!Step(connection, connection.services->GetObject(class_text.Get(), 0, nullptr, definition.Put(), nullptr),
+            definition)) {
+    return false;
+  }
+  ComPtr<IWbemClassObject> in_params;
+  if (!Step(connection, definition->GetMethod(method, 0, in_params.Put(), nullptr))) return false;
+  if (!in.empty() && !Step(connection, S_OK, in_params)) return false;  // only a method without parameters has none
+  if (!SendValues(connection, in_params, in)) return false;
+
+  ComPtr<IWbemClassObject> out_params;
+  return Step(connection,
+              connection.services->ExecMethod(path_text.Get(), method_text.Get(), 0, nullptr,
+                                              in.empty() ? nullptr : in_params.Get(), out_params.Put(), nullptr),
+              out_params) &&
+         ReceiveValues(connection, out_params, out);
+}
+
+bool ReadFirstInstance(WmiConnection& connection, const wchar_t* class_name, std::span<const NamedVariant> properties) {
+  const Bstr class_text(class_name);
+  ComPtr<IEnumWbemClassObject> enumerator;
+  ComPtr<IWbemClassObject> instance;
+  return Step(connection, class_text) &&
+         Step(connection, connection.services->CreateInstanceEnum(class_text.Get(), 0, nullptr, enumerator.Put()),
+              enumerator) &&
+         TakeNext(connection, enumerator, instance) && ReceiveValues(connection, instance, properties);
+}
+
+/// Runs `operation`; what it throws, memory running out, becomes a failure of the connection.
+template <typename Operation>
+std::int32_t Contained(WmiConnection& connection, Operation operation) noexcept {
+  try {
+    connection.status = S_OK;
+    return operation() ? 1 : 0;
+  } catch (...) {
+    connection.status = kFailed;
+    return 0;
+  }
+}
+
+}  // namespace
+
+WmiConnection::~WmiConnection() { CloseWmiConnection(*this); }
+
+std::int32_t OpenWmiConnection(WmiConnection& connection) {
+  CloseWmiConnection(connection);
+  connection.may_uninitialize = 1;
+  connection.com_initialized = 0;
+
+  // Where COM cannot be initialised the next step fails; only the answer that it already belongs to somebody else
+  // matters here.
+  connection.status = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+  connection.com_initialized = 1;
+  if (connection.status == RPC_E_CHANGED_MODE) connection.may_uninitialize = 0;
+
+  if (Connect(connection)) return 1;
+  CloseWmiConnection(connection);
+  return 0;
+}
+
+void CloseWmiConnection(WmiConnection& connection) {
+  connection.services.Reset();
+  connection.locator.Reset();
+  if (std::exchange(connection.com_initialized, 0) != 0 && connection.may_uninitialize != 0) CoUninitialize();
+}
+
+std::wstring EscapeBackslashes(const std::wstring& text) {
+  std::wstring escaped;
+  for (const wchar_t character : text) escaped.append(character == L'\\' ? 2 : 1, character);
+  return escaped;
+}
+
+HRESULT FindInstancePath(WmiConnection& connection, const wchar_t* class_name, const wchar_t* query,
+                         std::wstring& path) {
+  path.clear();
+  const Bstr language(kQueryLanguage);
+  const Bstr query_text(query);
+  if (!Step(connection, language) || !Step(connection, query_text)) return connection.status;
+
+  ComPtr<IEnumWbemClassObject> enumerator;
+  if (!Step(connection,
+            connection.services->ExecQuery(language.Get(), query_text.Get(),
+                                           WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY, nullptr,
+                                           enumerator.Put()),
+            enumerator)) {
+    return connection.status;
+  }
+  const HRESULT query_result = connection.status;
+
+  ComPtr<IWbemClassObject> instance;
+  while (TakeNext(connection, enumerator, instance)) {
+    Variant name;
+    if (!Step(connection, instance->Get(kKeyProperty, 0, name.Get(), nullptr, nullptr))) continue;
+    if (name.Type() <= VT_NULL) continue;
+    if (!name.ChangeTo(VT_BSTR)) return kFailed;
+    const std::wstring text(V_BSTR(name.Get()), SysStringLen(V_BSTR(name.Get())));
+    path = std::wstring(class_name) + L"." + kKeyProperty + L"=\"" + EscapeBackslashes(text) + L"\"";
+    return path.size() < kPathCharacters ? query_result : kFailed;
+  }
+  return query_result;
+}
+
+std::int32_t ExecFirmwareMethod(WmiConnection& connection, const wchar_t* class_name, const wchar_t* method,
+                                const wchar_t* query, std::span<const NamedVariant> in,
+                                std::span<const NamedVariant> out) {
+  return Contained(connection, [&] { return RunMethod(connection, class_name, method, query, in, out); });
+}
+
+std::int32_t ReadInstanceProperties(WmiConnection& connection, const wchar_t* class_name,
+                                    std::span<const NamedVariant> properties) {
+  return Contained(connection, [&] { return ReadFirstInstance(connection, class_name, properties); });
+}

@@ -1,0 +1,151 @@
+#include "log/ts_log.h"
+
+#include <array>
+#include <atomic>
+#include <cstdarg>
+#include <cwchar>
+#include <fstream>
+#include <locale>
+#include <mutex>
+#include <optional>
+
+#include "log/format.h"
+#include "platform/registry.h"
+
+namespace {
+
+constexpr wchar_t kModuleName[] = L"ZarnECKeyboard";
+constexpr wchar_t kSwitchKey[] = L"SOFTWARE\\OEM\\ZarnLightingService\\Log";
+constexpr wchar_t kSwitchValue[] = L"ZarnLightingService";
+constexpr wchar_t kLogFolder[] = L"OEM\\ZarnLightingService\\Log";
+
+using PathBuffer = std::array<wchar_t, MAX_PATH>;
+
+bool SwitchIsOn() {
+  DWORD number = 0xFFFFFFFF;
+  HKEY key = nullptr;
+  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kSwitchKey, 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
+  DWORD size = sizeof(number);
+  RegQueryValueExW(key, kSwitchValue, nullptr, nullptr, reinterpret_cast<LPBYTE>(&number), &size);
+  RegCloseKey(key);
+  return number == 1;
+}
+
+/// The machine's program-data folder, empty when it is not set; nothing when it is too long for a path.
+std::optional<std::wstring> ProgramDataFolder() {
+  PathBuffer buffer{};
+  const DWORD length = GetEnvironmentVariableW(L"PROGRAMDATA", buffer.data(), static_cast<DWORD>(buffer.size()));
+  if (length >= buffer.size()) return std::nullopt;
+  return std::wstring(buffer.data(), length);
+}
+
+std::wstring UserName() {
+  PathBuffer buffer{};
+  auto size = static_cast<DWORD>(buffer.size());
+  return GetUserNameW(buffer.data(), &size) != 0 ? std::wstring(buffer.data()) : std::wstring();
+}
+
+std::wstring Formatted(const wchar_t* format, ...) {
+  std::array<wchar_t, 64> buffer{};
+  std::va_list arguments;
+  va_start(arguments, format);
+  FormatWide(buffer.data(), buffer.size(), format, arguments);
+  va_end(arguments);
+  return buffer.data();
+}
+
+SYSTEMTIME LocalTime() {
+  SYSTEMTIME time{};
+  GetLocalTime(&time);
+  return time;
+}
+
+std::wstring LogPath(const std::wstring& program_data) {
+  const SYSTEMTIME today = LocalTime();
+  const std::wstring date = Formatted(L"%4d%02d%02d", today.wYear, today.wMonth, today.wDay);
+  return program_data + L"\\" + kLogFolder + L"\\" + UserName() + L"_" + kModuleName + L"_" + date + L".log";
+}
+
+std::wstring Timestamp() {
+  const SYSTEMTIME now = LocalTime();
+  return Formatted(L"%04d%02d%02d_%02d:%02d:%02d.%03d", now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute,
+                   now.wSecond, now.wMilliseconds);
+}
+
+const wchar_t* TagOf(std::int32_t level) {
+  static constexpr const wchar_t* kTags[] = {L"[INFO]     ", L"[WARNING]  ", L"[ERROR]    ", L"[EXCEPTION]"};
+  return level >= 0 && level < static_cast<std::int32_t>(std::size(kTags)) ? kTags[level] : L"";
+}
+
+/// The length of what `text` holds in front of the first character that a stream of `locale` cannot convert. Such a
+/// character would take with it whatever else is waiting in the stream's buffer.
+std::size_t ConvertibleLength(const std::wstring& text, const std::locale& locale) {
+  using Converter = std::codecvt<wchar_t, char, std::mbstate_t>;
+  const auto& converter = std::use_facet<Converter>(locale);
+  std::mbstate_t state{};
+  std::array<char, 16> narrow{};
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const wchar_t* wide_end = nullptr;
+    char* narrow_end = nullptr;
+    const auto result = converter.out(state, &text[i], &text[i] + 1, wide_end, narrow.data(),
+                                      narrow.data() + narrow.size(), narrow_end);
+    if (result != Converter::ok) return i;
+  }
+  return text.size();
+}
+
+class SectionGuard {
+ public:
+  explicit SectionGuard(CRITICAL_SECTION& section) : section_(section) { EnterCriticalSection(&section_); }
+  SectionGuard(const SectionGuard&) = delete;
+  SectionGuard& operator=(const SectionGuard&) = delete;
+  ~SectionGuard() { LeaveCriticalSection(&section_); }
+
+ private:
+  CRITICAL_SECTION& section_;
+};
+
+}  // namespace
+
+TsLog::TsLog(std::wstring path) : moduleName(kModuleName), filePath(std::move(path)) {
+  InitializeCriticalSection(&lock);
+}
+
+TsLog* TsLog::GetInstance() {
+  static std::atomic<TsLog*> instance = nullptr;
+  static std::mutex creation_lock;
+
+  if (TsLog* const log = instance.load(std::memory_order_acquire)) return log;
+  if (!SwitchIsOn()) return nullptr;
+  const std::lock_guard lock(creation_lock);
+  if (instance == nullptr) instance = Create();
+  return instance;
+}
+
+TsLog* TsLog::Create() {
+  const std::optional<std::wstring> program_data = ProgramDataFolder();
+  if (!program_data) return nullptr;
+  std::wstring path = LogPath(*program_data);
+  if (path.size() >= MAX_PATH) return nullptr;  // no log rather than one at a cut path
+  std::array<char, MAX_PATH> narrow_path{};
+  if (WideCharToMultiByte(CP_ACP, 0, path.c_str(), -1, narrow_path.data(), static_cast<int>(narrow_path.size()),
+                          nullptr, nullptr) == 0) {
+    return nullptr;
+  }
+  MakeSureDirectoryPathExists(narrow_path.data());
+  return new TsLog(std::move(path));
+}
+
+bool TsLog::WriteLine(std::int32_t level, const wchar_t* function_tag, const wchar_t* message) {
+  std::wstring line =
+      TagOf(level) + (L" " + Timestamp()) + L" | " + moduleName + L" | " + function_tag + L" | " + message;
+
+  const SectionGuard guard(lock);
+  std::wofstream file;
+  platform::OpenStream(file, filePath.c_str(), std::ios_base::out | std::ios_base::app | std::ios_base::binary);
+  if (!file.is_open()) return false;
+  line.resize(ConvertibleLength(line, file.getloc()));
+  file << line << L"\r\n";
+  file.close();
+  return true;
+}

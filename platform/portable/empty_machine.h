@@ -1,0 +1,24 @@
+/// A machine on which nothing is there but the clock: where tests begin. They override what the case needs.
+#pragma once
+
+#include "platform/portable/machine.h"
+
+namespace platform {
+
+class EmptyMachine : public Machine {
+ public:
+  bool HasRegistryKey(std::wstring_view key) override;
+  std::optional<Bytes> RegistryValue(std::wstring_view key, std::wstring_view name) override;
+  std::optional<std::wstring> EnvironmentVariable(std::wstring_view name) override;
+  std::optional<std::wstring> UserName() override;
+  /// The computer's own clock in its own time zone.
+  SYSTEMTIME LocalTime() override;
+  /// Really pauses.
+  void Sleep(std::uint32_t milliseconds) override;
+  std::optional<SmbiosTable> ReadSmbiosTable() override;
+  std::optional<FirmwareClass> FindFirmwareClass() override;
+  FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,
+                              const NamedValues& in) override;
+};
+
+}  // namespace platform

@@ -1,0 +1,12 @@
+/// The calling thread's last error, for the layer's own use.
+#pragma once
+
+#include "platform/portable/windows_types.h"
+
+namespace platform {
+
+void SetThreadError(LONG error) noexcept;
+/// Sets it from a value of errno.
+void SetThreadErrorFromErrno(int code) noexcept;
+
+}  // namespace platform

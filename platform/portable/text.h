@@ -1,0 +1,25 @@
+/// Text on its way between the platform's wide characters and UTF-8.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+/// One character in UTF-8; `size` is 0 for what is no character: a surrogate, or beyond U+10FFFF.
+struct Utf8Character {
+  char units[4];
+  std::size_t size;
+};
+
+Utf8Character EncodeUtf8(wchar_t character);
+
+/// Whether all of `text` could be converted and was appended to `utf8`; at least its beginning was.
+bool AppendUtf8(std::wstring_view text, std::string& utf8);
+/// `text` for people: '?' stands for what cannot be converted.
+std::string ReadableUtf8(std::wstring_view text);
+
+/// As far as ASCII letters go: the names that compare without case here are made of them.
+bool EqualsWithoutCase(std::wstring_view left, std::wstring_view right);
+
+}  // namespace platform

@@ -1,0 +1,12 @@
+/// The door to the platform's registry, of which we only ever read.
+#pragma once
+
+#if defined(_WIN32)
+
+#include <windows.h>
+
+#else
+
+#include "platform/portable/registry_api.h"
+
+#endif

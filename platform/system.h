@@ -1,0 +1,27 @@
+/// The door to what else the platform offers: environment, user name, folders, local time, pauses,
+/// critical sections, the calling thread's last error, and opening a file by its wide path.
+#pragma once
+
+#if defined(_WIN32)
+
+#include <windows.h>
+
+#include <dbghelp.h>
+
+#include <filesystem>
+#include <fstream>
+
+namespace platform {
+
+/// Opens `stream` on the file at `path`; see the layer's declaration for the contract.
+inline void OpenStream(std::wofstream& stream, const wchar_t* path, std::ios_base::openmode mode) {
+  stream.open(std::filesystem::path(path), mode);
+}
+
+}  // namespace platform
+
+#else
+
+#include "platform/portable/system_api.h"
+
+#endif

@@ -1,0 +1,21 @@
+/// The door to the platform's management service (WMI over COM) and its value types.
+///
+/// On Windows this is the platform's own set of headers; elsewhere it is our layer, which declares
+/// what we call under the same names and with the same meaning.
+#pragma once
+
+#if defined(_WIN32)
+
+#include <windows.h>
+
+#undef GetObject  // a macro of the graphics headers that would rename IWbemServices::GetObject
+
+#include <oleauto.h>
+#include <wbemidl.h>
+
+#else
+
+#include "platform/portable/variant.h"
+#include "platform/portable/wmi_api.h"
+
+#endif

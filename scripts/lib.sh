@@ -1,0 +1,52 @@
+# Shared by the scripts beside it: source it first.
+# shellcheck shell=bash
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
+cd "$root"
+
+fail() {
+  echo "${0##*/}: $*" >&2
+  exit 1
+}
+
+# configure PRESET: a build directory that was copied from another checkout, or made with another generator, starts anew.
+configure() {
+  local cache=build/$1/CMakeCache.txt fresh=()
+  if [[ -f $cache ]] && ! { grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$cache" &&
+    grep -qxF "CMAKE_CACHEFILE_DIR:INTERNAL=$root/build/$1" "$cache" &&
+    grep -qxF "CMAKE_GENERATOR:INTERNAL=Ninja" "$cache"; }; then
+    fresh=(--fresh)
+  fi
+  cmake "${fresh[@]}" --preset "$1" </dev/null
+}
+
+# build PRESET [TARGET...]
+build() {
+  local preset=$1
+  shift
+  configure "$preset"
+  cmake --build --preset "$preset" ${1+--target "$@"} </dev/null
+}
+
+# run_ctest PRESET: runs the tests and prints `N passed, N failed`; fails when a test does, or when there is none.
+run_ctest() {
+  local report=$root/build/$1/tests.xml status=0
+  rm -f "$report"
+  ctest --preset "$1" --parallel "$(nproc)" --output-junit "$report" </dev/null || status=$?
+  count_tests "$report"
+  return "$status"
+}
+
+# count_tests REPORT: prints the counts of a JUnit report of ctest's. What neither ran nor was skipped by its own
+# decision has failed.
+count_tests() {
+  local tests skipped disabled passed
+  [[ -f $1 ]] || { echo "0 passed, 1 failed"; return; }
+  tests=$(grep -c '<testcase ' "$1") || true
+  passed=$(grep -c '<testcase .* status="run"' "$1") || true
+  skipped=$(grep -c '<skipped message="SKIP_' "$1") || true
+  disabled=$(grep -c '<testcase .* status="disabled"' "$1") || true
+  skipped=$((skipped + disabled))
+  echo "$passed passed, $((tests - passed - skipped)) failed$( ((skipped == 0)) || echo ", $skipped skipped")"
+}

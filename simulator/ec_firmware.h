@@ -1,0 +1,110 @@
+/// The embedded controller's lighting firmware: methods in, lights out.
+///
+/// Knows bytes and nothing else. It checks what it is sent (lengths, fixed bytes, zone bits) and refuses what a real
+/// one could not have been meant to get, saying why. Threads: any, several at once.
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace simulator {
+
+struct Color {
+  std::uint8_t red = 0;
+  std::uint8_t green = 0;
+  std::uint8_t blue = 0;
+
+  friend bool operator==(const Color&, const Color&) = default;
+};
+
+struct FirmwareVersion {
+  std::uint8_t major = 0;
+  std::uint8_t minor = 0;
+
+  friend bool operator==(const FirmwareVersion&, const FirmwareVersion&) = default;
+  friend constexpr bool operator<(const FirmwareVersion& left, const FirmwareVersion& right) {
+    return left.major != right.major ? left.major < right.major : left.minor < right.minor;
+  }
+};
+
+/// An effect that the firmware runs by itself on the whole keyboard.
+struct Effect {
+  std::uint8_t code = 0;
+  std::uint8_t speed = 0;
+  std::uint8_t direction = 0;
+  Color color;
+
+  friend bool operator==(const Effect&, const Effect&) = default;
+};
+
+/// What the keyboard shows. Speed and brightness stand as they were sent, also beyond what hardware can do.
+struct KeyboardLights {
+  struct Zone {
+    /// The zone's switch; the colour is kept while it is off.
+    bool on = false;
+    Color color;
+
+    friend bool operator==(const Zone&, const Zone&) = default;
+  };
+  std::vector<Zone> zones;
+  std::uint8_t brightness = 0;
+  /// The running effect; without one the zones show their own colours.
+  std::optional<Effect> effect;
+
+  friend bool operator==(const KeyboardLights&, const KeyboardLights&) = default;
+};
+
+class EcFirmware {
+ public:
+  struct Settings {
+    int keyboard_zones = 0;  // 0, 1, 3 or 4
+    bool light_bar = false;
+    FirmwareVersion version;
+  };
+  /// A method's input: bytes, or a number as decimal text.
+  using Input = std::variant<std::vector<std::uint8_t>, std::wstring>;
+  struct Answer {
+    /// Why the firmware refused; empty when it did not. Nothing changed when it did.
+    std::string refusal = {};
+    /// gmOutput: a number for the three setters, bytes for GetGamingLED.
+    std::variant<std::uint32_t, std::vector<std::uint8_t>> output = std::uint32_t{0};
+    /// gmReturn, which only GetGamingLED gives.
+    std::optional<std::uint64_t> gm_return = std::nullopt;
+  };
+
+  explicit EcFirmware(const Settings& settings);
+
+  /// Runs SetGamingLED, GetGamingLED, SetGamingKBBacklight or SetGamingRgbKb.
+  Answer Call(std::string_view method, const Input& input);
+
+  KeyboardLights Lights() const;
+
+ private:
+  struct Method {
+    std::string_view name;
+    Answer (EcFirmware::*run)(const Input& input);
+  };
+  static const Method kMethods[];
+
+  /// SetGamingLED: byte 0 is 8, byte 5 holds one switch bit per zone.
+  Answer SwitchZones(const Input& input);
+  /// GetGamingLED: where the version in use puts it, a light bar that is there shows as bytes other than 0 and 255.
+  Answer ReportLights(const Input& input);
+  /// SetGamingKBBacklight: effect, speed, brightness, 0, direction, red, green, blue, 3, target (1 the keyboard, 3 the
+  /// light bar too), six times 0. Effect 0 with nothing but a brightness gives the zones back their own colours; with
+  /// anything more it is a static light on the whole device, which lights every zone in its colour.
+  Answer SetEffect(const Input& input);
+  /// SetGamingRgbKb: bits 0 to 7 one zone bit, then red, green and blue.
+  Answer ColorZone(const Input& input);
+
+  const Settings settings_;
+  mutable std::mutex lock_;
+  KeyboardLights lights_;  // guarded by lock_
+};
+
+}  // namespace simulator

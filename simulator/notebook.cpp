@@ -1,0 +1,52 @@
+#include "simulator/notebook.h"
+
+#include <chrono>
+#include <initializer_list>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+namespace simulator {
+namespace {
+
+using namespace std::string_view_literals;
+
+/// System information whose strings are the maker and the product: readers must step over strings to find the record.
+constexpr std::string_view kSystemInformation =
+    "\x01\x08\x00\x00\x01\x02\x00\x00"
+    "Zarn\0Simulated Notebook\0\0"sv;
+
+}  // namespace
+
+Notebook::Notebook(Profile profile) : profile_(std::move(profile)), firmware_(profile_.ec) {}
+
+EcFirmware::Answer Notebook::CallFirmware(const std::string& method, const EcFirmware::Input& input) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(profile_.firmware_latency_ms));
+  const std::lock_guard guard(lock_);
+  wire_.push_back({method, input, firmware_.Call(method, input)});
+  return wire_.back().answer;
+}
+
+std::vector<std::uint8_t> Notebook::SmbiosTable() const {
+  if (!profile_.firmware_record) return {};
+  const EcFirmware::Settings& ec = profile_.ec;
+  const auto zones = static_cast<std::uint8_t>(ec.keyboard_zones);
+  const std::uint8_t rgb = profile_.rgb_keyboard ? 2 : 1;
+  const std::uint8_t light_bar = ec.light_bar ? 1 : 2;
+  std::vector<std::uint8_t> table(kSystemInformation.begin(), kSystemInformation.end());
+  const auto append = [&table](std::initializer_list<std::uint8_t> bytes) { table.insert(table.end(), bytes); };
+  append({172, 15, 1, 0, ec.version.major, ec.version.minor});
+  append({8, zones, 0});
+  append({10, rgb, 0});
+  append({23, light_bar, 0});
+  append({0, 0});
+  append({127, 4, 2, 0, 0, 0});
+  return table;
+}
+
+std::vector<WireRecord> Notebook::TakeWire() {
+  const std::lock_guard guard(lock_);
+  return std::exchange(wire_, {});
+}
+
+}  // namespace simulator

@@ -1,0 +1,101 @@
+#include "simulator/notebook_machine.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <utility>
+
+#include "platform/portable/empty_machine.h"
+#include "platform/portable/text.h"
+#include "platform/portable/wmi_api.h"
+#include "simulator/wide_text.h"
+
+namespace simulator {
+namespace {
+
+using platform::Bytes;
+using platform::EqualsWithoutCase;
+
+/// The entry of `map` called `name`, whatever the case; null when there is none.
+template <typename Map>
+const typename Map::mapped_type* Find(const Map& map, std::wstring_view name) {
+  const auto found =
+      std::ranges::find_if(map, [name](const auto& entry) { return EqualsWithoutCase(entry.first, name); });
+  return found == map.end() ? nullptr : &found->second;
+}
+
+bool IsKeyOrBelow(std::wstring_view key, std::wstring_view parent) {
+  if (key.size() > parent.size() && key[parent.size()] != L'\\') return false;
+  return EqualsWithoutCase(key.substr(0, parent.size()), parent);
+}
+
+class NotebookMachine final : public platform::EmptyMachine {
+ public:
+  explicit NotebookMachine(std::shared_ptr<Notebook> notebook) : notebook_(std::move(notebook)) {}
+
+  bool HasRegistryKey(std::wstring_view key) override {
+    return std::ranges::any_of(profile().registry, [key](const auto& entry) { return IsKeyOrBelow(entry.first, key); });
+  }
+
+  std::optional<Bytes> RegistryValue(std::wstring_view key, std::wstring_view name) override {
+    const auto* const values = Find(profile().registry, key);
+    const auto* const value = values == nullptr ? nullptr : Find(*values, name);
+    return value == nullptr ? std::nullopt : std::optional(*value);
+  }
+
+  std::optional<std::wstring> EnvironmentVariable(std::wstring_view name) override {
+    if (const auto* const value = Find(profile().environment, name)) return *value;
+    const char* const own = std::getenv(platform::ReadableUtf8(name).c_str());
+    return own == nullptr ? std::nullopt : std::optional(WideFromUtf8(own));
+  }
+
+  std::optional<std::wstring> UserName() override {
+    return profile().user_name.empty() ? std::nullopt : std::optional(profile().user_name);
+  }
+
+  std::optional<platform::SmbiosTable> ReadSmbiosTable() override {
+    Bytes table = notebook_->SmbiosTable();
+    if (table.empty()) return std::nullopt;
+    return platform::SmbiosTable{std::move(table), std::uint8_t{3}, std::uint8_t{0}};
+  }
+
+  std::optional<platform::FirmwareClass> FindFirmwareClass() override {
+    if (profile().firmware_instance.empty()) return std::nullopt;
+    return platform::FirmwareClass{
+        {{L"SetGamingLED"}, {L"GetGamingLED"}, {L"SetGamingKBBacklight"}, {L"SetGamingRgbKb"}},
+        {profile().firmware_instance}};
+  }
+
+  platform::FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,
+                                        const platform::NamedValues& in) override {
+    if (instance_name != profile().firmware_instance) return {WBEM_E_NOT_FOUND, {}};
+    const auto* const value = Find(in, L"gmInput");
+    EcFirmware::Input input;
+    if (const auto* const bytes = value == nullptr ? nullptr : std::get_if<Bytes>(value)) {
+      input = *bytes;
+    } else if (const auto* const text = value == nullptr ? nullptr : std::get_if<std::wstring>(value)) {
+      input = *text;
+    } else {
+      return {WBEM_E_INVALID_PARAMETER, {}};
+    }
+    const EcFirmware::Answer answer = notebook_->CallFirmware(platform::ReadableUtf8(method), input);
+    if (!answer.refusal.empty()) return {WBEM_E_INVALID_PARAMETER, {}};
+    platform::NamedValues out;
+    out[L"gmOutput"] = std::visit([](const auto& output) -> platform::Value { return output; }, answer.output);
+    if (answer.gm_return) out[L"gmReturn"] = *answer.gm_return;
+    return {S_OK, std::move(out)};
+  }
+
+ private:
+  const Profile& profile() const { return notebook_->profile(); }
+
+  const std::shared_ptr<Notebook> notebook_;
+};
+
+}  // namespace
+
+std::shared_ptr<platform::Machine> MakeMachine(std::shared_ptr<Notebook> notebook) {
+  return std::make_shared<NotebookMachine>(std::move(notebook));
+}
+
+}  // namespace simulator

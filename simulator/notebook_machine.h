@@ -1,0 +1,15 @@
+/// Puts a simulated notebook under the platform layer, in this process.
+#pragma once
+
+#include <memory>
+
+#include "platform/portable/machine.h"
+#include "simulator/notebook.h"
+
+namespace simulator {
+
+/// The machine that answers for `notebook`. The clock and pauses are the computer's own, and so are environment
+/// variables that the profile does not set.
+std::shared_ptr<platform::Machine> MakeMachine(std::shared_ptr<Notebook> notebook);
+
+}  // namespace simulator

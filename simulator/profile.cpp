@@ -1,0 +1,223 @@
+#include "simulator/profile.h"
+
+#include <toml++/toml.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <fstream>
+#include <initializer_list>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <system_error>
+
+#include "simulator/wide_text.h"
+
+namespace simulator {
+namespace {
+
+constexpr wchar_t kDefaultInstance[] = L"ACPI\\PNP0C14\\ZARN_0";
+constexpr wchar_t kDefaultUser[] = L"player";
+constexpr wchar_t kLogKey[] = L"SOFTWARE\\OEM\\ZarnLightingService\\Log";
+constexpr wchar_t kLogSwitch[] = L"ZarnLightingService";
+
+[[noreturn]] void Fail(const toml::source_region& where, std::initializer_list<std::string_view> what) {
+  std::string line = *where.path + ":" + std::to_string(where.begin.line) + ": ";
+  for (const std::string_view part : what) line += part;
+  // Keys, and the text that the parser quotes, may hold line breaks.
+  for (char& c : line) c = c >= 0 && c < ' ' ? ' ' : c;
+  throw ProfileError(line);
+}
+
+/// One key of a table: what may stand there, and how it gets into the profile.
+struct Field {
+  std::string_view key;
+  std::string_view allowed;
+  /// Whether the value is one of those allowed.
+  bool (*read)(const toml::node& node, Profile& profile);
+  bool required = false;
+};
+
+/// Reads a table that may hold `fields` and nothing else.
+bool ReadFields(const toml::node& node, std::span<const Field> fields, Profile& profile) {
+  const toml::table* const table = node.as_table();
+  if (table == nullptr) return false;
+  for (const auto& [key, value] : *table) {
+    const auto field = std::ranges::find(fields, key.str(), &Field::key);
+    if (field == fields.end()) {
+      std::string known;
+      for (const Field& each : fields) known.append(known.empty() ? "" : ", ").append(each.key);
+      Fail(key.source(), {"\"", key.str(), "\" is not known here, only: ", known});
+    }
+    if (!field->read(value, profile)) Fail(key.source(), {key.str(), " must be ", field->allowed});
+  }
+  for (const Field& field : fields) {
+    if (field.required && !table->contains(field.key)) {
+      Fail(table->source(), {field.key, " is missing here: ", field.allowed});
+    }
+  }
+  return true;
+}
+
+template <typename T, typename Target>
+bool Assign(const std::optional<T>& value, Target& target) {
+  if (value) target = static_cast<Target>(*value);
+  return value.has_value();
+}
+
+std::optional<std::wstring> Text(const toml::node& node) {
+  const auto text = node.value_exact<std::string>();
+  if (!text || text->find('\0') != std::string::npos) return std::nullopt;
+  return WideFromUtf8(*text);
+}
+
+std::optional<std::int64_t> Number(const toml::node& node, std::int64_t highest) {
+  const auto number = node.value_exact<std::int64_t>();
+  return number && *number >= 0 && *number <= highest ? number : std::nullopt;
+}
+
+std::optional<std::int64_t> Zones(const toml::node& node) {
+  const auto zones = Number(node, 4);
+  return zones && *zones != 2 ? zones : std::nullopt;
+}
+
+std::optional<FirmwareVersion> Version(const toml::node& node) {
+  const std::string text = node.value_or(std::string());
+  const char* const end = text.data() + text.size();
+  FirmwareVersion version;
+  const auto major = std::from_chars(text.data(), end, version.major);
+  if (major.ec != std::errc{} || major.ptr == end || *major.ptr != '.') return std::nullopt;
+  const auto minor = std::from_chars(major.ptr + 1, end, version.minor);
+  if (minor.ec != std::errc{} || minor.ptr != end) return std::nullopt;
+  return version;
+}
+
+std::vector<std::uint8_t> Dword(std::int64_t value) {
+  const auto byte = [value](int index) { return static_cast<std::uint8_t>(value >> (8 * index)); };
+  return {byte(0), byte(1), byte(2), byte(3)};
+}
+
+bool ReadLogSwitch(const toml::node& node, Profile& profile) {
+  const auto enabled = node.value_exact<bool>();
+  if (enabled) profile.registry[kLogKey][kLogSwitch] = Dword(*enabled ? 1 : 0);
+  return enabled.has_value();
+}
+
+void ReadRegistryKey(std::string_view key, const toml::table& values, Profile& profile) {
+  auto& wide_values = profile.registry[WideFromUtf8(key)];
+  for (const auto& [name, node] : values) {
+    const auto value = Number(node, 0xFFFFFFFF);
+    if (!value) Fail(name.source(), {name.str(), " must be a whole number from 0 to 4294967295"});
+    wide_values[WideFromUtf8(name.str())] = Dword(*value);
+  }
+}
+
+bool ReadRegistry(const toml::node& node, Profile& profile) {
+  if (!node.is_table()) return false;
+  for (const auto& [key, values] : *node.as_table()) {
+    if (!values.is_table()) Fail(key.source(), {key.str(), " must be a table: [registry.'KEY\\KEY']"});
+    ReadRegistryKey(key.str(), *values.as_table(), profile);
+  }
+  return true;
+}
+
+bool ReadEnvironment(const toml::node& node, Profile& profile) {
+  if (!node.is_table()) return false;
+  for (const auto& [name, value] : *node.as_table()) {
+    if (!Assign(Text(value), profile.environment[WideFromUtf8(name.str())])) {
+      Fail(name.source(), {name.str(), " must be text"});
+    }
+  }
+  return true;
+}
+
+constexpr Field kFirmware[] = {
+    {"version", "text like \"2.91\", both numbers from 0 to 255",
+     [](const toml::node& node, Profile& profile) { return Assign(Version(node), profile.ec.version); }, true},
+    {"instance", "text, empty for no firmware class",
+     [](const toml::node& node, Profile& profile) { return Assign(Text(node), profile.firmware_instance); }},
+    {"latency_ms", "a whole number from 0 to 10000",
+     [](const toml::node& node, Profile& profile) { return Assign(Number(node, 10000), profile.firmware_latency_ms); }},
+};
+
+constexpr Field kKeyboard[] = {
+    {"zones", "0, 1, 3 or 4",
+     [](const toml::node& node, Profile& profile) { return Assign(Zones(node), profile.ec.keyboard_zones); }, true},
+    {"rgb", "true or false",
+     [](const toml::node& node, Profile& profile) { return Assign(node.value_exact<bool>(), profile.rgb_keyboard); }},
+};
+
+constexpr Field kLightBar[] = {
+    {"present", "true or false",
+     [](const toml::node& node, Profile& profile) { return Assign(node.value_exact<bool>(), profile.ec.light_bar); },
+     true},
+};
+
+constexpr Field kLog[] = {{"enabled", "true or false", ReadLogSwitch, true}};
+
+template <const auto& kFields>
+bool Section(const toml::node& node, Profile& profile) {
+  return ReadFields(node, kFields, profile);
+}
+
+constexpr Field kFile[] = {
+    {"title", "text",
+     [](const toml::node& node, Profile& profile) { return Assign(node.value_exact<std::string>(), profile.title); },
+     true},
+    {"user", "text, empty for a name that cannot be told",
+     [](const toml::node& node, Profile& profile) { return Assign(Text(node), profile.user_name); }},
+    {"firmware", "a table: [firmware]", Section<kFirmware>},
+    {"keyboard", "a table: [keyboard]", Section<kKeyboard>},
+    {"light_bar", "a table: [light_bar]", Section<kLightBar>},
+    {"log", "a table: [log]", Section<kLog>},
+    {"registry", "tables: [registry.'KEY\\KEY']", ReadRegistry},
+    {"environment", "a table: [environment]", ReadEnvironment},
+};
+
+std::string ReadFile(const std::filesystem::path& file) {
+  errno = 0;
+  std::ifstream in(file, std::ios::binary);
+  std::string text;
+  std::array<char, 4096> block{};
+  while (in.read(block.data(), block.size()), in.gcount() > 0) {
+    text.append(block.data(), static_cast<std::size_t>(in.gcount()));
+  }
+  if (!in.is_open() || in.bad()) {
+    throw ProfileError(file.string() + ": cannot be read: " + std::generic_category().message(errno));
+  }
+  return text;
+}
+
+/// Lights hang on the firmware: without one they would silently not be there.
+void RequireFirmware(const toml::table& root) {
+  for (const char* const section : {"keyboard", "light_bar"}) {
+    if (root.contains(section) && !root.contains("firmware")) {
+      Fail(root.get(section)->source(), {section, " needs a firmware that drives it: [firmware]"});
+    }
+  }
+}
+
+Profile ReadProfile(const toml::table& root) {
+  RequireFirmware(root);
+  Profile profile;
+  profile.user_name = kDefaultUser;
+  profile.firmware_record = root.contains("firmware");
+  if (profile.firmware_record) profile.firmware_instance = kDefaultInstance;
+  ReadFields(root, kFile, profile);
+  return profile;
+}
+
+}  // namespace
+
+Profile LoadProfile(const std::filesystem::path& file) {
+  const std::string text = ReadFile(file);
+  try {
+    return ReadProfile(toml::parse(text, file.string()));
+  } catch (const toml::parse_error& error) {
+    Fail(error.source(), {error.description()});
+  }
+}
+
+}  // namespace simulator

@@ -1,0 +1,226 @@
+#include "controller/description_format.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/controller/format_fixture.h"
+#include "tests/support/allocation_faults.h"
+#include "tests/support/hex.h"
+
+namespace test {
+namespace {
+
+/// The example's bytes: `size`, then what every version carries, with the maker's name and the brightness fields where
+/// the version has them.
+Bytes ExampleBytes(const std::string& size, bool maker, bool brightness) {
+  const std::string low_high = brightness ? "00 00 00 00 64 00 00 00 " : "";
+  return Hex(size + " 00 00 00 05 00 00 00 03 00 41 42 00 " + (maker ? "02 00 5a 00 " : "") +
+             "03 00 41 42 00 01 00 00 01 00 00 01 00 00 01 00 00 00 00 00 "
+             "02 00 4d 00 ff 00 00 00 30 00 00 00 00 00 00 00 00 00 00 00 " +
+             low_high + "00 00 00 00 00 00 00 00 00 00 00 00 " + (brightness ? "32 00 00 00 " : "") +
+             "00 00 00 00 01 00 00 00 00 00 "
+             "01 00 02 00 4b 00 01 00 00 00 01 00 00 00 01 00 00 00 01 00 00 00 00 00 "
+             "01 00 02 00 4c 00 07 00 00 00 01 00 ff 00 00 00");
+}
+
+Bytes Packed(const ControllerRecords& records, std::uint32_t version) {
+  const PackedBuffer buffer = PackDescription(records, version);
+  return {buffer.view().begin(), buffer.view().end()};
+}
+
+/// A description with no texts, modes or LEDs but these zones, LED and colour sections.
+Bytes Description(const std::string& zones_and_rest) {
+  Bytes bytes = Hex("00 00 00 00 05 00 00 00 01 00 00 01 00 00 01 00 00 01 00 00 01 00 00 01 00 00 00 00 00 00 00 00 " +
+                    zones_and_rest);
+  bytes[0] = static_cast<std::uint8_t>(bytes.size());
+  bytes[1] = static_cast<std::uint8_t>(bytes.size() >> 8);
+  return bytes;
+}
+
+void SetTotalSize(Bytes& bytes, std::size_t size) {
+  for (int i = 0; i < 4; ++i) bytes[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(size >> (8 * i));
+}
+
+TEST(DescriptionFormat, ExampleHasItsBytesAtEveryVersion) {
+  const ControllerRecords example = ExampleRecords();
+  EXPECT_EQ(Packed(example, 0), ExampleBytes("73", false, false));
+  EXPECT_EQ(Packed(example, 1), ExampleBytes("77", true, false));
+  EXPECT_EQ(Packed(example, 2), ExampleBytes("77", true, false));
+  EXPECT_EQ(Packed(example, 3), ExampleBytes("83", true, true));
+  EXPECT_EQ(Packed(example, 0xFFFFFFFF), ExampleBytes("83", true, true));
+}
+
+TEST(DescriptionFormat, ReadIntoEmptyRecordsGivesTheSameBytesAgain) {
+  for (const std::uint32_t version : {0U, 1U, 3U}) {
+    const Bytes bytes = Packed(ExampleRecords(), version);
+    ControllerRecords records;
+    records.maker_name = "kept below version 1";
+    ASSERT_TRUE(UnpackDescription(records, ExactBlock(bytes).view(), version));
+    EXPECT_EQ(records.maker_name, version == 0 ? "kept below version 1" : "Z");
+    EXPECT_EQ(records.mode_list[0].brightness_setting, version < 3 ? 0U : 50U);
+    EXPECT_EQ(records.zone_list[0].color_view, records.color_table.data());
+    EXPECT_EQ(records.zone_list[0].led_view, records.led_list.data());
+    EXPECT_EQ(Packed(records, version), bytes);
+  }
+}
+
+TEST(DescriptionFormat, ReadingAppendsBehindWhatIsThere) {
+  ControllerRecords records = TwoZones();
+  ASSERT_TRUE(UnpackDescription(records, Packed(ExampleRecords(), 3), 3));
+  EXPECT_EQ(records.title, "AB");
+  EXPECT_EQ(records.mode_list.size(), 3U);
+  EXPECT_EQ(records.led_list.size(), 9U);
+  EXPECT_EQ(records.led_list[8].hw_code, 7U);
+  EXPECT_EQ(records.color_table, (std::vector<PackedColor>{1, 2, 3, 4, 5, 6, 7, 8, 0xFF}));
+  EXPECT_EQ(records.zone_list[2].first_index, 8U);
+  EXPECT_EQ(records.zone_list[0].led_view, records.led_list.data());
+}
+
+TEST(DescriptionFormat, ColourTableTakesTheLengthOfTheZones) {
+  const std::string zone_of_4 = "01 00 01 00 00 01 00 00 00 04 00 00 00 04 00 00 00 04 00 00 00 00 00 00 00 ";
+  ControllerRecords two_colors;
+  ASSERT_TRUE(UnpackDescription(two_colors, Description(zone_of_4 + "02 00 0a 00 00 00 0b 00 00 00"), 3));
+  EXPECT_EQ(two_colors.color_table, (std::vector<PackedColor>{10, 11, 0, 0}));
+  ControllerRecords six_colors;
+  ASSERT_TRUE(UnpackDescription(
+      six_colors,
+      Description(zone_of_4 + "06 00 01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00 05 00 00 00 06 00 00 00"), 3));
+  EXPECT_EQ(six_colors.color_table, (std::vector<PackedColor>{1, 2, 3, 4}));
+  EXPECT_EQ(six_colors.zone_list[0].led_view, nullptr);  // four LEDs, but none in the list
+}
+
+TEST(DescriptionFormat, GridTravelsWithItsZoneAndIsSharedByCopies) {
+  const Bytes bytes = Description(
+      "01 00 01 00 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 20 00 02 00 00 00 03 00 00 00 "
+      "01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00 05 00 00 00 06 00 00 00 00 00 00 00");
+  ControllerRecords records;
+  ASSERT_TRUE(UnpackDescription(records, ExactBlock(bytes).view(), 3));
+  EXPECT_EQ(records.zone_list[0].grid->cells, (std::vector<std::uint32_t>{1, 2, 3, 4, 5, 6}));
+  EXPECT_EQ(Packed(records, 3), bytes);
+  const ControllerRecords copy = records;
+  EXPECT_EQ(copy.zone_list[0].grid, records.zone_list[0].grid);
+}
+
+TEST(DescriptionFormat, EveryTruncationIsRefusedWhole) {
+  for (const std::uint32_t version : {0U, 1U, 3U}) {
+    const Bytes whole = Packed(ExampleRecords(), version);
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+      Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+      ControllerRecords records = TwoZones();
+      const Bytes before = Snapshot(records);
+      EXPECT_FALSE(UnpackDescription(records, ExactBlock(cut).view(), version)) << size;
+      if (size >= 4) SetTotalSize(cut, size);  // and when it does not even claim more
+      EXPECT_FALSE(UnpackDescription(records, ExactBlock(cut).view(), version)) << size;
+      EXPECT_EQ(Snapshot(records), before);
+    }
+  }
+}
+
+TEST(DescriptionFormat, BytesBehindTheLastFieldAreAccepted) {
+  Bytes bytes = Packed(ExampleRecords(), 3);
+  bytes.resize(bytes.size() + 5, 0xEE);
+  SetTotalSize(bytes, bytes.size());
+  ControllerRecords records;
+  EXPECT_TRUE(UnpackDescription(records, ExactBlock(bytes).view(), 3));
+  EXPECT_EQ(records.title, "AB");
+}
+
+TEST(DescriptionFormat, NulDecidesTheTextAndLengthMovesTheCursor) {
+  // The title's length says 1 although its NUL comes later; the caption's says 4 although its NUL comes first.
+  Bytes bytes =
+      Hex("00 00 00 00 05 00 00 00 01 00 41 42 00 04 00 43 00 99 99 01 00 00 01 00 00 01 00 00 "
+          "00 00 00 00 00 00 00 00 00 00 00 00");
+  SetTotalSize(bytes, bytes.size());
+  ControllerRecords records;
+  // The cursor stands behind the A: the next length is 42 00, which the buffer cannot hold.
+  EXPECT_FALSE(UnpackDescription(records, bytes, 0));
+  bytes.erase(bytes.begin() + 11, bytes.begin() + 13);
+  SetTotalSize(bytes, bytes.size());
+  ASSERT_TRUE(UnpackDescription(records, bytes, 0));
+  EXPECT_EQ(records.title, "A\x04");
+  EXPECT_EQ(records.caption, "C");
+
+  // A length of 0 leaves the cursor in front of the text. A text without any NUL is refused.
+  Bytes no_length =
+      Hex("00 00 00 00 05 00 00 00 00 00 01 00 00 01 00 00 01 00 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
+  SetTotalSize(no_length, no_length.size());
+  ASSERT_TRUE(UnpackDescription(records, no_length, 0));
+  EXPECT_EQ(records.title, "\x01");
+  Bytes no_nul = Hex("0d 00 00 00 05 00 00 00 03 00 41 42 43");
+  EXPECT_FALSE(UnpackDescription(records, ExactBlock(no_nul).view(), 0));
+}
+
+TEST(DescriptionFormat, WhatCouldNotBeWrittenAgainIsRefusedWhole) {
+  const std::string led_total = "01 00 01 00 00 01 00 00 00 00 00 00 00 00 00 00 00 ";
+  const std::string no_leds = " 00 00 00 00 00 00";
+  const auto refused = [](ControllerRecords records, const Bytes& bytes) {
+    const Bytes before = Snapshot(records);
+    EXPECT_FALSE(UnpackDescription(records, bytes, 3));
+    EXPECT_EQ(Snapshot(records), before);
+  };
+  ControllerRecords records;
+  EXPECT_TRUE(UnpackDescription(records, Description(led_total + "ff ff 00 00" + no_leds), 3));
+  refused(ControllerRecords(), Description(led_total + "00 00 01 00" + no_leds));
+  // Eight zones are there with one LED too many in all; and a sum that wraps to little.
+  refused(TwoZones(), Description(led_total + "f8 ff 00 00" + no_leds));
+  refused(TwoZones(), Description(led_total + "f9 ff ff ff" + no_leds));
+
+  ControllerRecords many_modes;
+  many_modes.mode_list.resize(65535);
+  refused(many_modes, Packed(ExampleRecords(), 3));
+
+  // 16,382 cells, whose length would be 0 on the wire; and rows by columns that wrap.
+  const std::string zone = "01 00 01 00 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 08 00 ";
+  Bytes big_grid = Description(zone + "fe 3f 00 00 01 00 00 00");
+  big_grid.resize(big_grid.size() + 4 * 16382 + 6);
+  SetTotalSize(big_grid, big_grid.size());
+  refused(ControllerRecords(), big_grid);
+  refused(ControllerRecords(), Description(zone + "00 00 01 00 00 00 01 00 00 00 00 00 00 00"));
+}
+
+TEST(DescriptionFormat, WriterCutsWhatItsCountsCannotTell) {
+  ControllerRecords records;
+  records.title = std::string("up to here\0not this", 19);
+  records.caption.assign(70000, 'c');
+  records.led_list.resize(65536 + 2);
+  const Bytes bytes = Packed(records, 0);
+  EXPECT_EQ(Bytes(bytes.begin() + 8, bytes.begin() + 21), Hex("0b 00 75 70 20 74 6f 20 68 65 72 65 00"));
+  EXPECT_EQ(Bytes(bytes.begin() + 21, bytes.begin() + 24), Hex("ff ff 63"));
+  EXPECT_EQ(bytes[21 + 2 + 65534], 0);
+  // Two LEDs follow their count of 2, and no colours.
+  EXPECT_EQ(Bytes(bytes.end() - 18, bytes.end()), Hex("02 00 01 00 00 00 00 00 00 01 00 00 00 00 00 00 00 00"));
+}
+
+TEST(DescriptionFormat, SmallBufferCannotAskForMuchMemory) {
+  const auto requested_for = [](const Bytes& bytes, bool expected) {
+    ControllerRecords records;
+    ArmAllocationFaults(UINT64_MAX / 2, false);
+    EXPECT_EQ(UnpackDescription(records, bytes, 3), expected);
+    DisarmAllocationFaults();
+    EXPECT_LE(BytesRequestedWhileArmed(), 16 * bytes.size() + 256 * 1024);
+  };
+  // Counts without entries behind them; and a zone that needs all colours there can be.
+  requested_for(Description("ff ff"), false);
+  requested_for(Description("00 00 ff ff"), false);
+  requested_for(Description("01 00 01 00 00 01 00 00 00 00 00 00 00 00 00 00 00 ff ff 00 00 00 00 00 00 00 00"), true);
+
+  // The smallest LED blocks, whose texts have length 0.
+  Bytes leds = Description("00 00 ff ff");
+  leds.resize(leds.size() + 65535 * 6 + 2);
+  SetTotalSize(leds, leds.size());
+  requested_for(leds, true);
+
+  // LED blocks of 263 bytes without a NUL between them: each text would run to the buffer's end.
+  Bytes overlapping = Description("00 00 e8 03");
+  for (int i = 0; i < 1000; ++i) {
+    overlapping.insert(overlapping.end(), {0x01, 0x01});
+    overlapping.resize(overlapping.size() + 261, 'x');
+  }
+  overlapping.resize(overlapping.size() + 3, 0);
+  SetTotalSize(overlapping, overlapping.size());
+  requested_for(overlapping, false);
+}
+
+}  // namespace
+}  // namespace test

@@ -1,0 +1,166 @@
+#include "controller/packet_formats.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+#include "tests/controller/format_fixture.h"
+#include "tests/support/hex.h"
+
+namespace test {
+namespace {
+
+Bytes Copy(const PackedBuffer& buffer) { return {buffer.view().begin(), buffer.view().end()}; }
+
+/// A second mode for TwoZones, every number of which is different.
+ModeRecord Numbered() {
+  ModeRecord mode;
+  mode.label = "Mo";
+  mode.hw_code = -1;
+  std::uint32_t next = 0x11;
+  for (std::uint32_t* field :
+       {&mode.capabilities, &mode.speed_lowest, &mode.speed_highest, &mode.brightness_lowest, &mode.brightness_highest,
+        &mode.color_count_least, &mode.color_count_most, &mode.speed_setting, &mode.brightness_setting,
+        &mode.direction_setting, &mode.color_source}) {
+    *field = next++;
+  }
+  mode.mode_colors = {0xFF0000FF, 0x00ABCDEF};
+  return mode;
+}
+
+const Bytes kNumberedAt3 = Hex(
+    "47 00 00 00 01 00 00 00 03 00 4d 6f 00 ff ff ff ff 11 00 00 00 12 00 00 00 13 00 00 00 14 00 00 00 15 00 00 00 "
+    "16 00 00 00 17 00 00 00 18 00 00 00 19 00 00 00 1a 00 00 00 1b 00 00 00 02 00 ff 00 00 ff ef cd ab 00");
+const Bytes kNumberedAt2 =
+    Hex("3b 00 00 00 01 00 00 00 03 00 4d 6f 00 ff ff ff ff 11 00 00 00 12 00 00 00 13 00 00 00 "
+        "16 00 00 00 17 00 00 00 18 00 00 00 1a 00 00 00 1b 00 00 00 02 00 ff 00 00 ff ef cd ab 00");
+
+TEST(PacketFormats, ModePacketCarriesTheModeAndChoosesIt) {
+  ControllerRecords source = TwoZones();
+  source.mode_list[1] = Numbered();
+  EXPECT_EQ(Copy(PackModePacket(source, 1, 3)), kNumberedAt3);
+  EXPECT_EQ(Copy(PackModePacket(source, 1, 2)), kNumberedAt2);
+
+  ControllerRecords target = TwoZones();
+  target.mode_list[1].mode_colors = {1, 2, 3};
+  ASSERT_TRUE(UnpackModePacket(target, ExactBlock(kNumberedAt3).view(), 3));
+  source.current_mode = 1;
+  EXPECT_EQ(Snapshot(target), Snapshot(source));
+}
+
+TEST(PacketFormats, ModePacketBelowVersion3KeepsBrightness) {
+  ControllerRecords records = TwoZones();
+  records.mode_list[1].brightness_lowest = 1;
+  records.mode_list[1].brightness_highest = 2;
+  records.mode_list[1].brightness_setting = 3;
+  ASSERT_TRUE(UnpackModePacket(records, kNumberedAt2, 0));
+  const ModeRecord& mode = records.mode_list[1];
+  EXPECT_EQ((std::vector{mode.brightness_lowest, mode.brightness_highest, mode.brightness_setting}),
+            (std::vector{1U, 2U, 3U}));
+  EXPECT_EQ(mode.label, "Mo");
+  EXPECT_EQ(mode.speed_setting, 0x18U);
+}
+
+TEST(PacketFormats, ColourPacketsHaveTheirBytes) {
+  const ControllerRecords records = TwoZones();
+  EXPECT_EQ(Copy(PackColorTablePacket(records)),
+            Hex("26 00 00 00 08 00 01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00 05 00 00 00 06 00 00 00 07 00 00 00 "
+                "08 00 00 00"));
+  EXPECT_EQ(Copy(PackZoneColorsPacket(records, 1)),
+            Hex("16 00 00 00 01 00 00 00 03 00 06 00 00 00 07 00 00 00 08 00 00 00"));
+  EXPECT_EQ(Copy(PackOneColorPacket(records, 7)), Hex("07 00 00 00 08 00 00 00"));
+}
+
+TEST(PacketFormats, ColourPacketsReplaceTheirColoursOnly) {
+  const auto table_after = [](auto unpack, const char* packet) {
+    ControllerRecords records = TwoZones();
+    EXPECT_TRUE(unpack(records, ExactBlock(Hex(packet)).view()));
+    return records.color_table;
+  };
+  using Table = std::vector<PackedColor>;
+  EXPECT_EQ(table_after(UnpackColorTablePacket, "0e 00 00 00 02 00 ff 00 00 00 00 ff 00 00"),
+            (Table{0xFF, 0xFF00, 3, 4, 5, 6, 7, 8}));
+  EXPECT_EQ(table_after(UnpackZoneColorsPacket, "12 00 00 00 01 00 00 00 02 00 ff 00 00 00 00 ff 00 00"),
+            (Table{1, 2, 3, 4, 5, 0xFF, 0xFF00, 8}));
+  EXPECT_EQ(table_after(UnpackOneColorPacket, "02 00 00 00 aa bb cc dd"), (Table{1, 2, 0xDDCCBBAA, 4, 5, 6, 7, 8}));
+}
+
+using Unpack = std::function<bool(ControllerRecords&, std::span<const std::uint8_t>)>;
+const Unpack kUnpackMode = [](ControllerRecords& records, std::span<const std::uint8_t> packet) {
+  return UnpackModePacket(records, packet, 3);
+};
+
+void ExpectIgnored(const Unpack& unpack, const Bytes& packet, ControllerRecords records = TwoZones()) {
+  const Bytes before = Snapshot(records);
+  EXPECT_FALSE(unpack(records, ExactBlock(packet).view())) << ::testing::PrintToString(packet);
+  EXPECT_EQ(Snapshot(records), before);
+}
+
+TEST(PacketFormats, IndexesOutsideTheListsAreIgnored) {
+  for (const char* index : {"02 00 00 00", "ff ff ff ff"}) {  // the number of modes, and -1
+    Bytes packet = kNumberedAt3;
+    const Bytes at_4 = Hex(index);
+    std::copy(at_4.begin(), at_4.end(), packet.begin() + 4);
+    ExpectIgnored(kUnpackMode, packet);
+  }
+  ExpectIgnored(UnpackZoneColorsPacket, Hex("0e 00 00 00 02 00 00 00 01 00 01 00 00 00"));
+  ExpectIgnored(UnpackZoneColorsPacket, Hex("0e 00 00 00 ff ff ff ff 01 00 01 00 00 00"));
+  ExpectIgnored(UnpackOneColorPacket, Hex("08 00 00 00 01 00 00 00"));
+  ExpectIgnored(UnpackOneColorPacket, Hex("ff ff ff ff 01 00 00 00"));
+
+  ControllerRecords more_leds_than_colors = TwoZones();
+  more_leds_than_colors.led_list.resize(9);
+  ExpectIgnored(UnpackOneColorPacket, Hex("08 00 00 00 01 00 00 00"), more_leds_than_colors);
+}
+
+TEST(PacketFormats, EmptyAndOversizedColourListsAreIgnored) {
+  ExpectIgnored(UnpackColorTablePacket, Hex("06 00 00 00 00 00"));
+  Bytes nine = Hex("2a 00 00 00 09 00");
+  nine.resize(nine.size() + 36, 1);
+  ExpectIgnored(UnpackColorTablePacket, nine);
+  ExpectIgnored(UnpackZoneColorsPacket, Hex("0a 00 00 00 00 00 00 00 00 00"));
+  ExpectIgnored(UnpackZoneColorsPacket,
+                Hex("1a 00 00 00 01 00 00 00 04 00 01 00 00 00 01 00 00 00 01 00 00 00 01 00 00 00"));
+}
+
+TEST(PacketFormats, EveryTruncationIsIgnoredWhole) {
+  const ControllerRecords records = TwoZones();
+  const std::vector<std::pair<Unpack, Bytes>> packets = {
+      {kUnpackMode, kNumberedAt3},
+      {UnpackColorTablePacket, Copy(PackColorTablePacket(records))},
+      {UnpackZoneColorsPacket, Copy(PackZoneColorsPacket(records, 0))},
+      {UnpackOneColorPacket, Copy(PackOneColorPacket(records, 0))}};
+  for (const auto& [unpack, whole] : packets) {
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+      Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+      ExpectIgnored(unpack, cut);
+      if (size >= 4 && whole.size() > kOneColorPacketSize) cut[0] = static_cast<std::uint8_t>(size);
+      ExpectIgnored(unpack, cut);
+    }
+  }
+}
+
+TEST(PacketFormats, WriterGivenAnIndexOutsideItsListWritesWhatItsReaderIgnores) {
+  const ControllerRecords records = TwoZones();
+  for (const std::int32_t index : {-1, 2, 8, INT32_MAX, INT32_MIN}) {
+    ExpectIgnored(kUnpackMode, Copy(PackModePacket(records, index == 8 ? 3 : index, 3)));
+    ExpectIgnored(UnpackZoneColorsPacket, Copy(PackZoneColorsPacket(records, index)));
+    ExpectIgnored(UnpackOneColorPacket, Copy(PackOneColorPacket(records, index == 2 ? 8 : index)));
+  }
+}
+
+TEST(PacketFormats, EachWritersOutputReadBackChangesNothing) {
+  ControllerRecords records = TwoZones();
+  records.mode_list[1] = Numbered();
+  records.current_mode = 1;
+  const Bytes before = Snapshot(records);
+  EXPECT_TRUE(UnpackModePacket(records, PackModePacket(records, 1, 3).view(), 3));
+  EXPECT_TRUE(UnpackColorTablePacket(records, PackColorTablePacket(records).view()));
+  EXPECT_TRUE(UnpackZoneColorsPacket(records, PackZoneColorsPacket(records, 1).view()));
+  EXPECT_TRUE(UnpackOneColorPacket(records, PackOneColorPacket(records, 4).view()));
+  EXPECT_EQ(Snapshot(records), before);
+}
+
+}  // namespace
+}  // namespace test

@@ -1,0 +1,307 @@
+#include "controller/rgb_controller.h"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <array>
+#include <condition_variable>
+#include <functional>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "controller/millisecond_sleep.h"
+#include "tests/support/hex.h"
+
+namespace test {
+namespace {
+
+/// A device that writes down which hardware operations run, and can be held inside one.
+class Device final : public RGBController {
+ public:
+  explicit Device(std::vector<std::uint32_t> zone_leds = {}) {
+    for (const std::uint32_t count : zone_leds) {
+      ZoneRecord zone;
+      zone.led_total = count;
+      AppendZone(zone, std::vector<LedRecord>(count));
+    }
+    mode_list.resize(3);
+  }
+  ~Device() override { StopWorker(); }
+
+  void DefineLayout() override {}
+  void DeviceSpareHook() override {}
+  void WriteColorsToDevice() override { Operate("colors"); }
+  void WriteZoneToDevice(std::int32_t) override {}
+  void WriteLedToDevice(std::int32_t) override {}
+  void WriteModeToDevice() override { Operate("mode"); }
+  void SelectFirstMode() override {}
+
+  using ControllerRecords::color_table;
+  using ControllerRecords::zone_list;
+  using RGBController::StopWorker;
+
+  /// Every operation begun from now on waits for Release.
+  void Hold() {
+    const std::lock_guard lock(lock_);
+    held_ = true;
+  }
+  void Release() {
+    const std::lock_guard lock(lock_);
+    held_ = false;
+    changed_.notify_all();
+  }
+  /// Waits until `count` operations have begun, and answers which.
+  std::string AwaitBegun(std::size_t count) {
+    std::unique_lock lock(lock_);
+    changed_.wait(lock, [&] { return begun_.size() >= count; });
+    return Joined();
+  }
+  /// All operations that ever ran, once the worker has ended.
+  std::string AfterStop() {
+    StopWorker();
+    const std::lock_guard lock(lock_);
+    return Joined();
+  }
+
+  std::function<void()> during_operation = [] {};  // set while no operation runs
+
+ private:
+  void Operate(const char* name) {
+    {
+      std::unique_lock lock(lock_);
+      begun_.emplace_back(name);
+      changed_.notify_all();
+      changed_.wait(lock, [&] { return !held_; });
+    }
+    during_operation();
+  }
+  std::string Joined() const {
+    std::string all;
+    for (const std::string& name : begun_) all += (all.empty() ? "" : " ") + name;
+    return all;
+  }
+
+  std::mutex lock_;
+  std::condition_variable changed_;
+  bool held_ = false;               // guarded by lock_
+  std::vector<std::string> begun_;  // guarded by lock_
+};
+
+TEST(UpdateWorker, RequestsOfOneKindCoalesceAndModeGoesFirst) {
+  Device device;
+  device.Hold();
+  device.RequestColorPush();
+  EXPECT_EQ(device.AwaitBegun(1), "colors");
+  device.RequestModePush();  // the other kind is not absorbed
+  device.RequestModePush();
+  device.Release();
+  EXPECT_EQ(device.AwaitBegun(2), "colors mode");
+  EXPECT_EQ(device.AfterStop(), "colors mode");
+}
+
+TEST(UpdateWorker, PendingModeAndColoursGoInOnePassModeFirst) {
+  Device device;
+  device.Hold();
+  device.RequestModePush();
+  device.AwaitBegun(1);
+  device.RequestColorPush();
+  device.RequestModePush();  // absorbed by the one that is running
+  device.Release();
+  EXPECT_EQ(device.AwaitBegun(2), "mode colors");
+  EXPECT_EQ(device.AfterStop(), "mode colors");
+}
+
+TEST(UpdateWorker, RequestDuringItsOwnOperationIsAbsorbed) {
+  Device device;
+  device.Hold();
+  device.RequestColorPush();
+  device.AwaitBegun(1);
+  device.RequestColorPush();
+  device.Release();
+  EXPECT_EQ(device.AfterStop(), "colors");
+}
+
+TEST(UpdateWorker, RequestPendingAtTheStopIsCarriedOut) {
+  for (int i = 0; i < 200; ++i) {
+    Device device;
+    device.RequestColorPush();
+    EXPECT_EQ(device.AfterStop(), "colors");
+  }
+}
+
+TEST(UpdateWorker, IdleWorkerStopsWithoutAnyOperation) {
+  Device device;
+  EXPECT_EQ(device.AfterStop(), "");
+  device.StopWorker();  // again
+  device.RequestColorPush();
+  EXPECT_EQ(device.AfterStop(), "");
+}
+
+TEST(UpdateWorker, ErrorsOfAnOperationEndInTheWorker) {
+  Device device;
+  device.during_operation = [] { throw std::runtime_error("hardware"); };
+  device.RequestModePush();
+  device.AwaitBegun(1);
+  device.RequestColorPush();
+  EXPECT_EQ(device.AwaitBegun(2), "mode colors");
+  device.StopWorker();
+}
+
+TEST(UpdateWorker, StoppingItFromItselfIsADeadlockErrorAndStopsNothing) {
+  Device device;
+  std::error_code error;
+  device.during_operation = [&] {
+    try {
+      device.StopWorker();
+    } catch (const std::system_error& caught) {
+      error = caught.code();
+    }
+  };
+  device.RequestModePush();
+  device.AwaitBegun(1);
+  device.RequestColorPush();
+  EXPECT_EQ(device.AwaitBegun(2), "mode colors");
+  device.StopWorker();
+  EXPECT_EQ(error, std::errc::resource_deadlock_would_occur);
+}
+
+TEST(UpdateWorker, BodyCalledByAnyoneElseReturnsAtOnce) {
+  Device device;
+  device.RunWorker();
+  device.RequestModePush();
+  EXPECT_EQ(device.AwaitBegun(1), "mode");
+}
+
+TEST(UpdateWorker, ConstructionFailsWhenNoThreadCanBeStarted) {
+  pthread_attr_t usual;
+  pthread_attr_t impossible;
+  ASSERT_EQ(pthread_getattr_default_np(&usual), 0);
+  ASSERT_EQ(pthread_getattr_default_np(&impossible), 0);
+  ASSERT_EQ(pthread_attr_setstacksize(&impossible, std::size_t{1} << 47), 0);
+  ASSERT_EQ(pthread_setattr_default_np(&impossible), 0);
+  std::error_code error;
+  try {
+    const Device device;
+  } catch (const std::system_error& caught) {
+    error = caught.code();
+  }
+  ASSERT_EQ(pthread_setattr_default_np(&usual), 0);
+  EXPECT_EQ(error, std::errc::resource_unavailable_try_again);
+}
+
+TEST(RgbController, ColoursAreKeptAndIndexesBeyondTheTableIgnored) {
+  Device device({5, 3});
+  device.StoreLedColor(7, 0xABCDEF);
+  device.StoreLedColor(8, 1);
+  EXPECT_EQ(device.FetchLedColor(7), 0xABCDEFU);
+  EXPECT_EQ(device.FetchLedColor(8), 0U);
+  device.PaintZone(0, 1);
+  device.PaintZone(-1, 9);
+  device.PaintZone(2, 9);
+  EXPECT_EQ(device.color_table, (std::vector<PackedColor>{1, 1, 1, 1, 1, 0, 0, 0xABCDEF}));
+  device.PaintAllZones(2);
+  EXPECT_EQ(device.color_table, std::vector<PackedColor>(8, 2));
+  EXPECT_EQ(device.AfterStop(), "");  // none of it asks for a push
+}
+
+TEST(RgbController, RebindingFollowsTheZones) {
+  Device device({2, 0, 3});
+  EXPECT_EQ(device.zone_list[1].color_view, nullptr);
+  EXPECT_EQ(device.zone_list[1].led_view, nullptr);
+  EXPECT_EQ(device.zone_list[1].first_index, 2U);
+  EXPECT_EQ(device.zone_list[2].color_view, &device.color_table[2]);
+  device.PaintAllZones(7);
+  device.zone_list[0].led_total = 4;
+  device.RebindZoneStorage();
+  EXPECT_EQ(device.color_table, (std::vector<PackedColor>{7, 7, 7, 7, 7, 0, 0}));
+  device.zone_list.clear();
+  device.RebindZoneStorage();
+  device.PaintAllZones(1);
+  EXPECT_TRUE(device.color_table.empty());
+}
+
+TEST(RgbController, ChoosingAModeStoresAnyIndexAndAsksForOnePush) {
+  Device device;
+  int notified = 0;
+  device.AddChangeListener([](void* count) { ++*static_cast<int*>(count); }, &notified);
+  device.ChooseMode(2);
+  EXPECT_EQ(device.CurrentModeIndex(), 2);
+  EXPECT_EQ(device.AwaitBegun(1), "mode");
+  device.ChooseMode(-5);
+  EXPECT_EQ(device.CurrentModeIndex(), -5);
+  EXPECT_EQ(notified, 0);
+}
+
+TEST(RgbController, ListenersAreCalledInOrderEachWithItsContext) {
+  Device device;
+  static std::string heard;
+  heard.clear();
+  std::array<char, 3> names = {'a', 'b', 'c'};
+  const ChangeListenerFn lower = [](void* name) { heard += *static_cast<char*>(name); };
+  const ChangeListenerFn upper = [](void* name) { heard += static_cast<char>(*static_cast<char*>(name) - 'a' + 'A'); };
+  device.AddChangeListener(upper, &names[1]);
+  device.AddChangeListener(lower, &names[0]);
+  device.AddChangeListener(lower, &names[1]);
+  device.RequestColorPush();
+  EXPECT_EQ(heard, "Bab");
+  device.RemoveChangeListener(&names[1]);  // the first with that context, function and all
+  device.RemoveChangeListener(&names[2]);
+  device.NotifyChangeListeners();
+  EXPECT_EQ(heard, "Babab");
+  device.DropChangeListeners();
+  device.NotifyChangeListeners();
+  EXPECT_EQ(heard, "Babab");
+}
+
+TEST(RgbController, NullBuffersAndListenersAreIgnored) {
+  Device device({1});
+  device.UnpackDescription(nullptr, 3);
+  device.UnpackModePacket(nullptr, 3);
+  device.UnpackColorTablePacket(nullptr);
+  device.UnpackZoneColorsPacket(nullptr);
+  device.UnpackOneColorPacket(nullptr);
+  device.AddChangeListener(nullptr, nullptr);
+  device.NotifyChangeListeners();
+  EXPECT_EQ(device.color_table.size(), 1U);
+}
+
+/// A clock that only naps move on.
+struct SteppedClock {
+  using duration = std::chrono::nanoseconds;
+  using rep = duration::rep;
+  using period = duration::period;
+  using time_point = std::chrono::time_point<SteppedClock>;
+  static inline time_point current;
+  static time_point now() { return current; }
+};
+
+TEST(MillisecondSleep, SleepsWholeMillisecondsUntilTheDeadline) {
+  using std::chrono::milliseconds;
+  std::vector<std::int64_t> naps;
+  const auto sleep = [&](std::int64_t request, SteppedClock::duration start, auto oversleep) {
+    SteppedClock::current = SteppedClock::time_point(start);
+    naps.clear();
+    SleepMilliseconds<SteppedClock>(request, [&](milliseconds nap) {
+      naps.push_back(nap.count());
+      SteppedClock::current += oversleep(nap);
+    });
+    return naps;
+  };
+  const auto exactly = [](milliseconds nap) { return SteppedClock::duration(nap); };
+  const auto woken_early = [](milliseconds nap) {
+    return nap > milliseconds(1) ? nap - std::chrono::nanoseconds(1) : SteppedClock::duration(nap);
+  };
+  using Naps = std::vector<std::int64_t>;
+  EXPECT_EQ(sleep(0, {}, exactly), Naps{});
+  EXPECT_EQ(sleep(-5, {}, exactly), Naps{});
+  EXPECT_EQ(sleep(20, {}, exactly), Naps{20});
+  EXPECT_EQ(sleep(20, {}, woken_early), (Naps{20, 1}));
+  EXPECT_EQ(sleep(86'400'001, {}, exactly), (Naps{86'400'000, 1}));
+  // A deadline beyond the clock's end is its end.
+  EXPECT_EQ(sleep(INT64_MAX, SteppedClock::time_point::max().time_since_epoch() - milliseconds(3), exactly), Naps{3});
+}
+
+}  // namespace
+}  // namespace test

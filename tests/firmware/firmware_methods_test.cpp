@@ -1,0 +1,188 @@
+#include "firmware/firmware_methods.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+
+#include "firmware/wmi_connection.h"
+#include "tests/support/fault_driver.h"
+#include "tests/support/hex.h"
+#include "tests/support/machine_fixture.h"
+
+namespace test {
+namespace {
+
+class FirmwareMethods : public MachineTest {
+ protected:
+  /// What the firmware answers from now on.
+  void Answer(NamedValues out, HRESULT status = S_OK) {
+    machine->answer = [=](const FirmwareCall&) { return FirmwareAnswer{status, out}; };
+  }
+  /// The only call since the last time.
+  FirmwareCall TheCall() {
+    const auto calls = machine->TakeCalls();
+    EXPECT_EQ(calls.size(), 1U);
+    return calls.empty() ? FirmwareCall() : calls.front();
+  }
+
+  std::uint32_t out32 = 0xDEAD;
+  std::uint64_t out64 = 0xDEAD;
+};
+
+constexpr std::uint8_t kSixteen[16] = {1, 7, 30, 0, 2, 255, 0, 0, 3, 1, 0, 0, 0, 0, 0, 99};
+
+TEST_F(FirmwareMethods, EachSendsItsInputAndDeliversItsOutput) {
+  Answer({{L"gmOutput", std::uint32_t{0x1234}}});
+  EXPECT_EQ(SetGamingLED(kSixteen, &out32, 8), 1);
+  EXPECT_EQ(out32, 0x1234U);
+  EXPECT_EQ(TheCall(), (FirmwareCall{L"ACPI\\ZARN\\0_0", L"SetGamingLED", Bytes(kSixteen, kSixteen + 8)}));
+  EXPECT_EQ(SetGamingLED(nullptr, &out32, 0), 1);
+  EXPECT_EQ(TheCall().input, Value(Bytes()));
+
+  EXPECT_EQ(SetGamingKBBacklight(kSixteen, &out64), 1);
+  EXPECT_EQ(out64, 0x1234U);
+  EXPECT_EQ(TheCall(), (FirmwareCall{L"ACPI\\ZARN\\0_0", L"SetGamingKBBacklight", Bytes(kSixteen, kSixteen + 16)}));
+
+  EXPECT_EQ(SetGamingRgbKb(0x00FF0001), 1);
+  EXPECT_EQ(TheCall(), (FirmwareCall{L"ACPI\\ZARN\\0_0", L"SetGamingRgbKb", std::wstring(L"16711681")}));
+  EXPECT_EQ(SetGamingRgbKb(UINT64_MAX), 1);
+  EXPECT_EQ(TheCall().input, Value(std::wstring(L"18446744073709551615")));
+  EXPECT_EQ(machine->TakeSleeps(), std::vector<std::uint32_t>(5, 30));
+}
+
+TEST_F(FirmwareMethods, BacklightAnswerIsWidenedAsASignedNumber) {
+  Answer({{L"gmOutput", std::uint32_t{0xFFFFFFFF}}});
+  EXPECT_EQ(SetGamingKBBacklight(kSixteen, &out64), 1);
+  EXPECT_EQ(out64, 0xFFFFFFFFFFFFFFFFU);
+  Answer({{L"gmOutput", std::wstring(L"2147483647")}});
+  EXPECT_EQ(SetGamingKBBacklight(kSixteen, &out64), 1);
+  EXPECT_EQ(out64, 0x7FFFFFFFU);
+}
+
+TEST_F(FirmwareMethods, LedQueryDeliversReturnByteAndOutputBytes) {
+  const Bytes output = Hex("10 11 12 13 14 15 16 17 18 19 1a 1b");
+  Answer({{L"gmReturn", std::uint64_t{0xFFFFFF08}}, {L"gmOutput", output}});
+  std::vector<std::uint8_t> buffer(11, 0xEE);
+  EXPECT_EQ(GetGamingLED(buffer.data(), 11), 1);
+  EXPECT_EQ(buffer, Hex("08 10 11 12 13 14 15 16 17 18 19"));
+  EXPECT_EQ(TheCall(), (FirmwareCall{L"ACPI\\ZARN\\0_0", L"GetGamingLED", std::wstring(L"16")}));
+
+  buffer.assign(16, 0xEE);  // longer than what comes
+  EXPECT_EQ(GetGamingLED(buffer.data(), 16), 1);
+  EXPECT_EQ(buffer, Hex("08 10 11 12 13 14 15 16 17 18 19 1a 1b ee ee ee"));
+  buffer.assign(1, 0xEE);
+  EXPECT_EQ(GetGamingLED(buffer.data(), 1), 1);
+  EXPECT_EQ(buffer, Hex("08"));
+}
+
+TEST_F(FirmwareMethods, AnswersThatCannotBeConvertedFailAndWriteNothing) {
+  for (const Value& odd : {Value(platform::Null()), Value(std::wstring()), Value(Bytes{1}), Value(-1)}) {
+    Answer({{L"gmOutput", odd}});
+    const bool converts = odd == Value(-1);  // to 32 bits, as its pattern
+    EXPECT_EQ(SetGamingLED(kSixteen, &out32, 8), converts);
+    EXPECT_EQ(out32, converts ? 0xFFFFFFFFU : 0xDEADU);
+    EXPECT_EQ(SetGamingRgbKb(1), converts);
+  }
+  std::vector<std::uint8_t> buffer(4, 0xEE);
+  const std::vector<NamedValues> answers = {
+      {{L"gmReturn", -1}, {L"gmOutput", Bytes{1, 2, 3}}},  // negative for an unsigned 64-bit number
+      {{L"gmReturn", std::uint64_t{0}}, {L"gmOutput", std::wstring(L"text")}},  // raw bytes for some platforms
+      {{L"gmReturn", std::uint64_t{0}}},                                        //
+      {{L"gmOutput", Bytes{1, 2, 3}}}};
+  for (const NamedValues& answer : answers) {
+    Answer(answer);
+    EXPECT_EQ(GetGamingLED(buffer.data(), 4), 0);
+  }
+  EXPECT_EQ(GetGamingLED(buffer.data(), 0), 0);
+  EXPECT_EQ(buffer, Hex("ee ee ee ee"));
+  EXPECT_EQ(machine->TakeSleeps().size(), 2U);  // only successes pause
+}
+
+TEST_F(FirmwareMethods, FirstInstanceWithANameIsCalledByItsEscapedPath) {
+  std::vector<std::string> paths;
+  platform::SetJournal([&](const platform::JournalEntry& entry) {
+    if (entry.call == "IWbemServices::ExecMethod")
+      paths.push_back(entry.arguments.substr(0, entry.arguments.find(' ')));
+  });
+  machine->firmware.instance_names = {platform::Null(), Value(), L"A\\B", L"C"};
+  EXPECT_EQ(SetGamingRgbKb(1), 1);
+  EXPECT_EQ(TheCall().instance, L"A\\B");
+  machine->firmware.instance_names = {std::wstring(300, L'x')};
+  EXPECT_EQ(SetGamingRgbKb(1), 0);  // does not fit, and is not cut
+  machine->firmware.instance_names = {std::wstring(130, L'\\')};
+  EXPECT_EQ(SetGamingRgbKb(1), 0);
+  machine->firmware.instance_names = {};
+  EXPECT_EQ(SetGamingRgbKb(1), 0);
+  machine->has_firmware = false;
+  EXPECT_EQ(SetGamingRgbKb(1), 0);
+  platform::SetJournal(nullptr);
+  EXPECT_TRUE(machine->TakeCalls().empty());
+  EXPECT_EQ(EscapeBackslashes(L"\\a\\\\"), L"\\\\a\\\\\\\\");
+}
+
+TEST_F(FirmwareMethods, ValuesGoBeforeTheConnectionAndTheConnectionBeforeThePause) {
+  std::vector<std::string> calls;
+  platform::SetJournal([&](const platform::JournalEntry& entry) { calls.push_back(entry.call); });
+  EXPECT_EQ(SetGamingRgbKb(1), 1);
+  platform::SetJournal(nullptr);
+  const std::vector<std::string> expected_end = {"VariantClear",      "VariantClear",   "IUnknown::Release",
+                                                 "IUnknown::Release", "CoUninitialize", "Sleep"};
+  ASSERT_GE(calls.size(), expected_end.size());
+  EXPECT_EQ(std::vector<std::string>(calls.end() - 6, calls.end()), expected_end);
+}
+
+TEST_F(FirmwareMethods, ThreadOfAnotherApartmentCallsAndKeepsItsCom) {
+  std::thread([&] {
+    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
+    EXPECT_EQ(SetGamingRgbKb(1), 1);
+    machine->has_firmware = false;
+    EXPECT_EQ(SetGamingRgbKb(1), 0);
+    EXPECT_EQ(platform::CountLive().com_initializations, 1);
+    CoUninitialize();
+  }).join();
+}
+
+TEST_F(FirmwareMethods, MethodWithoutInputNeedsNoParameterObjectAndOneWithoutOutputAnswersNothing) {
+  machine->firmware.methods.push_back({L"NoInput", false});
+  WmiConnection connection;
+  ASSERT_EQ(OpenWmiConnection(connection), 1);
+  Variant input;
+  Variant output;
+  const NamedVariant in[] = {{L"gmInput", input}};
+  const NamedVariant out[] = {{L"gmOutput", output}};
+  EXPECT_EQ(ExecFirmwareMethod(connection, kFirmwareClass, L"NoInput", kFirmwareInstances, {}, out), 1);
+  EXPECT_EQ(ExecFirmwareMethod(connection, kFirmwareClass, L"NoInput", kFirmwareInstances, in, out), 0);
+  EXPECT_EQ(ExecFirmwareMethod(connection, kFirmwareClass, L"NoInput", kFirmwareInstances, {}, {}), 0);
+  EXPECT_EQ(ExecFirmwareMethod(connection, kFirmwareClass, L"Unknown", kFirmwareInstances, {}, out), 0);
+  EXPECT_LT(connection.status, 0);
+}
+
+TEST_F(FirmwareMethods, EveryFaultFailsTheCallAndLeavesNothing) {
+  Answer({{L"gmReturn", std::uint64_t{8}}, {L"gmOutput", std::uint32_t{5}}});
+  std::vector<std::uint8_t> buffer;
+  std::int32_t result = 0;
+  const auto expect_success_without_fault = [&](const FaultRun& run) {
+    EXPECT_FALSE(run.threw_bad_alloc);
+    EXPECT_EQ(result, run.met ? 0 : 1);
+    EXPECT_EQ(machine->TakeSleeps().size(), run.met ? 0U : 1U);
+    if (run.met) {
+      EXPECT_EQ(out32, 0xDEADU);
+      EXPECT_EQ(out64, 0xDEADU);
+      EXPECT_EQ(buffer, Bytes(4, 0xEE));
+    }
+    out32 = 0xDEAD;
+    out64 = 0xDEAD;
+    buffer.assign(4, 0xEE);
+    machine->TakeCalls();
+  };
+  buffer.assign(4, 0xEE);
+  FailInTurn([&] { result = SetGamingLED(kSixteen, &out32, 12); }, expect_success_without_fault);
+  FailInTurn([&] { result = SetGamingKBBacklight(kSixteen, &out64); }, expect_success_without_fault);
+  FailInTurn([&] { result = SetGamingRgbKb(7); }, expect_success_without_fault);
+  Answer({{L"gmReturn", std::uint64_t{8}}, {L"gmOutput", Bytes{1, 2, 3}}});
+  FailInTurn([&] { result = GetGamingLED(buffer.data(), 4); }, expect_success_without_fault);
+}
+
+}  // namespace
+}  // namespace test

@@ -1,0 +1,126 @@
+#include "firmware/smbios.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/fault_driver.h"
+#include "tests/support/hex.h"
+#include "tests/support/machine_fixture.h"
+
+namespace test {
+namespace {
+
+stSMBiosType172 Found(const std::string& table) {
+  stSMBiosType172 record;
+  EXPECT_TRUE(FindSMBiosType172(ExactBlock(Hex(table)).view(), record)) << table;
+  return record;
+}
+
+bool IsFound(const Bytes& table) {
+  stSMBiosType172 record;
+  record.itemIds.fill(1);
+  const bool found = FindSMBiosType172(ExactBlock(table).view(), record);
+  if (!found) {
+    EXPECT_EQ(record.type, 0);
+    EXPECT_EQ(record.itemIds, stSMBiosType172().itemIds);
+  }
+  return found;
+}
+
+TEST(Smbios, StructureIsUnpacked) {
+  const stSMBiosType172 record = Found("ac 0f 34 12 02 5b 08 04 00 0a 02 01 17 01 00 00 00");
+  EXPECT_EQ(record.type, 172);
+  EXPECT_EQ(record.length, 15);
+  EXPECT_EQ(record.handle, 0x1234);
+  EXPECT_EQ(record.biosMajor, 2);
+  EXPECT_EQ(record.biosMinor, 91);
+  EXPECT_EQ(record.itemCount, 3);
+  EXPECT_EQ(Bytes(record.itemIds.begin(), record.itemIds.begin() + 4), Hex("08 0a 17 00"));
+  EXPECT_EQ((std::vector{record.itemValues[0], record.itemValues[1], record.itemValues[2], record.itemValues[3]}),
+            (std::vector<std::uint16_t>{4, 0x0102, 1, 0}));
+  EXPECT_EQ(FirstItem(record, 10), 0x0102);
+  EXPECT_EQ(FirstItem(record, 9), std::nullopt);
+  EXPECT_EQ(FirstItem(record, 0), std::nullopt);  // not the zeros behind the items
+}
+
+TEST(Smbios, WalkFollowsLengthsAndStringSets) {
+  const std::string oem = "ac 06 00 00 03 04 00 00";
+  EXPECT_EQ(Found("0b 05 00 00 01 54 65 73 74 00 00 " + oem).biosMinor, 4);
+  EXPECT_EQ(Found("01 04 00 00 00 00 " + oem).biosMinor, 4);                 // no strings
+  EXPECT_EQ(Found("7f 04 00 00 00 00 " + oem).biosMinor, 4);                 // behind the end-of-table structure
+  EXPECT_EQ(Found("01 06 00 00 ac ac 61 00 62 00 00 " + oem).biosMinor, 4);  // 172 inside another structure
+}
+
+TEST(Smbios, OnlyWholeItemsCount) {
+  for (const char* table : {"ac 06 00 00 02 5b 00 00", "ac 07 00 00 02 5b 08 00 00", "ac 08 00 00 02 5b 08 04 00 00"}) {
+    EXPECT_EQ(Found(table).itemCount, 0) << table;
+    EXPECT_EQ(Found(table).biosMinor, 91);
+  }
+  // Formatted lengths below 6: the version bytes are taken where six bytes are there.
+  EXPECT_EQ(Found("ac 04 00 00 02 5b").biosMajor, 2);
+  EXPECT_EQ(Found("ac 00 00 00 02 5b").itemCount, 0);
+  EXPECT_EQ(Found("ac 04 00 00").biosMajor, 0);
+}
+
+TEST(Smbios, EveryTruncationIsReadInsideItsBounds) {
+  const Bytes whole = Hex("0b 05 00 0b 01 54 65 73 74 00 00 ac 0f 00 ac 02 5b 08 04 00 0a 02 00 17 01 00");
+  EXPECT_TRUE(IsFound(whole));
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    EXPECT_FALSE(IsFound(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)))) << size;
+  }
+  EXPECT_FALSE(IsFound(Hex("01 04 00 00 61 62 63")));     // strings that run to the end
+  EXPECT_FALSE(IsFound(Hex("01 ff 00 00 00 00 ac 06")));  // a formatted area longer than the table
+  EXPECT_FALSE(IsFound(Bytes(1000, 0x01)));
+  EXPECT_FALSE(IsFound(Bytes(1000, 0x00)));
+}
+
+class SmbiosReader : public MachineTest {};
+
+TEST_F(SmbiosReader, TableIsCopiedWithItsVersion) {
+  machine->smbios = {Bytes{1, 2, 3}, std::uint8_t{3}, std::uint32_t{0x105}};
+  RawSmbiosTable table;
+  ASSERT_EQ(ReadRawSmbiosTable(table), 1);
+  EXPECT_EQ(Bytes(table.data.get(), table.data.get() + table.length), (Bytes{1, 2, 3}));
+  EXPECT_EQ(table.smbiosMajor, 3);
+  EXPECT_EQ(table.smbiosMinor, 5);
+
+  machine->smbios->data = Bytes();
+  EXPECT_EQ(ReadRawSmbiosTable(table), 1);
+  EXPECT_EQ(table.length, 0U);
+  stSMBiosType172 record;
+  EXPECT_FALSE(FindSMBiosType172(table, record));
+}
+
+TEST_F(SmbiosReader, OtherTypesOfDataFailButTheVersionIsTaken) {
+  for (const Value& odd : {Value(), Value(platform::Null()), Value(std::wstring(L"text")), Value(std::uint32_t{1})}) {
+    machine->smbios = {odd, std::uint8_t{3}, std::uint8_t{2}};
+    RawSmbiosTable table;
+    EXPECT_EQ(ReadRawSmbiosTable(table), 0);
+    EXPECT_EQ(table.length, 0U);
+    EXPECT_EQ(table.data, nullptr);
+    EXPECT_EQ(table.smbiosMajor, 3);
+  }
+  machine->smbios.reset();
+  RawSmbiosTable table;
+  EXPECT_EQ(ReadRawSmbiosTable(table), 0);
+  EXPECT_EQ(table.smbiosMajor, 0);
+}
+
+TEST_F(SmbiosReader, EveryFaultFailsTheReadAndLeavesNothing) {
+  machine->SetSmbios(TableWithItems(2, 91, {{8, 4}}));
+  int result = 0;
+  RawSmbiosTable table;
+  FailInTurn([&] { result = ReadRawSmbiosTable(table); },
+             [&](const FaultRun& run) {
+               if (run.threw_bad_alloc) {
+                 EXPECT_EQ(run.fault.source, Fault::Source::Memory);
+                 result = 0;
+               }
+               EXPECT_EQ(result, run.met ? 0 : 1);
+               EXPECT_EQ(table.data == nullptr, run.met);
+               EXPECT_EQ(table.length == 0, run.met);
+               table = {};
+             });
+}
+
+}  // namespace
+}  // namespace test

@@ -1,0 +1,59 @@
+/// A fixture that holds the plug-in as a host does, over a scripted machine.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <utility>
+
+#include "controller/description_format.h"
+#include "controller/packet_formats.h"
+#include "tests/support/machine_fixture.h"
+#include "tests/support/plugin.h"
+#include "tests/support/temporary_folder.h"
+
+namespace test {
+
+class PluginTest : public MachineTest {
+ protected:
+  /// Loaded once and for all: the log it may create lives as long as the process.
+  static Plugin& plugin() {
+    static auto& loaded = *new Plugin;
+    return loaded;
+  }
+
+  /// Turns logging on, for the rest of the process, into a file of the process's own.
+  void SwitchLogOn() {
+    machine->SwitchLogOn(LogFolder().path().string());
+    NewLog();
+  }
+  /// What was logged since the last call.
+  static std::string NewLog() {
+    static std::size_t read = 0;
+    const std::string all =
+        ContentOf(LogFolder().path() / "OEM/ZarnLightingService/Log/user1_ZarnECKeyboard_20240131.log");
+    return all.substr(std::exchange(read, all.size()));
+  }
+  static std::string LogLine(const std::string& operation, const std::string& message) {
+    return "[INFO]      20240131_14:05:09.042 | ZarnECKeyboard | ZarnECKeyboardController::" + operation + " | " +
+           message + "\r\n";
+  }
+
+  static std::string InWords(const Value& value) {
+    if (const auto* text = std::get_if<std::wstring>(&value)) return " " + std::string(text->begin(), text->end());
+    std::string words;
+    for (const std::uint8_t byte : std::get<Bytes>(value)) {
+      char word[4];
+      std::snprintf(word, sizeof(word), " %02x", byte);
+      words += word;
+    }
+    return words;
+  }
+
+ private:
+  static const TemporaryFolder& LogFolder() {
+    static const TemporaryFolder folder;
+    return folder;
+  }
+};
+
+}  // namespace test

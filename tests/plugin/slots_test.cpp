@@ -1,0 +1,192 @@
+/// The contract with the host: exported names, slots by position, loading and unloading.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/plugin/plugin_fixture.h"
+#include "tests/support/hex.h"
+
+namespace test {
+namespace {
+
+std::vector<std::string> ExportsOfTheLibrary() {
+  const std::unique_ptr<FILE, int (*)(FILE*)> symbols(popen("nm -D --defined-only " ZARN_LIGHTING_PATH, "r"), pclose);
+  std::vector<std::string> names;
+  char address[64];
+  char kind[8];
+  char name[512];
+  while (std::fscanf(symbols.get(), "%63s %7s %511s", address, kind, name) == 3) names.emplace_back(name);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::vector<std::string> ExportsOfTheDefinition() {
+  std::ifstream definition(ZARN_EXPORTS_DEF);
+  std::string word;
+  while (definition >> word && word != "EXPORTS") {
+  }
+  std::vector<std::string> names;
+  while (definition >> word) names.push_back(word);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+bool IsLoaded(const std::string& path) {
+  void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
+  if (library != nullptr) dlclose(library);
+  return library != nullptr;
+}
+
+std::ptrdiff_t ThreadCount() {
+  const std::filesystem::directory_iterator tasks("/proc/self/task");
+  return std::distance(begin(tasks), end(tasks));
+}
+
+TEST(Exports, AreTheNamesOfTheDefinitionAndNothingElse) {
+  EXPECT_EQ(ExportsOfTheLibrary(), (std::vector<std::string>{"CreateRGBController_ZarnECKeyboardClassInstance",
+                                                             "CreateZarnECKeyboardControllerClassInstance"}));
+  EXPECT_EQ(ExportsOfTheLibrary(), ExportsOfTheDefinition());
+}
+
+class Loading : public MachineTest {};
+
+TEST_F(Loading, RunsNothingAndUnloadingLeavesNothing) {
+  const TemporaryFolder folder;  // a copy is a library of its own, whatever else this process has loaded
+  const std::string path = folder.path() / "copy.so";
+  std::filesystem::copy(ZARN_LIGHTING_PATH, path);
+  int calls = 0;
+  platform::SetJournal([&](const platform::JournalEntry&) { ++calls; });
+  const auto threads = ThreadCount();
+  {
+    const Plugin plugin(path.c_str());
+    EXPECT_TRUE(IsLoaded(path));
+    EXPECT_EQ(calls, 0);
+    EXPECT_EQ(ThreadCount(), threads);
+    plugin.CreateKeyboard()->RequestColorPush();
+    EXPECT_EQ(ThreadCount(), threads);
+  }
+  platform::SetJournal(nullptr);
+  // Gone from the process means that its destructors have run; what they had left would be found as a leak.
+  EXPECT_FALSE(IsLoaded(path));
+}
+
+class Slots : public PluginTest {
+ protected:
+  Slots() {
+    machine->SetSmbios(TableWithItems(2, 91, {{8, 4}}));
+    keyboard = plugin().CreateKeyboard(plugin().CreateKeyboardController());
+  }
+  ~Slots() override {
+    if (keyboard != nullptr) CallSlot(keyboard, 34);  // the deleting twin of slot 33
+  }
+
+  std::vector<std::wstring> Methods() const {
+    std::vector<std::wstring> methods;
+    for (const FirmwareCall& call : machine->TakeCalls()) methods.push_back(call.method);
+    return methods;
+  }
+  /// Ends the worker, so that everything asked for has been done.
+  void Destroy() {
+    CallSlot(keyboard, 34);
+    keyboard = nullptr;
+  }
+
+  RGBControllerInterface* keyboard;
+};
+
+const std::vector<std::wstring> kColorPath = {L"SetGamingLED",   L"SetGamingKBBacklight", L"SetGamingRgbKb",
+                                              L"SetGamingRgbKb", L"SetGamingRgbKb",       L"SetGamingRgbKb"};
+
+TEST_F(Slots, ColoursZonesAndModesAnswerAtTheirPositions) {
+  CallSlot(keyboard, 2, std::uint32_t{3}, PackedColor{0x123456});
+  EXPECT_EQ(CallSlot<PackedColor>(keyboard, 1, std::uint32_t{3}), 0x123456U);
+  CallSlot(keyboard, 3, PackedColor{0x111111});
+  EXPECT_EQ(CallSlot<PackedColor>(keyboard, 1, std::uint32_t{0}), 0x111111U);
+  CallSlot(keyboard, 4, std::int32_t{0}, PackedColor{0x222222});
+  EXPECT_EQ(CallSlot<PackedColor>(keyboard, 1, std::uint32_t{3}), 0x222222U);
+  CallSlot(keyboard, 0);
+  CallSlot(keyboard, 6, std::int32_t{2});
+  EXPECT_EQ(CallSlot<std::int32_t>(keyboard, 5), 2);
+  CallSlot(keyboard, 32);
+  EXPECT_EQ(CallSlot<std::int32_t>(keyboard, 5), 0);
+}
+
+TEST_F(Slots, BuffersAreWrittenAndReadAtTheirPositions) {
+  const auto pack = [&](std::size_t slot, auto... arguments) {
+    return Take(CallSlot<std::uint8_t*>(keyboard, slot, arguments...));
+  };
+  const auto unpack = [&](std::size_t slot, const char* packet, auto... version) {
+    const Bytes bytes = Hex(packet);
+    CallSlot(keyboard, slot, bytes.data(), version...);
+  };
+  unpack(12, "0a 00 00 00 01 00 01 00 00 00");
+  EXPECT_EQ(pack(11), Hex("16 00 00 00 04 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00"));
+  unpack(14, "0e 00 00 00 00 00 00 00 01 00 02 00 00 00");
+  EXPECT_EQ(pack(13, std::int32_t{0}),
+            Hex("1a 00 00 00 00 00 00 00 04 00 02 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00"));
+  unpack(16, "03 00 00 00 aa bb cc 00");
+  const std::unique_ptr<std::uint8_t[]> one(CallSlot<std::uint8_t*>(keyboard, 15, std::int32_t{3}));
+  EXPECT_EQ(Bytes(one.get(), one.get() + 8), Hex("03 00 00 00 aa bb cc 00"));
+
+  const Bytes direct = pack(9, std::int32_t{0}, std::uint32_t{3});
+  EXPECT_EQ(direct.size(), 67U);
+  EXPECT_EQ(pack(9, std::int32_t{0}, std::uint32_t{2}).size(), 55U);
+  CallSlot(keyboard, 6, std::int32_t{5});
+  CallSlot(keyboard, 10, direct.data(), std::uint32_t{3});
+  EXPECT_EQ(CallSlot<std::int32_t>(keyboard, 5), 0);
+  const Bytes description = pack(7, std::uint32_t{3});
+  CallSlot(keyboard, 8, description.data(), std::uint32_t{3});
+  ControllerRecords twice;
+  EXPECT_TRUE(UnpackDescription(twice, pack(7, std::uint32_t{3}), 3));
+  EXPECT_EQ(twice.mode_list.size(), 18U);
+}
+
+TEST_F(Slots, ListenersAndRequestsAnswerAtTheirPositions) {
+  std::array<int, 2> heard{};
+  const ChangeListenerFn listener = [](void* count) { ++*static_cast<int*>(count); };
+  CallSlot(keyboard, 17, listener, static_cast<void*>(&heard[0]));
+  CallSlot(keyboard, 17, listener, static_cast<void*>(&heard[1]));
+  CallSlot(keyboard, 20);
+  CallSlot(keyboard, 18, static_cast<void*>(&heard[0]));
+  CallSlot(keyboard, 21);
+  CallSlot(keyboard, 19);
+  CallSlot(keyboard, 20);
+  EXPECT_EQ(heard, (std::array{1, 2}));
+  CallSlot(keyboard, 23);
+  CallSlot(keyboard, 24);  // the worker has it
+  CallSlot(keyboard, 26);
+  CallSlot(keyboard, 31);
+  Destroy();
+  EXPECT_EQ(Methods(), kColorPath);
+}
+
+TEST_F(Slots, HardwareOperationsAnswerAtTheirPositions) {
+  CallSlot(keyboard, 27);
+  EXPECT_EQ(Methods(), kColorPath);
+  CallSlot(keyboard, 28, std::int32_t{0});
+  EXPECT_EQ(Methods(), kColorPath);
+  CallSlot(keyboard, 29, std::int32_t{3});
+  EXPECT_EQ(Methods(), kColorPath);
+  CallSlot(keyboard, 30);
+  EXPECT_EQ(Methods(), kColorPath);
+  CallSlot(keyboard, 25);
+  EXPECT_EQ(Take(CallSlot<std::uint8_t*>(keyboard, 11)).size(), 6U + 4 * 8);
+  Bytes effect = Take(CallSlot<std::uint8_t*>(keyboard, 9, std::int32_t{4}, std::uint32_t{3}));
+  CallSlot(keyboard, 10, effect.data(), std::uint32_t{3});
+  CallSlot(keyboard, 22);
+  Destroy();
+  EXPECT_EQ(Methods(), std::vector<std::wstring>{L"SetGamingKBBacklight"});
+}
+
+TEST_F(Slots, NullForAFactoryGivesNull) { EXPECT_EQ(plugin().CreateKeyboard(nullptr), nullptr); }
+
+}  // namespace
+}  // namespace test

@@ -1,0 +1,86 @@
+/// Many controllers, many threads: what ThreadSanitizer is for. ZARN_STRESS_ROUNDS sets the number of rounds.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <thread>
+#include <vector>
+
+#include "tests/plugin/plugin_fixture.h"
+
+namespace test {
+namespace {
+
+class Stress : public PluginTest {
+ protected:
+  Stress() {
+    machine->SetSmbios(TableWithItems(2, 91, {{8, 4}}));
+    machine->answer = [this](const FirmwareCall& call) {
+      ++(call.method == L"SetGamingLED" ? color_pushes : other_calls);
+      return FirmwareAnswer{S_OK, {{L"gmOutput", std::uint32_t{0}}}};
+    };
+  }
+
+  static int Rounds() {
+    const char* const rounds = std::getenv("ZARN_STRESS_ROUNDS");
+    return rounds != nullptr ? std::atoi(rounds) : 2000;
+  }
+
+  std::atomic<int> color_pushes = 0;
+  std::atomic<int> other_calls = 0;
+};
+
+TEST_F(Stress, RequestRightAfterCreationIsCarriedOutEveryTime) {
+  const int rounds = Rounds();
+  for (int i = 0; i < rounds; ++i) {
+    const auto keyboard = plugin().CreateKeyboard();
+    keyboard->RequestColorPush();
+  }
+  EXPECT_EQ(color_pushes, rounds);
+}
+
+TEST_F(Stress, CreatedDrivenAndDestroyedOverAndOver) {
+  const int rounds = Rounds();
+  for (int i = 0; i < rounds; ++i) {
+    const auto keyboard = plugin().CreateKeyboard();
+    keyboard->ChooseMode(i % 9);
+    keyboard->PaintAllZones(static_cast<PackedColor>(i));
+    keyboard->RequestColorPush();
+    keyboard->WriteModeToDevice();
+    keyboard->RequestModePush();
+  }
+  EXPECT_GE(color_pushes, rounds);
+}
+
+TEST_F(Stress, RecordsMayBeChangedFromManyThreadsWhilePushesRun) {
+  const auto keyboard = plugin().CreateKeyboard();
+  keyboard->AddChangeListener([](void* heard) { ++*static_cast<std::atomic<int>*>(heard); }, &other_calls);
+  const auto description = Take(keyboard->PackDescription(3));
+  const auto work = [&](int rounds) {
+    for (int i = 0; i < rounds; ++i) {
+      keyboard->RebindZoneStorage();
+      keyboard->StoreLedColor(static_cast<std::uint32_t>(i % 4), keyboard->FetchLedColor(1) + 1);
+      keyboard->PaintAllZones(static_cast<PackedColor>(i));
+      keyboard->PaintZone(0, 7);
+      keyboard->ChooseMode(keyboard->CurrentModeIndex() == 1 ? 2 : 1);
+      keyboard->UnpackModePacket(Take(keyboard->PackModePacket(i % 9, 3)).data(), 3);
+      keyboard->UnpackColorTablePacket(Take(keyboard->PackColorTablePacket()).data());
+      keyboard->UnpackZoneColorsPacket(Take(keyboard->PackZoneColorsPacket(0)).data());
+      const std::unique_ptr<std::uint8_t[]> one_color(keyboard->PackOneColorPacket(i % 4));
+      keyboard->UnpackOneColorPacket(one_color.get());
+      if (i % 16 == 0) keyboard->UnpackDescription(description.data(), 3);
+      Take(keyboard->PackDescription(static_cast<std::uint32_t>(i % 4)));
+      keyboard->NotifyChangeListeners();
+      keyboard->RequestColorPush();
+      keyboard->RequestModePush();
+    }
+  };
+  std::vector<std::thread> hosts;
+  for (int i = 0; i < 4; ++i) hosts.emplace_back(work, 100);
+  for (std::thread& host : hosts) host.join();
+  EXPECT_GT(color_pushes, 0);
+}
+
+}  // namespace
+}  // namespace test

@@ -1,0 +1,35 @@
+/// Bytes spelled as hexadecimal text, and bytes in blocks that end exactly where they do.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace test {
+
+inline std::vector<std::uint8_t> Hex(const std::string& text) {
+  std::vector<std::uint8_t> bytes;
+  std::istringstream words(text);
+  for (std::string word; words >> word;) bytes.push_back(static_cast<std::uint8_t>(std::stoul(word, nullptr, 16)));
+  return bytes;
+}
+
+/// A heap block of exactly these bytes, so that a stray read beyond them is seen.
+class ExactBlock {
+ public:
+  explicit ExactBlock(std::span<const std::uint8_t> bytes)
+      : bytes_(std::make_unique<std::uint8_t[]>(bytes.size())), size_(bytes.size()) {
+    std::copy(bytes.begin(), bytes.end(), bytes_.get());
+  }
+  std::span<const std::uint8_t> view() const { return {bytes_.get(), size_}; }
+
+ private:
+  std::unique_ptr<std::uint8_t[]> bytes_;
+  std::size_t size_;
+};
+
+}  // namespace test

@@ -1,0 +1,31 @@
+/// A fixture with a scripted machine under the layer that ends with nothing left alive and nothing to complain of.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "platform/portable/instruments.h"
+#include "tests/support/scripted_machine.h"
+
+namespace test {
+
+class MachineTest : public ::testing::Test {
+ public:
+  MachineTest(const MachineTest&) = delete;
+  MachineTest& operator=(const MachineTest&) = delete;
+
+ protected:
+  MachineTest() { EXPECT_TRUE(platform::UseMachine(machine)); }
+  ~MachineTest() override {
+    ExpectNothingAlive();
+    EXPECT_TRUE(platform::UseMachine(std::make_shared<platform::EmptyMachine>()));
+  }
+
+  static void ExpectNothingAlive() {
+    EXPECT_EQ(platform::CountLive(), platform::LiveCounts{});
+    EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{});
+  }
+
+  const std::shared_ptr<ScriptedMachine> machine = std::make_shared<ScriptedMachine>();
+};
+
+}  // namespace test

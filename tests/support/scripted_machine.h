@@ -1,0 +1,118 @@
+/// A machine for tests of the product: settable, recording, with a clock of its own.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/portable/empty_machine.h"
+
+namespace test {
+
+using platform::Bytes;
+using platform::FirmwareAnswer;
+using platform::NamedValues;
+using platform::Value;
+
+struct FirmwareCall {
+  std::wstring instance;
+  std::wstring method;
+  Value input;
+
+  friend bool operator==(const FirmwareCall&, const FirmwareCall&) = default;
+};
+
+class ScriptedMachine : public platform::EmptyMachine {
+ public:
+  ScriptedMachine() {
+    firmware.methods = {{L"SetGamingLED"}, {L"GetGamingLED"}, {L"SetGamingKBBacklight"}, {L"SetGamingRgbKb"}};
+    firmware.instance_names = {L"ACPI\\ZARN\\0_0"};
+    sleeps_.reserve(64);  // a pause must not be lost because memory runs out while it is noted
+  }
+
+  // Set before use, or by the thread that alone uses the machine.
+  std::map<std::wstring, Bytes> log_switch;  // value name to bytes; the key exists when there is any
+  std::map<std::wstring, std::wstring, std::less<>> environment;
+  std::optional<std::wstring> user = L"user1";
+  std::optional<platform::SmbiosTable> smbios;
+  platform::FirmwareClass firmware;
+  bool has_firmware = true;
+  /// What the firmware answers; the default is success with gmOutput 0.
+  std::function<FirmwareAnswer(const FirmwareCall&)> answer = [](const FirmwareCall&) {
+    return FirmwareAnswer{S_OK, {{L"gmOutput", std::uint32_t{0}}}};
+  };
+  SYSTEMTIME now = {2024, 1, 3, 31, 14, 5, 9, 42};
+
+  void SwitchLogOn(const std::string& program_data) {
+    log_switch = {{L"ZarnLightingService", {1, 0, 0, 0}}};
+    environment[L"PROGRAMDATA"] = std::wstring(program_data.begin(), program_data.end());
+  }
+  void SetSmbios(Bytes table) { smbios = {std::move(table), std::uint8_t{3}, std::uint8_t{2}}; }
+
+  std::vector<FirmwareCall> TakeCalls() {
+    const std::lock_guard lock(lock_);
+    return std::exchange(calls_, {});
+  }
+  std::vector<std::uint32_t> TakeSleeps() {
+    const std::lock_guard lock(lock_);
+    std::vector<std::uint32_t> taken = sleeps_;
+    sleeps_.clear();
+    return taken;
+  }
+
+  bool HasRegistryKey(std::wstring_view key) override {
+    return key == L"SOFTWARE\\OEM\\ZarnLightingService\\Log" && !log_switch.empty();
+  }
+  std::optional<Bytes> RegistryValue(std::wstring_view /*key*/, std::wstring_view name) override {
+    const auto found = log_switch.find(std::wstring(name));
+    return found == log_switch.end() ? std::nullopt : std::optional(found->second);
+  }
+  std::optional<std::wstring> EnvironmentVariable(std::wstring_view name) override {
+    const auto found = environment.find(name);
+    return found == environment.end() ? std::nullopt : std::optional(found->second);
+  }
+  std::optional<std::wstring> UserName() override { return user; }
+  SYSTEMTIME LocalTime() override { return now; }
+  void Sleep(std::uint32_t milliseconds) override {
+    const std::lock_guard lock(lock_);
+    sleeps_.push_back(milliseconds);
+  }
+  std::optional<platform::SmbiosTable> ReadSmbiosTable() override { return smbios; }
+  std::optional<platform::FirmwareClass> FindFirmwareClass() override {
+    return has_firmware ? std::optional(firmware) : std::nullopt;
+  }
+  FirmwareAnswer CallFirmware(const std::wstring& instance, const std::wstring& method,
+                              const NamedValues& in) override {
+    const auto input = in.find(L"gmInput");
+    const FirmwareCall call{instance, method, input == in.end() ? Value() : input->second};
+    {
+      const std::lock_guard lock(lock_);
+      calls_.push_back(call);
+    }
+    return answer(call);
+  }
+
+ private:
+  std::mutex lock_;
+  std::vector<FirmwareCall> calls_;    // guarded by lock_
+  std::vector<std::uint32_t> sleeps_;  // guarded by lock_
+};
+
+/// An SMBIOS table that begins with a structure with strings, followed by the OEM structure with these items.
+inline Bytes TableWithItems(std::uint8_t major, std::uint8_t minor, const std::vector<std::pair<int, int>>& items) {
+  Bytes table = {0x0B, 0x05, 0x00, 0x0B, 0x01, 'T', 'e', 's', 't', 0, 0};
+  const auto length = static_cast<std::uint8_t>(6 + 3 * items.size());
+  table.insert(table.end(), {0xAC, length, 0x00, 0xAC, major, minor});
+  for (const auto& [id, value] : items) {
+    table.insert(table.end(), {static_cast<std::uint8_t>(id), static_cast<std::uint8_t>(value),
+                               static_cast<std::uint8_t>(value >> 8)});
+  }
+  table.insert(table.end(), {0, 0});
+  return table;
+}
+
+}  // namespace test

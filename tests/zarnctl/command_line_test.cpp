@@ -1,0 +1,163 @@
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "tests/support/temporary_folder.h"
+
+namespace {
+
+struct Outcome {
+  int exit_code = 0;
+  std::string out;
+  std::string err;
+};
+
+/// Runs the program through the shell, without a terminal and with nothing of its own in the environment.
+class CommandLine : public testing::Test {
+ protected:
+  Outcome Run(const std::string& arguments, const std::string& redirection = "") {
+    const std::string out = (folder_.path() / "out").string();
+    const std::string err = (folder_.path() / "err").string();
+    const std::string command = "ZARN_MACHINE= " ZARNCTL_PATH " " + arguments + " >" + out + " 2>" + err + redirection;
+    const int status = std::system(command.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, test::ContentOf(out), test::ContentOf(err)};
+  }
+
+  void ExpectComplaint(const std::string& arguments, int exit_code, const std::string& line) {
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.exit_code, exit_code) << arguments;
+    EXPECT_EQ(outcome.err, "zarnctl: " + line + "\n") << arguments;
+    EXPECT_EQ(outcome.out, "") << arguments;
+  }
+
+  std::string WriteProfile(const std::string& text) {
+    const std::filesystem::path file = folder_.path() / "profile.toml";
+    std::ofstream(file) << text;
+    return file.string();
+  }
+
+  test::TemporaryFolder folder_;
+};
+
+TEST_F(CommandLine, WrongOnesGetOneLineAndExitWithTwo) {
+  const std::string commands = "; the commands are devices, show, set, leds and demo";
+  const std::string help = "; see 'zarnctl --help'";
+  ExpectComplaint("", 2, "a command is missing" + commands);
+  ExpectComplaint("paint", 2, "paint: no such command" + commands);
+  ExpectComplaint("--machine", 2, "--machine: 1 required PROFILE missing" + help);
+  ExpectComplaint("set X", 2, "--mode is required" + help);
+  ExpectComplaint("devices --loud", 2, "The following argument was not expected: --loud" + help);
+  ExpectComplaint("set X --mode WAVE --speed fast", 2, "--speed fast: a whole number is needed");
+  ExpectComplaint("leds X red", 2, "leds red: a colour is six hexadecimal digits, RRGGBB");
+  ExpectComplaint("set ZarnECKeyboard --mode WAVE --speed 12 --machine four-zone", 2, "--speed 12: WAVE takes 1 to 9");
+  ExpectComplaint("leds ZarnECKeyboard ff0000 00ff00 --machine three-zone", 2,
+                  "leds: 2 colours given; give one for all, or 3, one for each LED");
+}
+
+TEST_F(CommandLine, NothingToLightExitsWithThree) {
+  const Outcome outcome = Run("demo");
+  EXPECT_EQ(outcome.exit_code, 3);
+  EXPECT_TRUE(outcome.err.starts_with("zarnctl: nothing to light on this computer: use --machine with "))
+      << outcome.err;
+  EXPECT_NE(outcome.err.find("four-zone"), std::string::npos);
+  ExpectComplaint("show X --machine four-zone", 3, "X: no such device; there is ZarnECKeyboard");
+  const std::string dark =
+      WriteProfile("title = 'Dark'\nfirmware.version = '2.91'\nkeyboard.zones = 4\nkeyboard.rgb = false\n");
+  ExpectComplaint("devices --machine " + dark, 3, "no lighting device on the notebook \"Dark\"; use another --machine");
+}
+
+TEST_F(CommandLine, WhatCannotBeLoadedOrWrittenExitsWithOne) {
+  EXPECT_EQ(Run("devices --machine nowhere").exit_code, 2);
+  const std::string wrong = WriteProfile("title = 1\n");
+  ExpectComplaint("devices --machine " + wrong, 1, wrong + ":1: title must be text");
+  ExpectComplaint("devices --machine four-zone --plugin /dev/null", 1,
+                  "the plug-in cannot be loaded (use --plugin FILE): /dev/null: file too short");
+  const Outcome full = Run("devices --machine four-zone", " >/dev/full");
+  EXPECT_EQ(full.exit_code, 1);
+  EXPECT_EQ(full.err, "zarnctl: the output cannot be written\n");
+}
+
+TEST_F(CommandLine, SetSendsTheModeAndShowsItsLights) {
+  const Outcome outcome =
+      Run("--trace set ZarnECKeyboard --mode breathing --speed 7 --brightness 30 --color ff0000 --machine four-zone");
+  EXPECT_EQ(outcome.exit_code, 0);
+  EXPECT_EQ(outcome.out, "keyboard: brightness 30, BREATHING speed 7 direction 2 colour #ff0000\n");
+  EXPECT_NE(outcome.err.find("SetGamingKBBacklight, gmInput=01 07 1e 00 02 ff 00 00 03 01 00 00 00 00 00 00"),
+            std::string::npos)
+      << outcome.err;
+  EXPECT_EQ(Run("set ZarnECKeyboard --mode static --brightness 80 --color 00ff00 --machine one-zone").out,
+            "keyboard: brightness 80\nzone 1: #00ff00\n");
+}
+
+TEST_F(CommandLine, LedsColoursEachZone) {
+  const Outcome outcome = Run("leds ZarnECKeyboard ff0000 00ff00 0000ff 000000 --machine old-firmware");
+  EXPECT_EQ(outcome.exit_code, 0);
+  EXPECT_EQ(outcome.out, "keyboard: brightness 50\nzone 1: #ff0000\nzone 2: #00ff00\nzone 3: #0000ff\nzone 4: off\n");
+}
+
+TEST_F(CommandLine, LightsThatDoNotFollowExitWithFour) {
+  const std::string file =
+      WriteProfile("title = 'Mute'\nfirmware.version = '2.91'\nfirmware.instance = ''\nkeyboard.zones = 1\n");
+  for (const char* const command : {"set ZarnECKeyboard --mode WAVE --machine ", "demo --machine "}) {
+    const Outcome outcome = Run(command + file);
+    EXPECT_EQ(outcome.exit_code, 4);
+    EXPECT_NE(outcome.err.find("as asked: no call reached the firmware"), std::string::npos) << outcome.err;
+  }
+}
+
+TEST_F(CommandLine, DevicesAndShowTellWhatTheDescriptionSays) {
+  EXPECT_EQ(Run("devices --machine three-zone").out,
+            "ZarnECKeyboard: Zarn EC Keyboard Device, 1 zone, 3 LEDs, 9 modes\n");
+  const std::string shown = Run("show ZarnECKeyboard --machine three-zone").out;
+  for (const char* const line :
+       {"  maker: Zarn\n", "  zone: Keyboard Backlight zone, 3 LEDs\n", "  LED: Keyboard Backlight zone 3, #000000\n",
+        "  mode Direct: code 255, brightness 50 (0 to 100), a colour per LED (active)\n",
+        "  mode WAVE: code 3, speed 5 (1 to 9), brightness 50 (0 to 100), direction 0 (0 to 5)\n", "zone 3: off\n"}) {
+    EXPECT_NE(shown.find(line), std::string::npos) << line << shown;
+  }
+}
+
+TEST_F(CommandLine, DemoShowsEveryModeAndEndsByItself) {
+  const Outcome outcome = Run("demo --machine four-zone");
+  EXPECT_EQ(outcome.exit_code, 0) << outcome.err;
+  for (const char* const mode :
+       {"STATIC\n", ", BREATHING ", ", NEON ", ", WAVE ", ", SHIFTING ", ", ZOOM ", ", METEOR ", ", TWINKLING "}) {
+    EXPECT_NE(outcome.out.find(mode), std::string::npos) << mode;
+  }
+  EXPECT_TRUE(outcome.out.ends_with("zone 4: #ff0000\n")) << outcome.out;
+}
+
+TEST(Terminal, CursorIsShownAgainWhenASignalEndsTheDemo) {
+  int terminal = -1;
+  const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+  if (child == 0) {
+    unsetenv("NO_COLOR");
+    execl(ZARNCTL_PATH, "zarnctl", "demo", "--machine", "four-zone", nullptr);
+    _exit(127);
+  }
+  ASSERT_GT(child, 0);
+  std::string screen;
+  bool sent = false;
+  std::array<char, 4096> block{};
+  // The terminal of a process that has ended answers with an error.
+  for (ssize_t got = 0; (got = read(terminal, block.data(), block.size())) > 0;) {
+    screen.append(block.data(), static_cast<std::size_t>(got));
+    if (!sent && screen.find("▇") != std::string::npos) sent = kill(child, SIGTERM) == 0;
+  }
+  close(terminal);
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
+  EXPECT_LT(screen.rfind("\033[?25l"), screen.rfind("\033[?25h"));
+  EXPECT_NE(screen.find("\033[?25h"), std::string::npos);
+}
+
+}  // namespace

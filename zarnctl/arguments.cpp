@@ -1,0 +1,131 @@
+#include "zarnctl/arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+#include "zarnctl/complaint.h"
+#include "zarnctl/text.h"
+
+namespace zarnctl {
+namespace {
+
+constexpr const char* kFooter =
+    "Exit codes:\n"
+    "  0  done\n"
+    "  1  the profile, the plug-in or the output failed\n"
+    "  2  wrong command line; nothing was sent\n"
+    "  3  no such device, or no notebook to light\n"
+    "  4  the firmware refused, or the lights did not follow";
+
+/// The values of options as they were typed; they are read when all of them are known.
+struct Typed {
+  std::string device;
+  std::string mode;
+  std::optional<std::string> speed;
+  std::optional<std::string> brightness;
+  std::optional<std::string> direction;
+  std::optional<std::string> color;
+  std::vector<std::string> led_colors;
+};
+
+class CommandLine {
+ public:
+  CommandLine() {
+    app_.set_version_flag("--version", "zarnctl " ZARN_VERSION);
+    app_.footer(kFooter);
+    app_.fallthrough();
+    app_.require_subcommand(1);
+    app_.add_option("--machine", arguments_.machine, "profile of the notebook to drive: a TOML file or a shipped name")
+        ->envname("ZARN_MACHINE")
+        ->type_name("PROFILE");
+    app_.add_option("--plugin", arguments_.plugin, "lighting plug-in to load instead of our own")->type_name("FILE");
+    app_.add_flag("--trace", arguments_.trace, "print every firmware call to stderr");
+
+    // After the application's own settings, which commands take over when they are added.
+    app_.add_subcommand("devices", "list the lighting devices");
+    AddWithDevice("show", "describe a device and draw its lights");
+    CLI::App& set = AddWithDevice("set", "choose a mode and its settings");
+    set.add_option("--mode", typed_.mode, "name of the mode, in any case")->required();
+    set.add_option("--speed", typed_.speed, "speed of the effect")->type_name("N");
+    set.add_option("--brightness", typed_.brightness, "brightness")->type_name("N");
+    set.add_option("--direction", typed_.direction, "direction of the effect")->type_name("N");
+    set.add_option("--color", typed_.color, "colour of the mode")->type_name("RRGGBB");
+    CLI::App& leds = AddWithDevice("leds", "give every LED a colour, or all of them one");
+    leds.add_option("COLOR", typed_.led_colors, "a colour for each LED, or one for all")
+        ->required()
+        ->type_name("RRGGBB");
+    app_.add_subcommand("demo", "walk through all modes");
+  }
+
+  std::optional<Arguments> Read(int argc, const char* const* argv) {
+    try {
+      app_.parse(argc, argv);
+    } catch (const CLI::Success& help_or_version) {
+      app_.exit(help_or_version);
+      return std::nullopt;
+    } catch (const CLI::RequiredError& error) {
+      const bool without_command = app_.get_subcommands().empty();
+      throw Complaint(ExitCode::WrongCommandLine, without_command ? NoCommand() : Explained(error));
+    } catch (const CLI::ParseError& error) {
+      throw Complaint(ExitCode::WrongCommandLine, Explained(error));
+    }
+    arguments_.command = Command();
+    return arguments_;
+  }
+
+ private:
+  CLI::App& AddWithDevice(const char* name, const char* description) {
+    CLI::App& command = *app_.add_subcommand(name, description);
+    command.add_option("DEVICE", typed_.device, "name of the device, as 'zarnctl devices' prints it")
+        ->required()
+        ->type_name("");
+    return command;
+  }
+
+  static std::string Explained(const CLI::ParseError& error) {
+    std::string line = error.what();
+    std::replace(line.begin(), line.end(), '\n', ' ');
+    return line + "; see 'zarnctl --help'";
+  }
+
+  std::string NoCommand() const {
+    const std::vector<std::string> strangers = app_.remaining();
+    const std::string what = strangers.empty() ? "a command is missing" : strangers.front() + ": no such command";
+    return what + "; the commands are devices, show, set, leds and demo";
+  }
+
+  decltype(Arguments::command) Command() const {
+    if (app_.got_subcommand("devices")) return DevicesCommand{};
+    if (app_.got_subcommand("show")) return ShowCommand{typed_.device};
+    if (app_.got_subcommand("set")) return SetCommand{typed_.device, Settings()};
+    if (app_.got_subcommand("leds")) return LedsCommand{typed_.device, LedColors()};
+    return DemoCommand{};
+  }
+
+  ModeSettings Settings() const {
+    ModeSettings settings{.mode = typed_.mode, .speed = {}, .brightness = {}, .direction = {}, .color = {}};
+    if (typed_.speed) settings.speed = ReadNumber("--speed", *typed_.speed);
+    if (typed_.brightness) settings.brightness = ReadNumber("--brightness", *typed_.brightness);
+    if (typed_.direction) settings.direction = ReadNumber("--direction", *typed_.direction);
+    if (typed_.color) settings.color = ReadColor("--color", *typed_.color);
+    return settings;
+  }
+
+  std::vector<PackedColor> LedColors() const {
+    std::vector<PackedColor> colors;
+    for (const std::string& text : typed_.led_colors) colors.push_back(ReadColor("leds", text));
+    return colors;
+  }
+
+  CLI::App app_{"Drives the lights of a gaming notebook through the lighting plug-in.", "zarnctl"};
+  Typed typed_;
+  Arguments arguments_;
+};
+
+}  // namespace
+
+std::optional<Arguments> ReadArguments(int argc, const char* const* argv) { return CommandLine().Read(argc, argv); }
+
+}  // namespace zarnctl

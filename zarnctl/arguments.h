@@ -1,0 +1,39 @@
+/// The command line, as values.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "controller/records.h"
+#include "zarnctl/settings.h"
+
+namespace zarnctl {
+
+struct DevicesCommand {};
+struct ShowCommand {
+  std::string device;
+};
+struct SetCommand {
+  std::string device;
+  ModeSettings settings;
+};
+struct LedsCommand {
+  std::string device;
+  std::vector<PackedColor> colors;
+};
+struct DemoCommand {};
+
+struct Arguments {
+  std::string machine;  // empty: this computer
+  std::filesystem::path plugin;
+  bool trace = false;
+  std::variant<DevicesCommand, ShowCommand, SetCommand, LedsCommand, DemoCommand> command;
+};
+
+/// Nothing when --help or --version was all that was asked for, and has been answered. Throws Complaint.
+std::optional<Arguments> ReadArguments(int argc, const char* const* argv);
+
+}  // namespace zarnctl

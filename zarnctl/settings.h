@@ -1,0 +1,37 @@
+/// Checks what a person asked for against a device's description, before anything is sent.
+///
+/// Pure functions; any thread. All throw Complaint with what is wrong and what is allowed.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "controller/records.h"
+
+namespace zarnctl {
+
+struct ModeSettings {
+  std::string mode;
+  std::optional<std::uint32_t> speed;
+  std::optional<std::uint32_t> brightness;
+  std::optional<std::uint32_t> direction;
+  std::optional<PackedColor> color;
+};
+
+/// The position in `modes` of the mode called `name`, in any case.
+std::int32_t FindMode(const std::vector<ModeRecord>& modes, const std::string& name);
+/// The position in `modes` of the mode that shows a colour per LED.
+std::int32_t FindPerLedMode(const std::vector<ModeRecord>& modes);
+
+/// `mode` with the given settings; those that are not given stay as they are.
+ModeRecord WithSettings(ModeRecord mode, const ModeSettings& settings);
+
+/// The values that `direction_setting` may take, in ascending order.
+std::vector<std::uint32_t> DirectionsOf(const ModeRecord& mode);
+
+/// A colour for each of `led_total` LEDs, from as many colours or from one for all; `colors` is not empty.
+std::vector<PackedColor> ColorPerLed(const std::vector<PackedColor>& colors, std::size_t led_total);
+
+}  // namespace zarnctl

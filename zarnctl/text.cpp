@@ -1,0 +1,67 @@
+#include "zarnctl/text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <system_error>
+
+#include "zarnctl/complaint.h"
+
+namespace zarnctl {
+namespace {
+
+bool ReadWhole(std::string_view text, int base, std::uint32_t& number) {
+  const char* const end = text.data() + text.size();
+  const auto [stopped, error] = std::from_chars(text.data(), end, number, base);
+  return error == std::errc{} && stopped == end;
+}
+
+char LowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+}  // namespace
+
+std::string ColorText(PackedColor color) {
+  std::array<char, 8> text{};
+  std::snprintf(text.data(), text.size(), "#%02x%02x%02x", RedOf(color), GreenOf(color), BlueOf(color));
+  return text.data();
+}
+
+PackedColor ReadColor(std::string_view what, std::string_view text) {
+  const std::string_view digits = text.starts_with('#') ? text.substr(1) : text;
+  std::uint32_t rgb = 0;
+  if (digits.size() != 6 || !ReadWhole(digits, 16, rgb)) {
+    throw Complaint(ExitCode::WrongCommandLine,
+                    std::string(what) + " " + std::string(text) + ": a colour is six hexadecimal digits, RRGGBB");
+  }
+  return (rgb >> 16 & 0xff) | (rgb & 0xff00) | (rgb & 0xff) << 16;
+}
+
+std::uint32_t ReadNumber(std::string_view what, std::string_view text) {
+  std::uint32_t number = 0;
+  if (!ReadWhole(text, 10, number)) {
+    throw Complaint(ExitCode::WrongCommandLine,
+                    std::string(what) + " " + std::string(text) + ": a whole number is needed");
+  }
+  return number;
+}
+
+std::string Counted(std::size_t count, std::string_view noun) {
+  return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
+}
+
+std::string Alternatives(const std::vector<std::string>& names) {
+  std::string text;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (i > 0) text += i + 1 == names.size() ? " or " : ", ";
+    text += names[i];
+  }
+  return text;
+}
+
+bool EqualWithoutCase(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char left, char right) { return LowerCase(left) == LowerCase(right); });
+}
+
+}  // namespace zarnctl

@@ -1,0 +1,28 @@
+/// Small texts that several commands share. Pure functions; any thread.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "controller/records.h"
+
+namespace zarnctl {
+
+/// "#ff8000"
+std::string ColorText(PackedColor color);
+/// Reads "ff8000" or "#ff8000"; throws Complaint that begins with `what`.
+PackedColor ReadColor(std::string_view what, std::string_view text);
+/// Reads a whole number from 0 on; throws Complaint that begins with `what`.
+std::uint32_t ReadNumber(std::string_view what, std::string_view text);
+
+/// "1 LED", "4 LEDs"
+std::string Counted(std::size_t count, std::string_view noun);
+/// "a, b or c"
+std::string Alternatives(const std::vector<std::string>& names);
+
+bool EqualWithoutCase(std::string_view a, std::string_view b);
+
+}  // namespace zarnctl
