@@ -54,7 +54,8 @@ Result CallSlot(RGBControllerInterface* controller, std::size_t slot, Arguments.
 /// Takes a buffer over that a slot handed out; its first four bytes tell its size.
 inline std::vector<std::uint8_t> Take(std::uint8_t* buffer) {
   const std::unique_ptr<std::uint8_t[]> owner(buffer);
-  const std::size_t size = buffer[0] | buffer[1] << 8 | buffer[2] << 16 | static_cast<std::size_t>(buffer[3]) << 24;
+  std::size_t size = 0;
+  for (std::size_t i = 4; i-- > 0;) size = size << 8 | buffer[i];
   return {buffer, buffer + size};
 }
 
