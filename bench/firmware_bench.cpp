@@ -28,7 +28,7 @@ class UnpausedMachine final : public platform::EmptyMachine {
 void FirmwareCall(benchmark::State& state) {
   platform::UseMachine(std::make_shared<UnpausedMachine>());
   const std::array<std::uint8_t, 16> packet = {1, 7, 30, 0, 2, 255, 0, 0, 3, 1};
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     std::uint64_t output = 0;
     if (SetGamingKBBacklight(packet.data(), &output) != 1) state.SkipWithError("the call failed");
   }
@@ -39,7 +39,7 @@ void WalkSmbiosTable(benchmark::State& state) {
   std::vector<std::uint8_t> table;
   for (int i = 0; i < 60; ++i) table.insert(table.end(), {1, 5, 0, 0, 1, 'A', 'c', 'm', 'e', 0, 0});
   table.insert(table.end(), {172, 9, 0, 0, 2, 91, 8, 4, 0, 0, 0});
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     stSMBiosType172 record;
     if (!FindSMBiosType172(table, record)) state.SkipWithError("not found");
     benchmark::DoNotOptimize(record.itemCount);

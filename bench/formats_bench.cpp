@@ -29,7 +29,7 @@ ControllerRecords RecordsWith(std::int64_t leds) {
 void PackDescription(benchmark::State& state) {
   const ControllerRecords records = RecordsWith(state.range(0));
   std::size_t size = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const PackedBuffer buffer = PackDescription(records, 3);
     benchmark::DoNotOptimize(buffer.bytes.get());
     size = buffer.size;
@@ -40,7 +40,7 @@ BENCHMARK(PackDescription)->Arg(4)->Arg(128)->Arg(65535);
 
 void UnpackDescription(benchmark::State& state) {
   const PackedBuffer buffer = PackDescription(RecordsWith(state.range(0)), 3);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     ControllerRecords records;
     benchmark::DoNotOptimize(UnpackDescription(records, buffer.view(), 3));
   }
@@ -51,7 +51,7 @@ BENCHMARK(UnpackDescription)->Arg(4)->Arg(128)->Arg(65535);
 /// The floor under both: allocating and copying as many bytes.
 void CopyOfADescription(benchmark::State& state) {
   const PackedBuffer buffer = PackDescription(RecordsWith(state.range(0)), 3);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const auto copy = std::make_unique_for_overwrite<std::uint8_t[]>(buffer.size);
     std::memcpy(copy.get(), buffer.bytes.get(), buffer.size);
     benchmark::DoNotOptimize(copy.get());
@@ -63,7 +63,7 @@ BENCHMARK(CopyOfADescription)->Arg(4)->Arg(128)->Arg(65535);
 void UnpackColorTable(benchmark::State& state) {
   ControllerRecords records = RecordsWith(state.range(0));
   const PackedBuffer packet = PackColorTablePacket(records);
-  for (auto _ : state) benchmark::DoNotOptimize(UnpackColorTablePacket(records, packet.view()));
+  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(UnpackColorTablePacket(records, packet.view()));
 }
 BENCHMARK(UnpackColorTable)->Arg(4)->Arg(128);
 

@@ -11,6 +11,9 @@ namespace {
 /// A device whose hardware operations only count themselves.
 class CountingDevice final : public RGBController {
  public:
+  CountingDevice() = default;
+  CountingDevice(const CountingDevice&) = delete;
+  CountingDevice& operator=(const CountingDevice&) = delete;
   ~CountingDevice() override { StopWorker(); }
   void DefineLayout() override {}
   void DeviceSpareHook() override {}
@@ -30,7 +33,7 @@ class CountingDevice final : public RGBController {
 };
 
 void CreateAndDestroy(benchmark::State& state) {
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const CountingDevice device;
     benchmark::DoNotOptimize(&device);
   }
@@ -39,13 +42,13 @@ BENCHMARK(CreateAndDestroy)->UseRealTime();
 
 void RequestOnly(benchmark::State& state) {
   CountingDevice device;
-  for (auto _ : state) device.RequestModePush();
+  for ([[maybe_unused]] auto _ : state) device.RequestModePush();
 }
 BENCHMARK(RequestOnly);
 
 void RequestUntilItsOperationBegins(benchmark::State& state) {
   CountingDevice device;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const int before = device.operations;
     // A request that the last operation, just ending, absorbs is raised again.
     while (device.operations == before) device.RequestColorPush();

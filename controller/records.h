@@ -112,5 +112,6 @@ struct ControllerRecords {
 };
 
 /// Sizes `color_table` to the zones' LEDs (kept entries keep their colours, new ones are black) and derives every
-/// zone's views and first index. Needed after any change of a list's length or of a zone's `led_total`.
+/// zone's views and first index. Needed after any change of a list's length or of a zone's `led_total`, and after
+/// copying records, because the copied views still lead into the original; moved ones stay good.
 void BindZoneStorage(ControllerRecords& records);

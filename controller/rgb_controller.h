@@ -2,8 +2,9 @@
 /// worker. A device class fills the records in its constructor and supplies slots 25 to 30 and 32.
 ///
 /// Locks: `records_lock` guards the records; device classes take it while they copy what a push needs, never during a
-/// hardware call. `listener_lock` is held while listeners run. The worker's lock is its own. No two of the three are
-/// ever held together.
+/// hardware call. `listener_lock` is held while listeners run. The worker's lock is its own. The controller itself
+/// never holds two of them together; what a listener calls may take another one under `listener_lock`, never the other
+/// way round.
 ///
 /// The worker calls a device's slots 27 and 30 on its own thread. So a device class is final, and its destructor first
 /// calls StopWorker, before it releases what those slots use; nothing may escape from them.

@@ -9,12 +9,13 @@
 /// and return when it has answered; all others return at once.
 ///
 /// Errors: device errors are never thrown and never reported here. What can leave a slot is the standard
-/// out-of-memory exception, and nothing has changed when it does.
+/// out-of-memory exception, and the records are as they were when it does.
 ///
 /// Requests (slots 6, 21, 22) are carried out by the controller's worker thread, which sends whatever the records
 /// hold at that moment. Requests of one kind coalesce, and one that is raised while the hardware operation of its
 /// kind is running is absorbed by it. So change the records first and ask once; after a series of changes, end with
-/// slot 27 or 30 on your own thread, which returns when the last value has been sent.
+/// slot 27 or 30 on your own thread, which returns when the last value has been sent. Do the same before destroying: of
+/// what is requested while the worker is busy, nothing is sure to be carried out any more.
 ///
 /// Buffers: a buffer handed out belongs to the caller, who releases it with `delete[]`. A buffer handed in stays the
 /// caller's; its first four bytes (little-endian) bound what is read of it (the one-colour packet is always 8 bytes).
@@ -69,7 +70,7 @@ class RGBControllerInterface {
   /// 16: replaces the colour of one LED. Requests no push.
   virtual void UnpackOneColorPacket(const std::uint8_t* packet) = 0;
 
-  /// 17: registers a listener; the same one may be registered again.
+  /// 17: registers a listener; the same one may be registered again. A null function is ignored.
   virtual void AddChangeListener(ChangeListenerFn listener, void* context) = 0;
   /// 18: removes the first listener registered with `context`.
   virtual void RemoveChangeListener(void* context) = 0;
@@ -104,7 +105,8 @@ class RGBControllerInterface {
   /// 32: makes the per-LED mode the active one. Requests no push.
   virtual void SelectFirstMode() = 0;
 
-  /// 33: stops the worker, which first carries out a pending request, and destroys the device controller. Returns when
-  /// the worker has ended; afterwards nothing talks to the hardware. Must not run on the worker thread itself.
+  /// 33: stops the worker and destroys the device controller. A worker that is waiting first carries out what has been
+  /// requested; one that is busy ends after what it is doing. Returns when it has ended; afterwards nothing talks to
+  /// the hardware. On the worker thread itself, which no host code runs on, it would end the process.
   virtual ~RGBControllerInterface() = default;
 };

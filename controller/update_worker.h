@@ -31,8 +31,9 @@ class UpdateWorker {
   void RequestModePush();
   void RequestColorPush();
 
-  /// Stops and joins the thread, which first carries out what is pending; afterwards it runs no operation any more. May
-  /// be called again. Throws std::system_error (resource_deadlock_would_occur), and stops nothing, when called on
+  /// Stops and joins the thread, which runs no operation any more afterwards. While it waits, it first carries out what
+  /// is pending; while it is busy, it ends with that pass, and what was requested meanwhile may be lost. May be called
+  /// again. Throws std::system_error (resource_deadlock_would_occur), and stops nothing, when called on
   /// the worker thread itself.
   void Stop();
 

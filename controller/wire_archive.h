@@ -135,7 +135,7 @@ class ReadArchive {
     position_ += length;
   }
 
-  /// Appends the list's entries, and makes room for no more of them than the rest of the buffer can hold.
+  /// Appends the list's entries, once it is plain that the rest of the buffer is long enough for them.
   template <typename Entry, typename EntryFields, typename FieldsBetween = decltype(kNothingBetween)>
   void List(std::vector<Entry>& list, EntryFields entry_fields, FieldsBetween fields_between = {}) {
     std::uint16_t count = 0;

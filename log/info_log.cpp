@@ -2,18 +2,21 @@
 
 #include <array>
 #include <cstdarg>
+#include <exception>
 
 #include "log/format.h"
 #include "log/ts_log.h"
 
 void InfoLog::operator()(const wchar_t* format, ...) const {
-  TsLog* const log = TsLog::GetInstance();
-  if (log == nullptr) return;
-
   std::array<wchar_t, 1000> message{};
   std::va_list arguments;
   va_start(arguments, format);
-  FormatWide(message.data(), message.size(), format, arguments);
+  try {
+    if (TsLog* const log = TsLog::GetInstance()) {
+      FormatWide(message.data(), message.size(), format, arguments);
+      log->WriteLine(TsLog::Info, function_tag_, message.data());
+    }
+  } catch (const std::exception&) {
+  }
   va_end(arguments);
-  log->WriteLine(TsLog::Info, function_tag_, message.data());
 }

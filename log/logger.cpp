@@ -36,8 +36,11 @@ void TsLogAdapter::Log(Level level, const std::wstring& function_tag, const std:
 }
 
 void DefaultLogger::Log(Level /*level*/, const std::wstring& /*function_tag*/, const std::wstring& message) {
-  std::wcout << message << std::endl;
-  std::wcout.clear();  // a character that the console cannot show must not silence it for good
+  // A character that the console cannot show must silence neither the end of its line nor the lines to come.
+  std::wcout << message;
+  std::wcout.clear();
+  std::wcout << std::endl;
+  std::wcout.clear();
 }
 
 }  // namespace zarn::WRV520

@@ -5,9 +5,11 @@
 #include <cstdarg>
 #include <cwchar>
 #include <fstream>
+#include <iterator>
 #include <locale>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 #include "log/format.h"
 #include "platform/registry.h"

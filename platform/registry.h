@@ -3,7 +3,7 @@
 
 #if defined(_WIN32)
 
-#include <windows.h>
+#include "platform/windows.h"
 
 #else
 

@@ -4,7 +4,7 @@
 
 #if defined(_WIN32)
 
-#include <windows.h>
+#include "platform/windows.h"
 
 #include <dbghelp.h>
 

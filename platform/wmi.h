@@ -6,7 +6,7 @@
 
 #if defined(_WIN32)
 
-#include <windows.h>
+#include "platform/windows.h"
 
 #undef GetObject  // a macro of the graphics headers that would rename IWbemServices::GetObject
 

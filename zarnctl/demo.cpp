@@ -84,11 +84,14 @@ std::vector<Step> StepsFor(const ControllerRecords& records) {
 class Demo {
  public:
   Demo(Device& device, simulator::Notebook& notebook, bool animated)
-      : device_(device), notebook_(notebook), steps_(StepsFor(device.Describe())) {
+      : device_(device), notebook_(notebook), records_(device.Describe()), steps_(StepsFor(records_)) {
     if (animated) screen_.emplace();
   }
 
   ExitCode Run() {
+    // A notebook that cannot be lit at all shows it in a push that nobody has to wait for.
+    device_.Push();
+    if (Report(FindFaults(notebook_, records_))) return ExitCode::LightsDiffer;
     for (const Step& step : steps_) {
       Begin(step);
       if (!WaitForLights()) return GiveUp(step);
@@ -157,11 +160,11 @@ class Demo {
 
   Device& device_;
   simulator::Notebook& notebook_;
+  ControllerRecords records_;  // what the device says of itself since the step began
   const std::vector<Step> steps_;
   std::optional<LiveDrawing> screen_;
 
   // Of the step that runs.
-  ControllerRecords records_;
   std::string title_;
   Clock::time_point began_;
 };

@@ -12,7 +12,7 @@ namespace {
 
 struct Describer {
   std::string operator()(std::monostate /*empty*/) const { return "empty"; }
-  std::string operator()(Null /*null*/) const { return "null"; }
+  std::string operator()(const Null& /*null*/) const { return "null"; }
   std::string operator()(const std::wstring& text) const { return ReadableUtf8(text); }
   std::string operator()(const Bytes& bytes) const {
     std::string text;

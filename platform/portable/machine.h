@@ -23,6 +23,9 @@ namespace platform {
 /// With a destructor of its own, or a Value would crash where memory runs out while it is copied: where every
 /// alternative is of a kind that libstdc++ 12 knows, its variant leaves out the test for holding nothing.
 struct Null {
+  Null() = default;
+  Null(const Null&) = default;
+  Null& operator=(const Null&) = default;
   ~Null() {}  // NOLINT(modernize-use-equals-default)
   friend bool operator==(const Null&, const Null&) { return true; }
 };

@@ -32,7 +32,7 @@ struct NumberReader {
   Number& number;
 
   HRESULT operator()(std::monostate /*empty*/) const { return S_OK; }
-  HRESULT operator()(Null /*null*/) const { return DISP_E_TYPEMISMATCH; }
+  HRESULT operator()(const Null& /*null*/) const { return DISP_E_TYPEMISMATCH; }
   HRESULT operator()(const Bytes& /*bytes*/) const { return DISP_E_TYPEMISMATCH; }
   HRESULT operator()(const std::wstring& text) const { return ReadNumber(text, number); }
   HRESULT operator()(std::int32_t value) const {

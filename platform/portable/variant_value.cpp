@@ -24,7 +24,7 @@ struct VariantWriter {
   VARIANT& variant;
 
   void operator()(std::monostate /*empty*/) const { variant.vt = VT_EMPTY; }
-  void operator()(Null /*null*/) const { variant.vt = VT_NULL; }
+  void operator()(const Null& /*null*/) const { variant.vt = VT_NULL; }
   void operator()(std::int32_t number) const { Set(VT_I4, variant.lVal, number); }
   void operator()(std::uint8_t number) const { Set(VT_UI1, variant.bVal, number); }
   void operator()(std::uint32_t number) const { Set(VT_UI4, variant.ulVal, number); }

@@ -44,9 +44,10 @@ HRESULT CoCreateInstance(REFCLSID class_id, IUnknown* /*outer*/, DWORD context, 
 }
 
 HRESULT CoSetProxyBlanket(IUnknown* proxy, DWORD authn_service, DWORD authz_service, OLECHAR* principal,
-                          DWORD authn_level, DWORD imp_level, RPC_AUTH_IDENTITY_HANDLE /*identity*/,
-                          DWORD capabilities) {
-  return Pass(kCoSetProxyBlanket, Asked(authn_service, authz_service, principal, authn_level, imp_level, capabilities),
+                          DWORD authn_level, DWORD imp_level, RPC_AUTH_IDENTITY_HANDLE identity, DWORD capabilities) {
+  const wchar_t* const other_identity = identity != nullptr ? L"identity" : nullptr;
+  return Pass(kCoSetProxyBlanket,
+              Asked(authn_service, authz_service, principal, authn_level, imp_level, other_identity, capabilities),
               [&] { return proxy != nullptr ? S_OK : E_INVALIDARG; });
 }
 

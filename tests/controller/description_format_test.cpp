@@ -77,6 +77,21 @@ TEST(DescriptionFormat, ReadingAppendsBehindWhatIsThere) {
   EXPECT_EQ(records.zone_list[0].led_view, records.led_list.data());
 }
 
+TEST(DescriptionFormat, FieldsOfOneWidthKeepTheirOrder) {
+  ControllerRecords records;
+  records.info_text_1 = "a";
+  records.info_text_2 = "b";
+  records.info_text_3 = "c";
+  records.current_mode = 6;
+  ZoneRecord zone = ZoneOf(2);
+  zone.led_total_min = 1;
+  zone.led_total_max = 9;
+  records.zone_list = {zone};
+  EXPECT_EQ(Packed(records, 0),
+            Hex("3b 00 00 00 00 00 00 00 01 00 00 01 00 00 02 00 61 00 02 00 62 00 02 00 63 00 00 00 06 00 00 00 01 00 "
+                "01 00 00 00 00 00 00 01 00 00 00 09 00 00 00 02 00 00 00 00 00 00 00 00 00"));
+}
+
 TEST(DescriptionFormat, ColourTableTakesTheLengthOfTheZones) {
   const std::string zone_of_4 = "01 00 01 00 00 01 00 00 00 04 00 00 00 04 00 00 00 04 00 00 00 00 00 00 00 ";
   ControllerRecords two_colors;

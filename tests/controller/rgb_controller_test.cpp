@@ -89,28 +89,30 @@ class Device final : public RGBController {
   std::vector<std::string> begun_;  // guarded by lock_
 };
 
-TEST(UpdateWorker, RequestsOfOneKindCoalesceAndModeGoesFirst) {
+TEST(UpdateWorker, RequestsCoalesceAndThoseForTheOtherKindAreKept) {
   Device device;
   device.Hold();
   device.RequestColorPush();
   EXPECT_EQ(device.AwaitBegun(1), "colors");
-  device.RequestModePush();  // the other kind is not absorbed
+  device.RequestModePush();
   device.RequestModePush();
   device.Release();
   EXPECT_EQ(device.AwaitBegun(2), "colors mode");
   EXPECT_EQ(device.AfterStop(), "colors mode");
 }
 
-TEST(UpdateWorker, PendingModeAndColoursGoInOnePassModeFirst) {
-  Device device;
-  device.Hold();
-  device.RequestModePush();
-  device.AwaitBegun(1);
-  device.RequestColorPush();
-  device.RequestModePush();  // absorbed by the one that is running
-  device.Release();
-  EXPECT_EQ(device.AwaitBegun(2), "mode colors");
-  EXPECT_EQ(device.AfterStop(), "mode colors");
+TEST(UpdateWorker, ModeGoesBeforeColoursInOnePass) {
+  // Most rounds find the worker still asleep when both are there; none may ever show more than one push of a kind.
+  int in_one_pass = 0;
+  for (int i = 0; i < 200; ++i) {
+    Device device;
+    device.RequestColorPush();
+    device.RequestModePush();
+    const std::string pushes = device.AwaitBegun(2);
+    EXPECT_TRUE(pushes == "mode colors" || pushes == "colors mode") << pushes;
+    in_one_pass += pushes == "mode colors" ? 1 : 0;
+  }
+  EXPECT_GT(in_one_pass, 0);
 }
 
 TEST(UpdateWorker, RequestDuringItsOwnOperationIsAbsorbed) {
@@ -119,8 +121,16 @@ TEST(UpdateWorker, RequestDuringItsOwnOperationIsAbsorbed) {
   device.RequestColorPush();
   device.AwaitBegun(1);
   device.RequestColorPush();
+  device.RequestModePush();  // brings another pass, in which the colours would be sent if they were still pending
   device.Release();
-  EXPECT_EQ(device.AfterStop(), "colors");
+  device.AwaitBegun(2);
+  device.Hold();
+  device.RequestColorPush();
+  device.AwaitBegun(3);
+  device.RequestModePush();
+  device.Release();
+  EXPECT_EQ(device.AwaitBegun(4), "colors mode colors mode");
+  EXPECT_EQ(device.AfterStop(), "colors mode colors mode");
 }
 
 TEST(UpdateWorker, RequestPendingAtTheStopIsCarriedOut) {

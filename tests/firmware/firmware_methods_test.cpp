@@ -99,37 +99,49 @@ TEST_F(FirmwareMethods, AnswersThatCannotBeConvertedFailAndWriteNothing) {
   EXPECT_EQ(machine->TakeSleeps().size(), 2U);  // only successes pause
 }
 
-TEST_F(FirmwareMethods, FirstInstanceWithANameIsCalledByItsEscapedPath) {
-  std::vector<std::string> paths;
+TEST_F(FirmwareMethods, CallTakesItsStepsWithTheirArgumentsAndGivesAllBackBeforeThePause) {
+  std::vector<std::string> steps;
+  std::vector<std::string> calls;
   platform::SetJournal([&](const platform::JournalEntry& entry) {
-    if (entry.call == "IWbemServices::ExecMethod")
-      paths.push_back(entry.arguments.substr(0, entry.arguments.find(' ')));
+    calls.push_back(entry.call);
+    const bool is_step =
+        !entry.call.starts_with("Variant") && !entry.call.starts_with("Sys") && !entry.call.ends_with("Release");
+    if (is_step) steps.push_back(entry.call + "(" + entry.arguments + ")");
   });
-  machine->firmware.instance_names = {platform::Null(), Value(), L"A\\B", L"C"};
   EXPECT_EQ(SetGamingRgbKb(1), 1);
-  EXPECT_EQ(TheCall().instance, L"A\\B");
-  machine->firmware.instance_names = {std::wstring(300, L'x')};
-  EXPECT_EQ(SetGamingRgbKb(1), 0);  // does not fit, and is not cut
-  machine->firmware.instance_names = {std::wstring(130, L'\\')};
-  EXPECT_EQ(SetGamingRgbKb(1), 0);
-  machine->firmware.instance_names = {};
-  EXPECT_EQ(SetGamingRgbKb(1), 0);
-  machine->has_firmware = false;
-  EXPECT_EQ(SetGamingRgbKb(1), 0);
   platform::SetJournal(nullptr);
-  EXPECT_TRUE(machine->TakeCalls().empty());
-  EXPECT_EQ(EscapeBackslashes(L"\\a\\\\"), L"\\\\a\\\\\\\\");
+  EXPECT_EQ(steps, (std::vector<std::string>{
+                       "CoInitializeEx(0)", "CoCreateInstance(1)", "IWbemLocator::ConnectServer(ROOT\\WMI, null, 0)",
+                       "CoSetProxyBlanket(10, 0, null, 3, 3, null, 0)",
+                       "IWbemServices::ExecQuery(WQL, SELECT * FROM ZarnGamingFunction, 48)",
+                       "IEnumWbemClassObject::Next(-1, 1)", "IWbemClassObject::Get(InstanceName)",
+                       "IWbemServices::GetObject(ZarnGamingFunction)", "IWbemClassObject::GetMethod(SetGamingRgbKb)",
+                       "IWbemClassObject::Put(gmInput, 1)",
+                       "IWbemServices::ExecMethod(ZarnGamingFunction.InstanceName=\"ACPI\\\\ZARN\\\\0_0\", "
+                       "SetGamingRgbKb, gmInput=1)",
+                       "IWbemClassObject::Get(gmOutput)", "CoUninitialize()", "Sleep(30)"}));
+  EXPECT_EQ(std::vector<std::string>(calls.end() - 6, calls.end()),
+            (std::vector<std::string>{"VariantClear", "VariantClear", "IUnknown::Release", "IUnknown::Release",
+                                      "CoUninitialize", "Sleep"}));
 }
 
-TEST_F(FirmwareMethods, ValuesGoBeforeTheConnectionAndTheConnectionBeforeThePause) {
-  std::vector<std::string> calls;
-  platform::SetJournal([&](const platform::JournalEntry& entry) { calls.push_back(entry.call); });
-  EXPECT_EQ(SetGamingRgbKb(1), 1);
-  platform::SetJournal(nullptr);
-  const std::vector<std::string> expected_end = {"VariantClear",      "VariantClear",   "IUnknown::Release",
-                                                 "IUnknown::Release", "CoUninitialize", "Sleep"};
-  ASSERT_GE(calls.size(), expected_end.size());
-  EXPECT_EQ(std::vector<std::string>(calls.end() - 6, calls.end()), expected_end);
+TEST_F(FirmwareMethods, FirstInstanceWithANameIsCalledUnlessItsPathDoesNotFit) {
+  const auto called = [&](std::vector<Value> names) {
+    machine->firmware.instance_names = std::move(names);
+    const std::int32_t result = SetGamingRgbKb(1);
+    const auto calls = machine->TakeCalls();
+    EXPECT_EQ(calls.size(), static_cast<std::size_t>(result));
+    return calls.empty() ? std::wstring() : calls.front().instance;
+  };
+  EXPECT_EQ(called({platform::Null(), Value(), L"A\\B", L"C"}), L"A\\B");
+  // The path's other characters are 34, and its terminator one of 260.
+  EXPECT_EQ(called({std::wstring(225, L'x')}), std::wstring(225, L'x'));
+  EXPECT_EQ(called({std::wstring(226, L'x')}), L"");
+  EXPECT_EQ(called({std::wstring(113, L'\\')}), L"");
+  EXPECT_EQ(called({}), L"");
+  machine->has_firmware = false;
+  EXPECT_EQ(called({L"A"}), L"");
+  EXPECT_EQ(EscapeBackslashes(L"\\a\\\\"), L"\\\\a\\\\\\\\");
 }
 
 TEST_F(FirmwareMethods, ThreadOfAnotherApartmentCallsAndKeepsItsCom) {

@@ -6,58 +6,41 @@
 #include <memory>
 #include <string>
 
+#include "platform/portable/variant_value.h"
 #include "platform/wmi.h"
 
 namespace test {
 
 struct Releaser {
   void operator()(IUnknown* object) const { object->Release(); }
+  void operator()(OLECHAR* text) const { SysFreeString(text); }
 };
 template <typename Interface>
 using Owned = std::unique_ptr<Interface, Releaser>;
-
-struct TextDeleter {
-  void operator()(OLECHAR* text) const { SysFreeString(text); }
-};
-using Text = std::unique_ptr<OLECHAR, TextDeleter>;
+using Text = Owned<OLECHAR>;
 
 inline Text MakeText(const std::wstring& text) { return Text(SysAllocString(text.c_str())); }
 
 /// Clears what it holds at its end.
 struct OwnedVariant : VARIANT {
-  OwnedVariant() : VARIANT{} { VariantInit(this); }
+  explicit OwnedVariant(const platform::Value& value = {}) : VARIANT(platform::VariantOf(value)) {}
   OwnedVariant(const OwnedVariant&) = delete;
   OwnedVariant& operator=(const OwnedVariant&) = delete;
   ~OwnedVariant() { EXPECT_EQ(VariantClear(this), S_OK); }
+
+  platform::Value Read() const { return platform::ValueOf(*this).value(); }
 };
-
-inline void PutText(VARIANT& variant, const wchar_t* text) {
-  V_BSTR(&variant) = SysAllocString(text);
-  V_VT(&variant) = VT_BSTR;
-}
-
-inline void PutBytes(VARIANT& variant, const std::string& bytes) {
-  SAFEARRAYBOUND bound = {static_cast<ULONG>(bytes.size()), 0};
-  V_ARRAY(&variant) = SafeArrayCreate(VT_UI1, 1, &bound);
-  V_VT(&variant) = VT_ARRAY | VT_UI1;
-  void* data = nullptr;
-  ASSERT_EQ(SafeArrayAccessData(V_ARRAY(&variant), &data), S_OK);
-  bytes.copy(static_cast<char*>(data), bytes.size());
-  ASSERT_EQ(SafeArrayUnaccessData(V_ARRAY(&variant)), S_OK);
-}
 
 class Session {
  public:
-  Session() {
+  explicit Session(const wchar_t* space = L"ROOT\\WMI") {
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    void* locator = nullptr;
-    EXPECT_EQ(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator, &locator), S_OK);
-    const Owned<IWbemLocator> owned(static_cast<IWbemLocator*>(locator));
-    IWbemServices* connected = nullptr;
-    EXPECT_EQ(
-        owned->ConnectServer(MakeText(L"ROOT\\WMI").get(), nullptr, nullptr, nullptr, 0, nullptr, nullptr, &connected),
-        S_OK);
-    services.reset(connected);
+    void* place = nullptr;
+    EXPECT_EQ(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator, &place), S_OK);
+    const Owned<IWbemLocator> locator(static_cast<IWbemLocator*>(place));
+    IWbemServices* found = nullptr;
+    status = locator->ConnectServer(MakeText(space).get(), nullptr, nullptr, nullptr, 0, nullptr, nullptr, &found);
+    services.reset(found);
   }
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
@@ -97,7 +80,8 @@ inline Owned<IWbemClassObject> TakeNext(IEnumWbemClassObject& enumerator) {
   IWbemClassObject* object = nullptr;
   ULONG returned = 0;
   const HRESULT status = enumerator.Next(WBEM_INFINITE, 1, &object, &returned);
-  EXPECT_EQ(status, returned == 1 ? WBEM_S_NO_ERROR : WBEM_S_FALSE);
+  EXPECT_EQ(status, object != nullptr ? WBEM_S_NO_ERROR : WBEM_S_FALSE);
+  EXPECT_EQ(returned, object != nullptr ? 1U : 0U);
   return Owned<IWbemClassObject>(object);
 }
 

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <latch>
 #include <limits>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/plugin/plugin_fixture.h"
@@ -198,6 +200,35 @@ TEST_F(EcKeyboard, StaticTakesTheColourPathAndStaysInTheRecords) {
   EXPECT_EQ(Wire(), wire);
 }
 
+TEST_F(EcKeyboard, ZonesAfterOneThatFailsAreStillColoured) {
+  machine->answer = [](const FirmwareCall& call) {
+    const bool second_zone = call.input == Value(std::wstring(L"2"));
+    return FirmwareAnswer{second_zone ? static_cast<HRESULT>(-1) : S_OK, {{L"gmOutput", std::uint32_t{0}}}};
+  };
+  keyboard->WriteColorsToDevice();
+  EXPECT_EQ(machine->TakeCalls().size(), 6U);
+  EXPECT_EQ(machine->TakeSleeps().size(), 5U);
+}
+
+TEST_F(EcKeyboard, RecordsMayBeChangedWhileTheFirmwareHoldsAPush) {
+  std::latch inside(1);
+  std::latch go_on(1);
+  machine->answer = [&](const FirmwareCall&) {
+    inside.count_down();
+    go_on.wait();
+    return FirmwareAnswer{S_OK, {{L"gmOutput", std::uint32_t{0}}}};
+  };
+  Choose(2, 5, 50, 0, {1});
+  std::thread host([&] { keyboard->WriteModeToDevice(); });
+  inside.wait();
+  keyboard->StoreLedColor(0, 5);
+  keyboard->UnpackDescription(Take(keyboard->PackDescription(3)).data(), 3);
+  keyboard->SelectFirstMode();
+  EXPECT_EQ(Describe().mode_list.size(), 18U);
+  go_on.count_down();
+  host.join();
+}
+
 TEST_F(EcKeyboard, ModeWithoutItsColourIsBlackAndIndexesOutsideTheListSendNothing) {
   Choose(2, 5, 50, 0, {});
   keyboard->WriteModeToDevice();
@@ -236,6 +267,7 @@ TEST_F(EcKeyboard, EffectLogsItsRequestAndEveryByte) {
     expected += LogLine("SetMode", "input_data[" + std::to_string(i) + "] = " + bytes[i]);
   }
   EXPECT_EQ(NewLog(), expected);
+  EXPECT_EQ(Wire(), "SetGamingKBBacklight: 01 07 1e 00 02 ff 00 00 03 01 00 00 00 00 00 00\n");
   Choose(2, 261, 30, 0xFFFE, {0});
   keyboard->WriteModeToDevice();
   EXPECT_EQ(

@@ -66,8 +66,17 @@ TEST_F(Faults, PushesUnderFaultsReturnAndLeaveTheRecordsAsTheyWere) {
     }
     EXPECT_LE(calls, calls_without_fault);
   };
-  FailInTurn([&] { keyboard->WriteColorsToDevice(); }, check);
+  FailInTurn([&] { keyboard->WriteColorsToDevice(); },
+             [&](const FaultRun& run) {
+               // One platform call that fails costs one firmware call at most.
+               if (run.fault.source == Fault::Source::PlatformCall && !run.fault.for_ever) {
+                 EXPECT_GE(machine->CallCount(), calls_without_fault - 1);
+               }
+               check(run);
+             });
   EXPECT_EQ(Take(keyboard->PackDescription(3)), before);
+  keyboard->UnpackModePacket(Take(keyboard->PackModePacket(1, 3)).data(), 3);  // "STATIC"
+  FailInTurn([&] { keyboard->WriteModeToDevice(); }, check);
 
   keyboard->UnpackModePacket(Take(keyboard->PackModePacket(2, 3)).data(), 3);
   calls_without_fault = 1;
@@ -86,6 +95,9 @@ TEST_F(Faults, SlotsThatRunOutOfMemoryChangeNothing) {
   FailInTurn([&] { keyboard->UnpackModePacket(mode_packet.data(), 3); }, check);
   FailInTurn([&] { keyboard->UnpackDescription(before.data(), 3); }, check);
   FailInTurn([&] { keyboard->DefineLayout(); }, check);
+  keyboard->AddChangeListener([](void*) {}, nullptr);
+  FailInTurn([&] { keyboard->RequestColorPush(); },
+             [](const FaultRun& run) { EXPECT_EQ(run.threw_bad_alloc, run.met); });
 }
 
 }  // namespace

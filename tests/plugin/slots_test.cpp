@@ -111,7 +111,9 @@ TEST_F(Slots, ColoursZonesAndModesAnswerAtTheirPositions) {
   EXPECT_EQ(CallSlot<PackedColor>(keyboard, 1, std::uint32_t{0}), 0x111111U);
   CallSlot(keyboard, 4, std::int32_t{0}, PackedColor{0x222222});
   EXPECT_EQ(CallSlot<PackedColor>(keyboard, 1, std::uint32_t{3}), 0x222222U);
+  // Slot 0 takes the table back to the length of the zones, which it has already.
   CallSlot(keyboard, 0);
+  EXPECT_EQ(CallSlot<PackedColor>(keyboard, 1, std::uint32_t{3}), 0x222222U);
   CallSlot(keyboard, 6, std::int32_t{2});
   EXPECT_EQ(CallSlot<std::int32_t>(keyboard, 5), 2);
   CallSlot(keyboard, 32);

@@ -31,6 +31,8 @@ std::atomic<std::uint64_t> bytes_requested = 0;
 #endif
 
 #ifndef ZARN_KEEP_OPERATOR_NEW
+// The operators themselves cannot but manage memory by hand.
+// NOLINTBEGIN(cppcoreguidelines-no-malloc)
 void* operator new(std::size_t size) {
   if (!FailsNow(size)) {
     if (void* const block = std::malloc(size == 0 ? 1 : size)) return block;
@@ -40,6 +42,7 @@ void* operator new(std::size_t size) {
 
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+// NOLINTEND(cppcoreguidelines-no-malloc)
 #endif
 
 namespace test {

@@ -57,6 +57,10 @@ class ScriptedMachine : public platform::EmptyMachine {
     const std::lock_guard lock(lock_);
     return std::exchange(calls_, {});
   }
+  std::size_t CallCount() {
+    const std::lock_guard lock(lock_);
+    return calls_.size();
+  }
   std::vector<std::uint32_t> TakeSleeps() {
     const std::lock_guard lock(lock_);
     std::vector<std::uint32_t> taken = sleeps_;

@@ -1,0 +1,11 @@
+/// The platform's main header, for the doors, without what it would otherwise redefine.
+#pragma once
+
+#ifndef NOMINMAX
+#define NOMINMAX  // min and max are names of the standard library
+#endif
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+
+#include <windows.h>
