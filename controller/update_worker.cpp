@@ -18,7 +18,7 @@ void Attempt(const std::function<void()>& operation) {
 
 }  // namespace
 
-UpdateWorker::~UpdateWorker() { Stop(); }
+UpdateWorker::~UpdateWorker() { Stop(); }  // NOLINT(bugprone-exception-escape): see there
 
 void UpdateWorker::Start(std::function<void()> body) {
   worker = std::thread(std::move(body));

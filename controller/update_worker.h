@@ -17,8 +17,8 @@ class UpdateWorker {
   UpdateWorker() = default;
   UpdateWorker(const UpdateWorker&) = delete;
   UpdateWorker& operator=(const UpdateWorker&) = delete;
-  /// Stops. Must not run on the worker thread.
-  ~UpdateWorker();
+  /// Stops. On the worker thread itself this ends the process: there is nobody left to go on with.
+  ~UpdateWorker();  // NOLINT(bugprone-exception-escape): that is how it ends the process
 
   /// Starts a thread with `body`, which calls Run, and returns when it stands at its wait: no request raised from
   /// then on is lost. Throws std::system_error when no thread can be started.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,17 +15,17 @@ constexpr char kName[] = "Zarn EC Keyboard Device";
 constexpr char kMaker[] = "Zarn";
 constexpr char kZoneLabel[] = "Keyboard Backlight zone";
 
-using namespace ModeCapability;
-constexpr std::uint32_t kEffect = SpeedAdjustable | BrightnessAdjustable;
-constexpr std::uint32_t kColoredEffect = kEffect | ModeColors;
+namespace Can = ModeCapability;
+constexpr std::uint32_t kEffect = Can::SpeedAdjustable | Can::BrightnessAdjustable;
+constexpr std::uint32_t kColoredEffect = kEffect | Can::ModeColors;
 
 constexpr EcModeRow kModes[] = {
-    {"Direct", kPerLedModeCode, BrightnessAdjustable | PerLedColors},
+    {"Direct", kPerLedModeCode, Can::BrightnessAdjustable | Can::PerLedColors},
     {"STATIC", kStaticEffect, kColoredEffect},
     {"BREATHING", 1, kColoredEffect},
     {"NEON", 2, kEffect},
-    {"WAVE", 3, kEffect | DirectionSetA | DirectionSetB | DirectionSetC},
-    {"SHIFTING", 4, kColoredEffect | DirectionSetA},
+    {"WAVE", 3, kEffect | Can::DirectionSetA | Can::DirectionSetB | Can::DirectionSetC},
+    {"SHIFTING", 4, kColoredEffect | Can::DirectionSetA},
     {"ZOOM", 5, kColoredEffect},
     {"METEOR", 6, kColoredEffect},
     {"TWINKLING", 7, kColoredEffect},

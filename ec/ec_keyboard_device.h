@@ -10,6 +10,8 @@ class RGBController_ZarnECKeyboard final : public RGBController {
  public:
   /// Takes `controller` over unless it throws (std::bad_alloc, std::system_error).
   explicit RGBController_ZarnECKeyboard(ZarnECKeyboardController* controller);
+  RGBController_ZarnECKeyboard(const RGBController_ZarnECKeyboard&) = delete;
+  RGBController_ZarnECKeyboard& operator=(const RGBController_ZarnECKeyboard&) = delete;
   ~RGBController_ZarnECKeyboard() override;
 
   void DefineLayout() override;

@@ -85,8 +85,8 @@ bool FindSMBiosType172(std::span<const std::uint8_t> table, stSMBiosType172& rec
 }
 
 std::optional<std::uint16_t> FirstItem(const stSMBiosType172& record, std::uint8_t id) {
-  const auto end = record.itemIds.begin() + record.itemCount;
-  const auto found = std::find(record.itemIds.begin(), end, id);
-  if (found == end) return std::nullopt;
-  return record.itemValues[static_cast<std::size_t>(found - record.itemIds.begin())];
+  for (std::size_t i = 0; i < static_cast<std::size_t>(record.itemCount); ++i) {
+    if (record.itemIds[i] == id) return record.itemValues[i];
+  }
+  return std::nullopt;
 }

@@ -169,7 +169,8 @@ TEST(DescriptionFormat, NulDecidesTheTextAndLengthMovesTheCursor) {
 TEST(DescriptionFormat, WhatCouldNotBeWrittenAgainIsRefusedWhole) {
   const std::string led_total = "01 00 01 00 00 01 00 00 00 00 00 00 00 00 00 00 00 ";
   const std::string no_leds = " 00 00 00 00 00 00";
-  const auto refused = [](ControllerRecords records, const Bytes& bytes) {
+  const auto refused = [](const ControllerRecords& there, const Bytes& bytes) {
+    ControllerRecords records = there;
     const Bytes before = Snapshot(records);
     EXPECT_FALSE(UnpackDescription(records, bytes, 3));
     EXPECT_EQ(Snapshot(records), before);
@@ -188,7 +189,7 @@ TEST(DescriptionFormat, WhatCouldNotBeWrittenAgainIsRefusedWhole) {
   // 16,382 cells, whose length would be 0 on the wire; and rows by columns that wrap.
   const std::string zone = "01 00 01 00 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 08 00 ";
   Bytes big_grid = Description(zone + "fe 3f 00 00 01 00 00 00");
-  big_grid.resize(big_grid.size() + 4 * 16382 + 6);
+  big_grid.resize(big_grid.size() + std::size_t{4} * 16382 + 6);
   SetTotalSize(big_grid, big_grid.size());
   refused(ControllerRecords(), big_grid);
   refused(ControllerRecords(), Description(zone + "00 00 01 00 00 00 01 00 00 00 00 00 00 00"));
@@ -198,7 +199,7 @@ TEST(DescriptionFormat, WriterCutsWhatItsCountsCannotTell) {
   ControllerRecords records;
   records.title = std::string("up to here\0not this", 19);
   records.caption.assign(70000, 'c');
-  records.led_list.resize(65536 + 2);
+  records.led_list.resize(65538);
   const Bytes bytes = Packed(records, 0);
   EXPECT_EQ(Bytes(bytes.begin() + 8, bytes.begin() + 21), Hex("0b 00 75 70 20 74 6f 20 68 65 72 65 00"));
   EXPECT_EQ(Bytes(bytes.begin() + 21, bytes.begin() + 24), Hex("ff ff 63"));
@@ -222,7 +223,7 @@ TEST(DescriptionFormat, SmallBufferCannotAskForMuchMemory) {
 
   // The smallest LED blocks, whose texts have length 0.
   Bytes leds = Description("00 00 ff ff");
-  leds.resize(leds.size() + 65535 * 6 + 2);
+  leds.resize(leds.size() + std::size_t{65535} * 6 + 2);
   SetTotalSize(leds, leds.size());
   requested_for(leds, true);
 

@@ -20,7 +20,7 @@ namespace {
 /// A device that writes down which hardware operations run, and can be held inside one.
 class Device final : public RGBController {
  public:
-  explicit Device(std::vector<std::uint32_t> zone_leds = {}) {
+  explicit Device(const std::vector<std::uint32_t>& zone_leds = {}) {
     for (const std::uint32_t count : zone_leds) {
       ZoneRecord zone;
       zone.led_total = count;
@@ -28,6 +28,8 @@ class Device final : public RGBController {
     }
     mode_list.resize(3);
   }
+  Device(const Device&) = delete;
+  Device& operator=(const Device&) = delete;
   ~Device() override { StopWorker(); }
 
   void DefineLayout() override {}
@@ -252,7 +254,7 @@ TEST(RgbController, ListenersAreCalledInOrderEachWithItsContext) {
   const ChangeListenerFn lower = [](void* name) { heard += *static_cast<char*>(name); };
   const ChangeListenerFn upper = [](void* name) { heard += static_cast<char>(*static_cast<char*>(name) - 'a' + 'A'); };
   device.AddChangeListener(upper, &names[1]);
-  device.AddChangeListener(lower, &names[0]);
+  device.AddChangeListener(lower, names.data());
   device.AddChangeListener(lower, &names[1]);
   device.RequestColorPush();
   EXPECT_EQ(heard, "Bab");

@@ -16,7 +16,7 @@ namespace {
 class FirmwareMethods : public MachineTest {
  protected:
   /// What the firmware answers from now on.
-  void Answer(NamedValues out, HRESULT status = S_OK) {
+  void Answer(const NamedValues& out, HRESULT status = S_OK) {
     machine->answer = [=](const FirmwareCall&) { return FirmwareAnswer{status, out}; };
   }
   /// The only call since the last time.

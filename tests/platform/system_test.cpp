@@ -88,8 +88,7 @@ TEST_F(SystemTest, WideTextBecomesUtf8) {
 TEST_F(SystemTest, FoldersAreMadeUpToTheLastSeparator) {
   const std::string path = folder.string() + "\\a/b\\c.log";
   for (int i = 0; i < 2; ++i) EXPECT_EQ(MakeSureDirectoryPathExists(path.c_str()), TRUE);
-  EXPECT_TRUE(fs::is_directory(folder / "a/b"));
-  EXPECT_FALSE(fs::exists(folder / "a/b/c.log"));
+  EXPECT_TRUE(fs::is_directory(folder / "a/b") && fs::is_empty(folder / "a/b"));
   std::ofstream(folder / "file").put('x');
   EXPECT_EQ(MakeSureDirectoryPathExists((folder.string() + "\\file\\b\\c.log").c_str()), FALSE);
   ExpectLastError(ERROR_PATH_NOT_FOUND);
@@ -113,17 +112,18 @@ TEST_F(SystemTest, StreamsOpenByWidePathAndSetTheLastError) {
 }
 
 TEST_F(SystemTest, EmptyMachineHasTheComputersLocalTime) {
-  using namespace std::chrono;
+  namespace chrono = std::chrono;
   setenv("TZ", "ZRN-05:30", 1);
   tzset();
-  const auto before = floor<seconds>(system_clock::now());
+  const auto before = chrono::floor<chrono::seconds>(chrono::system_clock::now());
   const SYSTEMTIME time = platform::EmptyMachine().LocalTime();
   unsetenv("TZ");
   tzset();
-  const sys_days today(year(time.wYear) / month(time.wMonth) / day(time.wDay));
-  const auto told = today + hours(time.wHour) + minutes(time.wMinute - 330) + seconds(time.wSecond);
-  EXPECT_TRUE(before <= told && told <= system_clock::now()) << told.time_since_epoch().count();
-  EXPECT_EQ(time.wDayOfWeek, weekday(today).c_encoding());
+  const chrono::sys_days today(chrono::year(time.wYear) / time.wMonth / time.wDay);
+  const auto told =
+      today + chrono::hours(time.wHour) + chrono::minutes(time.wMinute - 330) + chrono::seconds(time.wSecond);
+  EXPECT_TRUE(before <= told && told <= chrono::system_clock::now()) << told.time_since_epoch().count();
+  EXPECT_EQ(time.wDayOfWeek, chrono::weekday(today).c_encoding());
 }
 
 }  // namespace

@@ -14,33 +14,33 @@ constexpr VARTYPE kBytes = VT_ARRAY | VT_UI1;
 constexpr auto kLeastI4 = -std::int32_t{2147483647} - 1;
 
 const struct {
-  Value from;
   VARTYPE type;
+  HRESULT result;
+  Value from;
   Value to;
-  HRESULT result = S_OK;
 } kConversions[] = {
-    {~std::uint64_t{0}, VT_BSTR, L"18446744073709551615"},
-    {kLeastI4, VT_BSTR, L"-2147483648"},
-    {~std::uint32_t{0}, VT_UI8, std::uint64_t{0xFFFFFFFF}},
-    {std::int32_t{-1}, VT_UI4, ~std::uint32_t{0}},
-    {L"18446744073709551615", VT_UI8, ~std::uint64_t{0}},
-    {L"-2147483648", VT_I4, kLeastI4},
-    {Value(), VT_UI8, std::uint64_t{0}},
-    {Bytes{1, 0, 255}, kBytes, Bytes{1, 0, 255}},
-    {std::uint32_t{256}, VT_UI1, {}, DISP_E_OVERFLOW},
-    {std::uint32_t{0x80000000}, VT_I4, {}, DISP_E_OVERFLOW},
-    {std::int32_t{-1}, VT_UI8, {}, DISP_E_OVERFLOW},
-    {L"4294967296", VT_UI4, {}, DISP_E_OVERFLOW},
-    {L"18446744073709551616", VT_UI8, {}, DISP_E_OVERFLOW},
-    {L"-2147483649", VT_I4, {}, DISP_E_OVERFLOW},
-    {L"", VT_UI4, {}, DISP_E_TYPEMISMATCH},
-    {L"12x", VT_UI4, {}, DISP_E_TYPEMISMATCH},
-    {platform::Null(), VT_BSTR, {}, DISP_E_TYPEMISMATCH},
-    {Bytes{1}, VT_UI4, {}, DISP_E_TYPEMISMATCH},
+    {VT_BSTR, S_OK, ~std::uint64_t{0}, L"18446744073709551615"},
+    {VT_BSTR, S_OK, kLeastI4, L"-2147483648"},
+    {VT_UI8, S_OK, ~std::uint32_t{0}, std::uint64_t{0xFFFFFFFF}},
+    {VT_UI4, S_OK, std::int32_t{-1}, ~std::uint32_t{0}},
+    {VT_UI8, S_OK, L"18446744073709551615", ~std::uint64_t{0}},
+    {VT_I4, S_OK, L"-2147483648", kLeastI4},
+    {VT_UI8, S_OK, Value(), std::uint64_t{0}},
+    {kBytes, S_OK, Bytes{1, 0, 255}, Bytes{1, 0, 255}},
+    {VT_UI1, DISP_E_OVERFLOW, std::uint32_t{256}, {}},
+    {VT_I4, DISP_E_OVERFLOW, std::uint32_t{0x80000000}, {}},
+    {VT_UI8, DISP_E_OVERFLOW, std::int32_t{-1}, {}},
+    {VT_UI4, DISP_E_OVERFLOW, L"4294967296", {}},
+    {VT_UI8, DISP_E_OVERFLOW, L"18446744073709551616", {}},
+    {VT_I4, DISP_E_OVERFLOW, L"-2147483649", {}},
+    {VT_UI4, DISP_E_TYPEMISMATCH, L"", {}},
+    {VT_UI4, DISP_E_TYPEMISMATCH, L"12x", {}},
+    {VT_BSTR, DISP_E_TYPEMISMATCH, platform::Null(), {}},
+    {VT_UI4, DISP_E_TYPEMISMATCH, Bytes{1}, {}},
 };
 
 TEST_F(ValuesTest, ConversionsFollowThePlatformAndChangeNothingWhenTheyFail) {
-  for (const auto& [from, type, to, result] : kConversions) {
+  for (const auto& [type, result, from, to] : kConversions) {
     SCOPED_TRACE(testing::PrintToString(from) + " to " + std::to_string(type));
     OwnedVariant source(from);
     OwnedVariant destination(L"before");

@@ -92,7 +92,7 @@ constexpr char kDescription[] =
 
 Bytes DescriptionAt(std::uint32_t version, const std::string& total_size) {
   std::string text = kDescription;
-  for (std::size_t open; (open = text.find('<')) != std::string::npos;) {
+  for (std::size_t open = text.find('<'); open != std::string::npos; open = text.find('<')) {
     const std::size_t close = text.find('>', open);
     const bool there = version >= static_cast<std::uint32_t>(text[open + 1] - '0');
     text.replace(open, close - open + 1, there ? text.substr(open + 2, close - open - 2) : "");

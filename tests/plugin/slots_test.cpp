@@ -79,11 +79,11 @@ TEST_F(Loading, RunsNothingAndUnloadingLeavesNothing) {
 
 class Slots : public PluginTest {
  protected:
-  Slots() {
+  void SetUp() override {
     machine->SetSmbios(TableWithItems(2, 91, {{8, 4}}));
     keyboard = plugin().CreateKeyboard(plugin().CreateKeyboardController());
   }
-  ~Slots() override {
+  void TearDown() override {
     if (keyboard != nullptr) CallSlot(keyboard, 34);  // the deleting twin of slot 33
   }
 
@@ -98,7 +98,7 @@ class Slots : public PluginTest {
     keyboard = nullptr;
   }
 
-  RGBControllerInterface* keyboard;
+  RGBControllerInterface* keyboard = nullptr;
 };
 
 const std::vector<std::wstring> kColorPath = {L"SetGamingLED",   L"SetGamingKBBacklight", L"SetGamingRgbKb",
@@ -153,10 +153,10 @@ TEST_F(Slots, BuffersAreWrittenAndReadAtTheirPositions) {
 TEST_F(Slots, ListenersAndRequestsAnswerAtTheirPositions) {
   std::array<int, 2> heard{};
   const ChangeListenerFn listener = [](void* count) { ++*static_cast<int*>(count); };
-  CallSlot(keyboard, 17, listener, static_cast<void*>(&heard[0]));
+  CallSlot(keyboard, 17, listener, static_cast<void*>(heard.data()));
   CallSlot(keyboard, 17, listener, static_cast<void*>(&heard[1]));
   CallSlot(keyboard, 20);
-  CallSlot(keyboard, 18, static_cast<void*>(&heard[0]));
+  CallSlot(keyboard, 18, static_cast<void*>(heard.data()));
   CallSlot(keyboard, 21);
   CallSlot(keyboard, 19);
   CallSlot(keyboard, 20);

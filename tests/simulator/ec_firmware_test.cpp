@@ -85,6 +85,7 @@ TEST(EcFirmwareTest, RefusalNamesTheByteAndChangesNothing) {
       {"SetGamingLED", L"8", "the input is text, must be bytes"},
       {"SetGamingKBBacklight", Padded({8, 7, 30, 0, 2, 255, 0, 0, 3, 1}), "byte 0 is 8, effects are 0 to 7"},
       {"SetGamingKBBacklight", Padded({1, 7, 30, 0, 2, 255, 0, 0, 1, 1}), "byte 8 is 1, must be 3"},
+      {"SetGamingKBBacklight", Padded({1, 7, 30, 0, 2, 255, 0, 0, 3, 2}), "byte 9 is 2, must be 1"},
       {"SetGamingKBBacklight", Padded({1, 7, 30, 0, 2, 255, 0, 0, 3, 3}), "byte 9 is 3, but there is no light bar"},
       {"SetGamingKBBacklight", Padded({1, 7, 30, 0, 2, 255, 0, 0, 3, 1, 1}), "byte 10 is 1, must be 0"},
       {"SetGamingKBBacklight", Padded({1, 7, 30, 0, 2, 255, 0, 0, 3, 1}, 15), "the packet has 15 bytes, must have 16"},
