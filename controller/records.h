@@ -66,7 +66,7 @@ struct ZoneRecord {
   std::string label;
   std::int32_t zone_kind = 0;
 
-  // Derived from the order of the zones and their LED counts by RebindZoneStorage, and by nothing else.
+  // Derived from the order of the zones and their LED counts by BindZoneStorage, and by nothing else.
   LedRecord* led_view = nullptr;      // the zone's first LED in `led_list`, or none
   PackedColor* color_view = nullptr;  // the zone's first colour in `color_table`, or none
   std::uint32_t first_index = 0;      // position of both

@@ -4,9 +4,10 @@
 /// nothing is added that would move a slot. With compilers of the Itanium ABI the virtual destructor takes two
 /// entries, 33 (complete) and 34 (deleting); with Microsoft's compiler it takes one, 33.
 ///
-/// Threads: a host may call any slot on any of its threads, except that slots 17 to 19 are not for use while a
-/// notification runs, and that the destructor needs the controller to itself. Slots 27 to 30 talk to the hardware
-/// and return when it has answered; all others return at once.
+/// Threads: a host may call any slot on any of its threads, except that slots 17 to 19 take no lock, so that they need
+/// the listeners to themselves (one thread at a time, and none that notifies: slots 20 and 21), and that the destructor
+/// needs the controller to itself. Slots 27 to 30 talk to the hardware and return when it has answered; all others
+/// return at once.
 ///
 /// Errors: device errors are never thrown and never reported here. What can leave a slot is the standard
 /// out-of-memory exception, and the records are as they were when it does.
@@ -14,8 +15,8 @@
 /// Requests (slots 6, 21, 22) are carried out by the controller's worker thread, which sends whatever the records
 /// hold at that moment. Requests of one kind coalesce, and one that is raised while the hardware operation of its
 /// kind is running is absorbed by it. So change the records first and ask once; after a series of changes, end with
-/// slot 27 or 30 on your own thread, which returns when the last value has been sent. Do the same before destroying: of
-/// what is requested while the worker is busy, nothing is sure to be carried out any more.
+/// slot 27 or 30 on your own thread, which returns when the last value has been sent. Do the same before destroying: a
+/// request raised while the worker is busy may die with the controller.
 ///
 /// Buffers: a buffer handed out belongs to the caller, who releases it with `delete[]`. A buffer handed in stays the
 /// caller's; its first four bytes (little-endian) bound what is read of it (the one-colour packet is always 8 bytes).

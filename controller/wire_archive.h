@@ -135,7 +135,7 @@ class ReadArchive {
     position_ += length;
   }
 
-  /// Appends the list's entries, once it is plain that the rest of the buffer is long enough for them.
+  /// Appends the list's entries, unless it is plain from the start that the buffer cannot hold as many.
   template <typename Entry, typename EntryFields, typename FieldsBetween = decltype(kNothingBetween)>
   void List(std::vector<Entry>& list, EntryFields entry_fields, FieldsBetween fields_between = {}) {
     std::uint16_t count = 0;

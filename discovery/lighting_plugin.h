@@ -1,8 +1,8 @@
 /// All exports of the lighting plug-in, for hosts. They are to be found by name in the loaded library; the names stand
 /// in exports.def.
 ///
-/// Keep the library loaded while any of its objects lives. A process that has turned logging on had better keep it to its
-/// end: the log is never given up, and a library loaded again starts another one.
+/// Keep the library loaded while any of its objects lives. A process that has turned logging on had better keep it to
+/// its end: the log is never given up, and a library loaded again starts another one.
 #pragma once
 
 #include "controller/rgb_controller_interface.h"

@@ -7,8 +7,8 @@ class InfoLog {
  public:
   explicit InfoLog(const wchar_t* function_tag) : function_tag_(function_tag) {}
 
-  /// Writes one line; `format` as for FormatWide, cut at 1000 characters. A line for which there is no memory is lost,
-  /// so that it does not take with it what it tells of.
+  /// Writes one line; `format` as for FormatWide, cut at 1000 characters. A line for which there is no memory is lost:
+  /// a light must not fail because its log line did.
   void operator()(const wchar_t* format, ...) const;
 
  private:

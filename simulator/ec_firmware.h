@@ -93,7 +93,7 @@ class EcFirmware {
 
   /// SetGamingLED: byte 0 is 8, byte 5 holds one switch bit per zone.
   Answer SwitchZones(const Input& input);
-  /// GetGamingLED: where the version in use puts it, a light bar that is there shows as bytes other than 0 and 255.
+  /// GetGamingLED: where the version in use puts it, a light bar that is there shows as bytes of 1.
   Answer ReportLights(const Input& input);
   /// SetGamingKBBacklight: effect, speed, brightness, 0, direction, red, green, blue, 3, target (1 the keyboard, 3 the
   /// light bar too), six times 0. Effect 0 with nothing but a brightness gives the zones back their own colours; with

@@ -27,6 +27,6 @@ class Complaint : public std::runtime_error {
 };
 
 /// Writes "zarnctl: <line>" to stderr.
-void Complain(const std::string& line);
+void Complain(std::string line);
 
 }  // namespace zarnctl

@@ -47,7 +47,8 @@ struct Step {
 /// `mode` with settings that differ from step to step, all within its ranges.
 ModeRecord Varied(ModeRecord mode, std::size_t number) {
   const auto value = static_cast<std::uint32_t>(number);
-  mode.speed_setting = mode.speed_lowest + 4 * value % (mode.speed_highest - mode.speed_lowest + 1);
+  const std::uint64_t speeds = std::uint64_t{mode.speed_highest} - mode.speed_lowest + 1;
+  mode.speed_setting = mode.speed_lowest + static_cast<std::uint32_t>(4 * number % speeds);
   mode.brightness_setting = std::clamp(100 - 10 * (value % 5), mode.brightness_lowest, mode.brightness_highest);
   if (const auto directions = DirectionsOf(mode); !directions.empty()) {
     mode.direction_setting = directions[number % directions.size()];

@@ -1,5 +1,6 @@
 #include "zarnctl/device.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "controller/description_format.h"
@@ -11,14 +12,23 @@ namespace {
 
 constexpr std::uint32_t kProtocolVersion = 3;  // the first with brightness
 
+/// Whether everything that counts on the description can: an active mode, and ranges that are the right way up.
+bool IsUsable(const ControllerRecords& records) {
+  const bool has_active_mode =
+      records.current_mode >= 0 && static_cast<std::size_t>(records.current_mode) < records.mode_list.size();
+  return has_active_mode && std::ranges::all_of(records.mode_list, [](const ModeRecord& mode) {
+           return mode.speed_lowest <= mode.speed_highest && mode.brightness_lowest <= mode.brightness_highest;
+         });
+}
+
 }  // namespace
 
 ControllerRecords Device::Describe() const {
   const std::unique_ptr<std::uint8_t[]> buffer(controller_->PackDescription(kProtocolVersion));
   std::size_t size = 0;
-  for (std::size_t i = 0; i < 4; ++i) size |= std::size_t{buffer[i]} << 8 * i;
+  for (std::size_t i = 0; buffer != nullptr && i < 4; ++i) size |= std::size_t{buffer[i]} << 8 * i;
   ControllerRecords records;
-  if (!UnpackDescription(records, {buffer.get(), size}, kProtocolVersion)) {
+  if (!UnpackDescription(records, {buffer.get(), size}, kProtocolVersion) || !IsUsable(records)) {
     throw Complaint(ExitCode::Failed, "the plug-in's description of the device cannot be read");
   }
   return records;

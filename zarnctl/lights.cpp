@@ -19,7 +19,8 @@ PackedColor OwnColor(const ModeRecord& mode) {
   return mode.color_source == ColorSource::ModeColors && !mode.mode_colors.empty() ? mode.mode_colors.front() : 0;
 }
 
-/// By direction setting: the firmware counts from 1, with the first two changed over.
+/// By direction setting: the firmware counts from 1, with the first two changed over. Written down here once more,
+/// because a check that asked the plug-in would find it right in any case.
 constexpr std::array<std::uint8_t, 6> kFirmwareDirections{2, 1, 3, 4, 5, 6};
 
 bool ShowsEffect(const KeyboardLights& lights, const ModeRecord& mode) {

@@ -12,7 +12,7 @@
 namespace zarnctl {
 
 /// Stays loaded to the end of the process, whatever becomes of this object: the diagnostic log that the plug-in opens
-/// lives as long, and code that has been unloaded could not close it.
+/// lives as long, and a library loaded again would start another one.
 class Plugin {
  public:
   /// Loads `file`, or, when it is empty, the plug-in that the program was built or installed with. Throws Complaint.

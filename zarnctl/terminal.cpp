@@ -26,14 +26,16 @@ void OnEndingSignals(void (*handler)(int), int flags) {
   struct sigaction action {};
   action.sa_handler = handler;
   action.sa_flags = flags;
-  for (const int signal : {SIGINT, SIGTERM}) sigaction(signal, &action, nullptr);
+  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) sigaction(signal, &action, nullptr);
 }
 
 }  // namespace
 
 bool StdoutShowsColors() {
   const char* const no_color = std::getenv("NO_COLOR");
-  return isatty(STDOUT_FILENO) == 1 && (no_color == nullptr || *no_color == '\0');
+  const char* const terminal = std::getenv("TERM");
+  const bool is_dumb = terminal != nullptr && std::string_view(terminal) == "dumb";
+  return isatty(STDOUT_FILENO) == 1 && !is_dumb && (no_color == nullptr || *no_color == '\0');
 }
 
 LiveDrawing::LiveDrawing() {

@@ -214,7 +214,7 @@ TEST(DescriptionFormat, SmallBufferCannotAskForMuchMemory) {
     ArmAllocationFaults(UINT64_MAX / 2, false);
     EXPECT_EQ(UnpackDescription(records, bytes, 3), expected);
     DisarmAllocationFaults();
-    EXPECT_LE(BytesRequestedWhileArmed(), 16 * bytes.size() + 256 * 1024);
+    EXPECT_LE(BytesRequestedWhileArmed(), 16 * bytes.size() + 262144);
   };
   // Counts without entries behind them; and a zone that needs all colours there can be.
   requested_for(Description("ff ff"), false);

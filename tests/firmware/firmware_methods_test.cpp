@@ -110,16 +110,16 @@ TEST_F(FirmwareMethods, CallTakesItsStepsWithTheirArgumentsAndGivesAllBackBefore
   });
   EXPECT_EQ(SetGamingRgbKb(1), 1);
   platform::SetJournal(nullptr);
-  EXPECT_EQ(steps, (std::vector<std::string>{
-                       "CoInitializeEx(0)", "CoCreateInstance(1)", "IWbemLocator::ConnectServer(ROOT\\WMI, null, 0)",
-                       "CoSetProxyBlanket(10, 0, null, 3, 3, null, 0)",
-                       "IWbemServices::ExecQuery(WQL, SELECT * FROM ZarnGamingFunction, 48)",
-                       "IEnumWbemClassObject::Next(-1, 1)", "IWbemClassObject::Get(InstanceName)",
-                       "IWbemServices::GetObject(ZarnGamingFunction)", "IWbemClassObject::GetMethod(SetGamingRgbKb)",
-                       "IWbemClassObject::Put(gmInput, 1)",
-                       "IWbemServices::ExecMethod(ZarnGamingFunction.InstanceName=\"ACPI\\\\ZARN\\\\0_0\", "
-                       "SetGamingRgbKb, gmInput=1)",
-                       "IWbemClassObject::Get(gmOutput)", "CoUninitialize()", "Sleep(30)"}));
+  EXPECT_EQ(
+      steps,
+      (std::vector<std::string>{
+          "CoInitializeEx(0)", "CoCreateInstance(1)", "IWbemLocator::ConnectServer(ROOT\\WMI, null, 0)",
+          "CoSetProxyBlanket(10, 0, null, 3, 3, null, 0)",
+          "IWbemServices::ExecQuery(WQL, SELECT * FROM ZarnGamingFunction, 48)", "IEnumWbemClassObject::Next(-1, 1)",
+          "IWbemClassObject::Get(InstanceName)", "IWbemServices::GetObject(ZarnGamingFunction)",
+          "IWbemClassObject::GetMethod(SetGamingRgbKb)", "IWbemClassObject::Put(gmInput, 1)",
+          R"(IWbemServices::ExecMethod(ZarnGamingFunction.InstanceName="ACPI\\ZARN\\0_0", SetGamingRgbKb, gmInput=1))",
+          "IWbemClassObject::Get(gmOutput)", "CoUninitialize()", "Sleep(30)"}));
   EXPECT_EQ(std::vector<std::string>(calls.end() - 6, calls.end()),
             (std::vector<std::string>{"VariantClear", "VariantClear", "IUnknown::Release", "IUnknown::Release",
                                       "CoUninitialize", "Sleep"}));

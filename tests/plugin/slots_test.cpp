@@ -18,7 +18,8 @@ namespace test {
 namespace {
 
 std::vector<std::string> ExportsOfTheLibrary() {
-  const std::unique_ptr<FILE, int (*)(FILE*)> symbols(popen("nm -D --defined-only " ZARN_LIGHTING_PATH, "r"), pclose);
+  const std::unique_ptr<FILE, int (*)(FILE*)> symbols(popen("nm -D --defined-only '" ZARN_LIGHTING_PATH "'", "r"),
+                                                      pclose);
   std::vector<std::string> names;
   char address[64];
   char kind[8];

@@ -28,7 +28,8 @@ class CommandLine : public testing::Test {
   Outcome Run(const std::string& arguments, const std::string& redirection = "") {
     const std::string out = (folder_.path() / "out").string();
     const std::string err = (folder_.path() / "err").string();
-    const std::string command = "ZARN_MACHINE= " ZARNCTL_PATH " " + arguments + " >" + out + " 2>" + err + redirection;
+    const std::string command =
+        "ZARN_MACHINE= '" ZARNCTL_PATH "' " + arguments + " >" + out + " 2>" + err + redirection;
     const int status = std::system(command.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, test::ContentOf(out), test::ContentOf(err)};
   }
