@@ -67,27 +67,6 @@ TEST_F(ManagementServiceTest, UnknownClassHasNoInstancesAndOddQueriesAreRefused)
   }
 }
 
-TEST_F(ManagementServiceTest, FirmwareCallIsJournaledInFull) {
-  const platform::NamedValues out{{L"gmOutput", platform::Bytes{0x0A, 0xFF}}, {L"gmReturn", std::uint64_t{16}}};
-  machine->answer = [&out](const test::FirmwareCall&) { return platform::FirmwareAnswer{S_OK, out}; };
-  const Session session;
-  const auto in = session.InParameters(L"SetGamingLED");
-  OwnedVariant input(platform::Bytes{1, 7, 0x1E});
-  EXPECT_EQ(in->Put(L"gmInput", 0, &input, 0), S_OK);
-  std::vector<platform::JournalEntry> journal;
-  platform::SetJournal([&](const platform::JournalEntry& entry) {
-    if (entry.call == "IWbemServices::ExecMethod") journal.push_back(entry);
-  });
-  EXPECT_NE(session.Run(kPath, L"setgamingled", in.get()), nullptr);
-  EXPECT_EQ(session.Run(L"", L"x"), nullptr);
-  platform::SetJournal({});
-  ASSERT_EQ(journal.size(), 2U);
-  EXPECT_EQ(journal[0].arguments,
-            R"(ZarnGamingFunction.InstanceName="ACPI\\ZARN\\0_0", setgamingled, gmInput=01 07 1e)");
-  EXPECT_EQ(journal[0].result, "0x00000000, gmOutput=0a ff, gmReturn=16");
-  EXPECT_EQ(journal[1].result, "0x80041017");
-}
-
 TEST_F(ManagementServiceTest, FirmwareRunsOnlyForAnExactPathAndAKnownMethod) {
   machine->firmware.instance_names = {std::uint32_t{5}, L"A\\B"};
   machine->firmware.methods.push_back({L"NoInput", false});

@@ -100,7 +100,7 @@ Bytes DescriptionAt(std::uint32_t version, const std::string& total_size) {
   return Hex(total_size + " " + text);
 }
 
-TEST_F(EcKeyboard, DescriptionHasItsBytesAtEveryVersion) {
+TEST_F(EcKeyboard, DescriptionHasItsBytesAtEveryVersionAndIsReadWholeOrNotAtAll) {
   keyboard->StoreLedColor(0, 0x0000FF);
   keyboard->StoreLedColor(1, 0x00FF00);
   keyboard->StoreLedColor(2, 0xFF0000);
@@ -108,6 +108,13 @@ TEST_F(EcKeyboard, DescriptionHasItsBytesAtEveryVersion) {
   EXPECT_EQ(Take(keyboard->PackDescription(0)), DescriptionAt(0, "ce 02 00 00"));
   EXPECT_EQ(Take(keyboard->PackDescription(1)), DescriptionAt(1, "d5 02 00 00"));
   EXPECT_EQ(Take(keyboard->PackDescription(3)), DescriptionAt(3, "41 03 00 00"));
+  Bytes cut = DescriptionAt(3, "41 03 00 00");
+  while (!cut.empty()) {
+    cut.pop_back();
+    ControllerRecords records;
+    EXPECT_FALSE(UnpackDescription(records, ExactBlock(cut).view(), 3)) << cut.size();
+    EXPECT_TRUE(records.mode_list.empty());
+  }
   EXPECT_EQ(Wire(), "");
 }
 

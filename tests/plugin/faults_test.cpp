@@ -96,7 +96,7 @@ TEST_F(Faults, SlotsThatRunOutOfMemoryChangeNothing) {
   FailInTurn([&] { keyboard->UnpackDescription(before.data(), 3); }, check);
   FailInTurn([&] { keyboard->DefineLayout(); }, check);
   keyboard->AddChangeListener([](void*) {}, nullptr);
-  FailInTurn([&] { keyboard->RequestColorPush(); },
+  FailInTurn([&] { keyboard->NotifyChangeListeners(); },
              [](const FaultRun& run) { EXPECT_EQ(run.threw_bad_alloc, run.met); });
 }
 

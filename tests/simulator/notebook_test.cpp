@@ -42,15 +42,6 @@ class NotebookMachineTest : public ::testing::Test {
   const std::shared_ptr<platform::Machine> machine_ = MakeMachine(notebook_);
 };
 
-TEST_F(NotebookMachineTest, FirmwareAnswersUnderTheParameterNames) {
-  EXPECT_EQ(Call(L"SetGamingRgbKb", {{L"gmInput", L"65281"}}).out,
-            (platform::NamedValues{{L"gmOutput", std::uint32_t{0}}}));
-  EXPECT_EQ(notebook_->Lights().zones[0].color, (Color{0xFF, 0, 0}));
-  EXPECT_EQ(Call(L"GetGamingLED", {{L"gmInput", L"16"}}).out,
-            (platform::NamedValues{{L"gmOutput", Bytes{0, 0, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0, 0, 0}},
-                                   {L"gmReturn", std::uint64_t{0}}}));
-}
-
 TEST_F(NotebookMachineTest, RefusedInputIsOnTheWireAndUnusableInputIsNot) {
   for (const platform::NamedValues& in :
        {platform::NamedValues{}, {{L"gmInput", std::uint32_t{16}}}, {{L"gmInput", L"17"}}}) {

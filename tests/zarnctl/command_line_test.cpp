@@ -10,7 +10,6 @@
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "tests/support/temporary_folder.h"
 
@@ -91,14 +90,7 @@ TEST_F(CommandLine, WhatCannotBeLoadedOrWrittenExitsWithOne) {
   EXPECT_EQ(full.err, "zarnctl: the output cannot be written\n");
 }
 
-TEST_F(CommandLine, SetAndLedsSendWhatIsAskedAndShowItsLights) {
-  const Outcome outcome =
-      Run("--trace set ZarnECKeyboard --mode breathing --speed 7 --brightness 30 --color ff0000 --machine four-zone");
-  EXPECT_EQ(outcome.exit_code, 0);
-  EXPECT_EQ(outcome.out, "keyboard: brightness 30, BREATHING speed 7 direction 2 colour #ff0000\n");
-  EXPECT_NE(outcome.err.find("SetGamingKBBacklight, gmInput=01 07 1e 00 02 ff 00 00 03 01 00 00 00 00 00 00"),
-            std::string::npos)
-      << outcome.err;
+TEST_F(CommandLine, SetAndLedsShowTheLightsThatTheyAskedFor) {
   EXPECT_EQ(Run("set ZarnECKeyboard --mode static --brightness 80 --color 00ff00 --machine one-zone").out,
             "keyboard: brightness 80\nzone 1: #00ff00\n");
   EXPECT_EQ(Run("leds ZarnECKeyboard ff0000 00ff00 0000ff 000000 --machine old-firmware").out,
@@ -111,33 +103,20 @@ TEST_F(CommandLine, PacketLogAndLightsOfOneSetAgree) {
       "environment.PROGRAMDATA = '" +
       folder_.path().string() + "'\n");
   const Outcome outcome =
-      Run("--trace set ZarnECKeyboard --mode BREATHING --speed 7 --brightness 30 --color ff0000 --machine " + machine);
+      Run("--trace set ZarnECKeyboard --mode breathing --speed 7 --brightness 30 --color ff0000 --machine " + machine);
   EXPECT_EQ(outcome.out, "keyboard: brightness 30, BREATHING speed 7 direction 2 colour #ff0000\n");
   EXPECT_EQ(outcome.err,
             "trace: ZarnGamingFunction.InstanceName=\"ACPI\\\\PNP0C14\\\\ZARN_0\", SetGamingKBBacklight, "
             "gmInput=01 07 1e 00 02 ff 00 00 03 01 00 00 00 00 00 00 -> 0x00000000, gmOutput=0\n");
   std::istringstream log(LogText());
-  std::vector<std::string> messages;
-  for (std::string line; std::getline(log, line);) messages.push_back(line.substr(line.rfind(" | ") + 3));
-  const std::vector<std::string> expected = {"Enter!!\r",
-                                             "mode=1, speed=7, direction=2, brightness=30, color= (0XFF,0X0,0X0)\r",
-                                             "input_data[0] = 0X1\r",
-                                             "input_data[1] = 0X7\r",
-                                             "input_data[2] = 0X1E\r",
-                                             "input_data[3] = 0X0\r",
-                                             "input_data[4] = 0X2\r",
-                                             "input_data[5] = 0XFF\r",
-                                             "input_data[6] = 0X0\r",
-                                             "input_data[7] = 0X0\r",
-                                             "input_data[8] = 0X3\r",
-                                             "input_data[9] = 0X1\r",
-                                             "input_data[10] = 0X0\r",
-                                             "input_data[11] = 0X0\r",
-                                             "input_data[12] = 0X0\r",
-                                             "input_data[13] = 0X0\r",
-                                             "input_data[14] = 0X0\r",
-                                             "input_data[15] = 0X0\r"};
-  EXPECT_EQ(messages, expected);
+  std::string messages;
+  for (std::string line; std::getline(log, line);) messages += line.substr(line.rfind(" | ") + 3);
+  EXPECT_EQ(messages,
+            "Enter!!\rmode=1, speed=7, direction=2, brightness=30, color= (0XFF,0X0,0X0)\r"
+            "input_data[0] = 0X1\rinput_data[1] = 0X7\rinput_data[2] = 0X1E\rinput_data[3] = 0X0\r"
+            "input_data[4] = 0X2\rinput_data[5] = 0XFF\rinput_data[6] = 0X0\rinput_data[7] = 0X0\r"
+            "input_data[8] = 0X3\rinput_data[9] = 0X1\rinput_data[10] = 0X0\rinput_data[11] = 0X0\r"
+            "input_data[12] = 0X0\rinput_data[13] = 0X0\rinput_data[14] = 0X0\rinput_data[15] = 0X0\r");
 }
 
 TEST_F(CommandLine, LightsThatDoNotFollowExitWithFour) {
