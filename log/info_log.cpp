@@ -8,11 +8,11 @@
 #include "log/ts_log.h"
 
 void InfoLog::operator()(const wchar_t* format, ...) const {
-  std::array<wchar_t, 1000> message{};
   std::va_list arguments;
   va_start(arguments, format);
   try {
     if (TsLog* const log = TsLog::GetInstance()) {
+      std::array<wchar_t, 1000> message{};
       FormatWide(message.data(), message.size(), format, arguments);
       log->WriteLine(TsLog::Info, function_tag_, message.data());
     }
