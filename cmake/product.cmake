@@ -4,7 +4,7 @@ include_guard()
 # On Windows the platform is what the linker knows it by; elsewhere it is our layer.
 add_library(zarn_platform_door INTERFACE)
 if(WIN32)
-  target_link_libraries(zarn_platform_door INTERFACE wbemuuid ole32 oleaut32 dbghelp advapi32)
+  target_link_libraries(zarn_platform_door INTERFACE wbemuuid ole32 oleaut32 dbghelp advapi32 hid setupapi)
 else()
   target_link_libraries(zarn_platform_door INTERFACE zarn_platform)
 endif()

@@ -25,14 +25,42 @@ RGBController::RGBController() {
   update_worker.Start([this] { RunWorker(); });
 }
 
-void RGBController::AppendZone(ZoneRecord zone, const std::vector<LedRecord>& leds) {
+void RGBController::AppendZone(const std::string& label, std::uint32_t led_count) {
+  ZoneRecord zone;
+  zone.label = label;
+  zone.zone_kind = ZoneKind::Linear;
+  zone.led_total = zone.led_total_min = zone.led_total_max = led_count;
+
   const std::lock_guard lock(records_lock);
   ControllerRecords updated = *this;
   updated.zone_list.push_back(std::move(zone));
-  updated.led_list.insert(updated.led_list.end(), leds.begin(), leds.end());
+  for (std::uint32_t i = 1; i <= led_count; ++i) {
+    updated.led_list.push_back({.label = label + " " + std::to_string(i)});
+  }
   BindZoneStorage(updated);
   static_cast<ControllerRecords&>(*this) = std::move(updated);
   RebindZoneStorage();
+}
+
+void RGBController::ActivateFirstMode() {
+  const std::lock_guard lock(records_lock);
+  current_mode = 0;
+}
+
+std::optional<ModeRecord> RGBController::ActiveMode() {
+  const std::lock_guard lock(records_lock);
+  if (current_mode < 0 || static_cast<std::size_t>(current_mode) >= mode_list.size()) return std::nullopt;
+  return mode_list[static_cast<std::size_t>(current_mode)];
+}
+
+std::vector<PackedColor> RGBController::Colors() {
+  const std::lock_guard lock(records_lock);
+  return color_table;
+}
+
+std::uint32_t RGBController::ColorBrightness() {
+  const std::lock_guard lock(records_lock);
+  return mode_list.empty() ? 0 : mode_list.front().brightness_setting;
 }
 
 void RGBController::RebindZoneStorage() {

@@ -7,10 +7,13 @@
 /// way round.
 ///
 /// The worker calls a device's slots 27 and 30 on its own thread. So a device class is final, and its destructor first
-/// calls StopWorker, before it releases what those slots use; nothing may escape from them.
+/// calls StopWorker, before it releases what those slots use; nothing may escape from them: see Quietly.
 #pragma once
 
+#include <cstdint>
 #include <mutex>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "controller/records.h"
@@ -60,9 +63,27 @@ class RGBController : public RGBControllerInterface, protected ControllerRecords
   /// Stops and joins the worker; see UpdateWorker::Stop. The first act of a device class's destructor.
   void StopWorker() { update_worker.Stop(); }
 
-  /// Appends one zone with its LEDs and rebinds the storage, for DefineLayout. Nothing has changed when memory runs
-  /// out.
-  void AppendZone(ZoneRecord zone, const std::vector<LedRecord>& leds);
+  /// Appends one zone of `led_count` LEDs in a row, labelled "<label> 1", "<label> 2" and so on, and rebinds the
+  /// storage, for DefineLayout. Nothing has changed when memory runs out.
+  void AppendZone(const std::string& label, std::uint32_t led_count);
+
+  /// What slot 32 is on every device.
+  void ActivateFirstMode();
+
+  /// Copies of what a push needs.
+  std::optional<ModeRecord> ActiveMode();  // nothing while the active index is outside the list
+  std::vector<PackedColor> Colors();
+  /// The brightness of colours that are sent LED by LED: that of the first mode, whichever is active.
+  std::uint32_t ColorBrightness();
+
+  /// Runs a push. There is nobody to tell of an error, on the worker least of all, so none is let out.
+  template <typename Push>
+  static void Quietly(Push push) {
+    try {
+      push();
+    } catch (...) {
+    }
+  }
 
   /// Recursive, because slots call slots.
   std::recursive_mutex records_lock;

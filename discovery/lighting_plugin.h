@@ -6,4 +6,6 @@
 #pragma once
 
 #include "controller/rgb_controller_interface.h"
+#include "discovery/check_device_status.h"
 #include "ec/ec_factories.h"
+#include "hidkeyboard/hid_keyboard_factories.h"

@@ -9,14 +9,18 @@
 #include "platform/export.h"
 
 class RGBControllerInterface;
+class ZarnECGlobalController;
 class ZarnECKeyboardController;
 
 extern "C" {
 
 /// Reads the firmware's record of the EC keyboard. May take as long as the management service does.
 ZARN_EXPORT ZarnECKeyboardController* CreateZarnECKeyboardControllerClassInstance();
-
 /// The generic controller around `controller`; null for null. Destroyed through its virtual destructor.
 ZARN_EXPORT RGBControllerInterface* CreateRGBController_ZarnECKeyboardClassInstance(
     ZarnECKeyboardController* controller);
+
+/// The same pair for the whole-device light.
+ZARN_EXPORT ZarnECGlobalController* CreateZarnECGlobalControllerClassInstance();
+ZARN_EXPORT RGBControllerInterface* CreateRGBController_ZarnECGlobalClassInstance(ZarnECGlobalController* controller);
 }

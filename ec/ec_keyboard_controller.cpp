@@ -68,13 +68,8 @@ void ZarnECKeyboardController::SendColors(const PackedColor* colors, std::uint32
 std::int32_t ZarnECKeyboardController::SetMode(std::uint8_t effect, std::uint16_t speed, std::uint16_t direction,
                                                std::uint16_t brightness, std::uint8_t red, std::uint8_t green,
                                                std::uint8_t blue) {
-  const InfoLog log(L"ZarnECKeyboardController::SetMode");
-  log(L"Enter!!");
-  log(L"mode=%d, speed=%d, direction=%d, brightness=%d, color= (0X%X,0X%X,0X%X)", effect, speed, direction, brightness,
-      red, green, blue);
-  const EffectPacket packet =
-      MakeEffectPacket({effect, speed, direction, brightness, red, green, blue}, kTargetKeyboard);
-  for (std::size_t i = 0; i < packet.size(); ++i) log(L"input_data[%d] = 0X%X", static_cast<int>(i), packet[i]);
+  const EffectSettings settings{effect, speed, direction, brightness, red, green, blue};
+  const EffectPacket packet = MakeLoggedEffectPacket(L"ZarnECKeyboardController::SetMode", settings, kTargetKeyboard);
   std::uint64_t output = 0;
   return SetGamingKBBacklight(packet.data(), &output);
 }

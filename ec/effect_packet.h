@@ -8,6 +8,7 @@ using EffectPacket = std::array<std::uint8_t, 16>;
 
 /// What byte 9 tells the firmware the packet is for.
 inline constexpr std::uint8_t kTargetKeyboard = 1;
+inline constexpr std::uint8_t kTargetKeyboardAndLightBar = 3;
 
 struct EffectSettings {
   std::uint8_t effect = 0;
@@ -32,3 +33,6 @@ constexpr EffectPacket MakeEffectPacket(const EffectSettings& settings, std::uin
           3,
           target};
 }
+
+/// The packet of an effect that was asked for under `function_tag`: the log gets the request and then every byte.
+EffectPacket MakeLoggedEffectPacket(const wchar_t* function_tag, const EffectSettings& settings, std::uint8_t target);

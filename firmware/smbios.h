@@ -28,10 +28,14 @@ struct stSMBiosType172 {
   std::array<std::uint16_t, 256> itemValues{};
 };
 
-/// Items that tell of lighting hardware.
+/// Items that tell of lighting hardware, and what their values mean.
 inline constexpr std::uint8_t kItemKeyboardZones = 8;  // 0 none; 1, 3 or 4 zones
-inline constexpr std::uint8_t kItemRgbKeyboard = 10;   // 1 no, 2 yes
-inline constexpr std::uint8_t kItemLightBar = 23;      // 1 yes, 2 none
+inline constexpr std::uint8_t kItemRgbKeyboard = 10;
+inline constexpr std::uint16_t kRgbKeyboardNone = 1;
+inline constexpr std::uint16_t kRgbKeyboardThere = 2;
+inline constexpr std::uint8_t kItemLightBar = 23;
+inline constexpr std::uint16_t kLightBarThere = 1;
+inline constexpr std::uint16_t kLightBarNone = 2;
 
 /// Reads the table through the management service, anew each time; 1 when `data` and `length` hold it, else 0 and they
 /// hold nothing. May block as long as the service does. Throws std::bad_alloc.

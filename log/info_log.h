@@ -5,7 +5,7 @@
 /// switched on at any time.
 class InfoLog {
  public:
-  explicit InfoLog(const wchar_t* function_tag) : function_tag_(function_tag) {}
+  constexpr explicit InfoLog(const wchar_t* function_tag) : function_tag_(function_tag) {}
 
   /// Writes one line; `format` as for FormatWide, cut at 1000 characters. A line for which there is no memory is lost:
   /// a light must not fail because its log line did.

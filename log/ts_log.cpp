@@ -2,7 +2,6 @@
 
 #include <array>
 #include <atomic>
-#include <cstdarg>
 #include <cwchar>
 #include <fstream>
 #include <iterator>
@@ -12,7 +11,7 @@
 #include <utility>
 
 #include "log/format.h"
-#include "platform/registry.h"
+#include "log/service_switch.h"
 
 namespace {
 
@@ -22,16 +21,6 @@ constexpr wchar_t kSwitchValue[] = L"ZarnLightingService";
 constexpr wchar_t kLogFolder[] = L"OEM\\ZarnLightingService\\Log";
 
 using PathBuffer = std::array<wchar_t, MAX_PATH>;
-
-bool SwitchIsOn() {
-  DWORD number = 0xFFFFFFFF;
-  HKEY key = nullptr;
-  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kSwitchKey, 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
-  DWORD size = sizeof(number);
-  RegQueryValueExW(key, kSwitchValue, nullptr, nullptr, reinterpret_cast<LPBYTE>(&number), &size);
-  RegCloseKey(key);
-  return number == 1;
-}
 
 /// The machine's program-data folder, empty when it is not set; nothing when it is too long for a path.
 std::optional<std::wstring> ProgramDataFolder() {
@@ -45,15 +34,6 @@ std::wstring UserName() {
   PathBuffer buffer{};
   auto size = static_cast<DWORD>(buffer.size());
   return GetUserNameW(buffer.data(), &size) != 0 ? std::wstring(buffer.data()) : std::wstring();
-}
-
-std::wstring Formatted(const wchar_t* format, ...) {
-  std::array<wchar_t, 64> buffer{};
-  std::va_list arguments;
-  va_start(arguments, format);
-  FormatWide(buffer.data(), buffer.size(), format, arguments);
-  va_end(arguments);
-  return buffer.data();
 }
 
 SYSTEMTIME LocalTime() {
@@ -118,7 +98,7 @@ TsLog* TsLog::GetInstance() {
   static std::mutex creation_lock;
 
   if (TsLog* const log = instance.load(std::memory_order_acquire)) return log;
-  if (!SwitchIsOn()) return nullptr;
+  if (!ServiceSwitchIsOn(kSwitchKey, kSwitchValue)) return nullptr;
   const std::lock_guard lock(creation_lock);
   if (instance == nullptr) instance = Create();
   return instance;

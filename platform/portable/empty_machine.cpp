@@ -46,4 +46,8 @@ FirmwareAnswer EmptyMachine::CallFirmware(const std::wstring& /*instance_name*/,
   return {.status = WBEM_E_INVALID_METHOD, .out = {}};
 }
 
+std::vector<HidDevice> EmptyMachine::HidDevices() { return {}; }
+
+OpenedHidDevice EmptyMachine::OpenHidDevice(const std::wstring& /*path*/) { return {}; }
+
 }  // namespace platform

@@ -19,6 +19,8 @@ class EmptyMachine : public Machine {
   std::optional<FirmwareClass> FindFirmwareClass() override;
   FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,
                               const NamedValues& in) override;
+  std::vector<HidDevice> HidDevices() override;
+  OpenedHidDevice OpenHidDevice(const std::wstring& path) override;
 };
 
 }  // namespace platform

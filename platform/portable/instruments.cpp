@@ -97,7 +97,10 @@ LiveCounts CountLive() {
           .com_objects = g_live.com_objects,
           .texts = g_live.texts,
           .arrays = g_live.arrays,
-          .registry_keys = g_live.registry_keys};
+          .registry_keys = g_live.registry_keys,
+          .device_sets = g_live.device_sets,
+          .device_handles = g_live.device_handles,
+          .preparsed_data = g_live.preparsed_data};
 }
 
 void Complain(std::string_view what) noexcept {

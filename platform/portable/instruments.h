@@ -57,6 +57,9 @@ struct LiveCounts {
   std::int64_t texts = 0;   // BSTRs
   std::int64_t arrays = 0;  // SAFEARRAYs
   std::int64_t registry_keys = 0;
+  std::int64_t device_sets = 0;
+  std::int64_t device_handles = 0;
+  std::int64_t preparsed_data = 0;
 
   friend bool operator==(const LiveCounts&, const LiveCounts&) = default;
 };

@@ -13,6 +13,9 @@ struct LiveCounters {
   std::atomic<std::int64_t> texts{0};
   std::atomic<std::int64_t> arrays{0};
   std::atomic<std::int64_t> registry_keys{0};
+  std::atomic<std::int64_t> device_sets{0};
+  std::atomic<std::int64_t> device_handles{0};
+  std::atomic<std::int64_t> preparsed_data{0};
 };
 
 extern LiveCounters g_live;

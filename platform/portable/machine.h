@@ -1,14 +1,15 @@
 /// What lies under the layer: one computer, real or not.
 ///
 /// Every platform call of the layer ends in the machine in use. A machine answers from any thread, several at
-/// once, and synchronises itself; its answers are values, so nothing of it is kept alive by them. An operation
-/// that throws fails the platform call it serves, in that call's own way.
+/// once, and synchronises itself; its answers are values, but for the connection to a HID device. An operation that
+/// throws fails the platform call it serves, in that call's own way.
 #pragma once
 
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -63,6 +64,36 @@ struct SmbiosTable {
   Value minor;
 };
 
+/// A HID device as the system knows it without asking it anything.
+struct HidDevice {
+  /// Names it while it stays plugged in.
+  std::wstring path;
+  std::uint16_t vendor = 0;
+  std::uint16_t product = 0;
+  std::uint16_t version = 0;
+  Bytes report_descriptor;
+};
+
+/// An opened HID device: that very one, never another that was plugged in at its place. The device itself is first
+/// touched by an exchange. Exchanges may block; several threads may be inside at once. Both answer ERROR_SUCCESS or
+/// the error code of the failure, ERROR_DEVICE_NOT_CONNECTED after an unplug.
+class HidConnection {
+ public:
+  virtual ~HidConnection() = default;
+
+  /// Sends a feature report; byte 0 is its id, or 0 where reports have none.
+  virtual LONG SetFeature(std::span<const std::uint8_t> report) = 0;
+  /// Reads the feature report whose id is byte 0 of `report` into it. What the device leaves out stays as it was.
+  virtual LONG GetFeature(std::span<std::uint8_t> report) = 0;
+};
+
+struct OpenedHidDevice {
+  /// Why it could not be opened, or ERROR_SUCCESS: then there is a connection.
+  LONG error = ERROR_FILE_NOT_FOUND;
+  HidDevice device;
+  std::shared_ptr<HidConnection> connection;
+};
+
 class Machine {
  public:
   virtual ~Machine() = default;
@@ -89,6 +120,12 @@ class Machine {
   /// Runs a method, one of the class's, on one of its instances. May block; two threads may be inside at once.
   virtual FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,
                                       const NamedValues& in) = 0;
+
+  /// The HID devices that are plugged in, in an order that stays as long as they do.
+  virtual std::vector<HidDevice> HidDevices() = 0;
+  /// Opens a device by its path: it must be there, and this process must be allowed to exchange reports with it.
+  /// Exchanges none.
+  virtual OpenedHidDevice OpenHidDevice(const std::wstring& path) = 0;
 };
 
 /// Puts `machine` under the layer, for the whole process. Refuses (false) while anything that platform calls

@@ -1,10 +1,11 @@
 #include <algorithm>
-#include <map>
-#include <mutex>
+#include <optional>
+#include <string>
 
 #include "platform/portable/live_counters.h"
 #include "platform/portable/machine.h"
 #include "platform/portable/no_destructor.h"
+#include "platform/portable/open_things.h"
 #include "platform/portable/platform_call.h"
 #include "platform/portable/registry_api.h"
 #include "platform/portable/text.h"
@@ -16,43 +17,14 @@ constexpr Call<LONG> kRegOpenKeyExW = StatusCall("RegOpenKeyExW", ERROR_FILE_NOT
 constexpr Call<LONG> kRegQueryValueExW = StatusCall("RegQueryValueExW", ERROR_FILE_NOT_FOUND);
 constexpr Call<LONG> kRegCloseKey = SureCall<LONG>("RegCloseKey");
 
-/// The open keys. A token is a number that is handed out once, so that a closed key is never taken for a later one.
-class OpenKeys {
- public:
-  HKEY Add(std::wstring name) {
-    const std::lock_guard lock(mutex_);
-    const std::uintptr_t token = next_token_++;
-    names_.emplace(token, std::move(name));
-    ++g_live.registry_keys;
-    return reinterpret_cast<HKEY>(token);
-  }
-
-  std::optional<std::wstring> Name(HKEY key) {
-    const std::lock_guard lock(mutex_);
-    const auto found = names_.find(reinterpret_cast<std::uintptr_t>(key));
-    return found != names_.end() ? std::optional(found->second) : std::nullopt;
-  }
-
-  bool Remove(HKEY key) {
-    const std::lock_guard lock(mutex_);
-    if (names_.erase(reinterpret_cast<std::uintptr_t>(key)) == 0) return false;
-    --g_live.registry_keys;
-    return true;
-  }
-
- private:
-  std::mutex mutex_;
-  std::uintptr_t next_token_ = 0x100000000;  // above the predefined keys
-  std::map<std::uintptr_t, std::wstring> names_;
-};
-
-OpenKeys& Keys() {
-  static NoDestructor<OpenKeys> keys;
+/// The names of the open keys.
+OpenThings<std::wstring>& Keys() {
+  static NoDestructor<OpenThings<std::wstring>> keys(g_live.registry_keys);
   return *keys;
 }
 
 std::string DescribedKey(HKEY key) {
-  const auto name = Keys().Name(key);
+  const auto name = Keys().Find(key);
   return name ? ReadableUtf8(*name) : "not open";
 }
 
@@ -74,7 +46,7 @@ LONG CopyOut(const Bytes& bytes, LPBYTE data, DWORD& size) {
 
 LONG Query(HKEY key, LPCWSTR name, LPDWORD type, LPBYTE data, LPDWORD size) {
   if (data != nullptr && size == nullptr) return ERROR_INVALID_PARAMETER;
-  const auto key_name = Keys().Name(key);
+  const auto key_name = Keys().Find(key);
   if (!key_name) {
     Complain("RegQueryValueExW of a key that is not open");
     return ERROR_INVALID_HANDLE;

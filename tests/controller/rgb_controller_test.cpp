@@ -21,11 +21,7 @@ namespace {
 class Device final : public RGBController {
  public:
   explicit Device(const std::vector<std::uint32_t>& zone_leds = {}) {
-    for (const std::uint32_t count : zone_leds) {
-      ZoneRecord zone;
-      zone.led_total = count;
-      AppendZone(zone, std::vector<LedRecord>(count));
-    }
+    for (const std::uint32_t count : zone_leds) AppendZone("zone", count);
     mode_list.resize(3);
   }
   Device(const Device&) = delete;

@@ -52,8 +52,12 @@ std::ptrdiff_t ThreadCount() {
 }
 
 TEST(Exports, AreTheNamesOfTheDefinitionAndNothingElse) {
-  EXPECT_EQ(ExportsOfTheLibrary(), (std::vector<std::string>{"CreateRGBController_ZarnECKeyboardClassInstance",
-                                                             "CreateZarnECKeyboardControllerClassInstance"}));
+  EXPECT_EQ(ExportsOfTheLibrary(),
+            (std::vector<std::string>{
+                "CheckDeviceStatus", "CreateRGBController_ZarnECGlobalClassInstance",
+                "CreateRGBController_ZarnECKeyboardClassInstance", "CreateRGBController_ZarnHIDKeyboardClassInstance",
+                "CreateZarnECGlobalControllerClassInstance", "CreateZarnECKeyboardControllerClassInstance",
+                "CreateZarnHIDKeyboardControllerClassInstance"}));
   EXPECT_EQ(ExportsOfTheLibrary(), ExportsOfTheDefinition());
 }
 

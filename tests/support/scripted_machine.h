@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/portable/empty_machine.h"
+#include "tests/support/scripted_hid.h"
 
 namespace test {
 
@@ -45,6 +46,8 @@ class ScriptedMachine : public platform::EmptyMachine {
   std::function<FirmwareAnswer(const FirmwareCall&)> answer = [](const FirmwareCall&) {
     return FirmwareAnswer{S_OK, {{L"gmOutput", std::uint32_t{0}}}};
   };
+  /// Those that are plugged in. One that is taken out, and not held by the test, is gone for its open handles, too.
+  std::vector<std::shared_ptr<ScriptedHid>> hid_devices;
   SYSTEMTIME now = {2024, 1, 3, 31, 14, 5, 9, 42};
 
   void SwitchLogOn(const std::string& program_data) {
@@ -99,8 +102,29 @@ class ScriptedMachine : public platform::EmptyMachine {
     }
     return answer(call);
   }
+  std::vector<platform::HidDevice> HidDevices() override {
+    std::vector<platform::HidDevice> devices;
+    for (const auto& hid : hid_devices) devices.push_back(hid->device);
+    return devices;
+  }
+  platform::OpenedHidDevice OpenHidDevice(const std::wstring& path) override {
+    for (const auto& hid : hid_devices) {
+      if (hid->device.path != path) continue;
+      if (hid->open_error != ERROR_SUCCESS) return {hid->open_error, {}, nullptr};
+      return {ERROR_SUCCESS, hid->device, std::make_shared<ScriptedConnection>(hid)};
+    }
+    return {};
+  }
+
+  /// Plugs in a device with this descriptor.
+  ScriptedHid& Plug(platform::Bytes descriptor) {
+    hid_devices.push_back(std::make_shared<ScriptedHid>(std::move(descriptor)));
+    hid_devices.back()->device.path += std::to_wstring(++plugged_);
+    return *hid_devices.back();
+  }
 
  private:
+  int plugged_ = 0;  // over the machine's life
   std::mutex lock_;
   std::vector<FirmwareCall> calls_;    // guarded by lock_
   std::vector<std::uint32_t> sleeps_;  // guarded by lock_

@@ -1,0 +1,168 @@
+#include "discovery/check_device_status.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "firmware/firmware_methods.h"
+#include "firmware/smbios.h"
+#include "hid/lighting_hid.h"
+#include "log/format.h"
+#include "log/info_log.h"
+#include "log/logger.h"
+#include "log/service_switch.h"
+#include "log/ts_log.h"
+
+using zarn::WRV520::Lighting::LightingHID;
+
+namespace {
+
+constexpr wchar_t kServiceKey[] = L"SOFTWARE\\OEM\\ZarnLightingService";
+constexpr wchar_t kHybridSwitch[] = L"HybridMode";
+
+constexpr std::uint32_t kHidInterface = 1;
+constexpr std::uint32_t kEcInterface = 3;
+
+constexpr wchar_t kHidKeyboard[] = L"ZarnHIDKeyboard";
+constexpr wchar_t kEcKeyboard[] = L"ZarnECKeyboard";
+constexpr wchar_t kEcKeyboardAndGlobal[] = L"ZarnECGlobal,ZarnECKeyboard";
+
+constexpr InfoLog kLog(L"CheckDeviceStatus");
+
+/// What the host is told.
+struct Status {
+  std::optional<std::wstring> names;  // nothing: the host's stay
+  std::uint32_t interface_type = 0;
+  std::wstring hardware_id;
+  std::wstring usage_page;
+  std::int32_t count = 0;
+};
+
+/// What the firmware's record announces.
+struct EcDevices {
+  bool keyboard = false;
+  bool rgb_keyboard = false;
+  bool light_bar = false;
+  std::pair<std::uint8_t, std::uint8_t> firmware_version;  // major, minor
+};
+
+/// The HID keyboard, if there is one. Leaves the handles of all lighting devices closed.
+std::optional<_HIDInfo> FindHidKeyboard() {
+  const struct Closing {
+    ~Closing() { LightingHID::CloseLightingDevices(); }
+  } closing;
+  _HIDInfo keyboard;
+  return LightingHID::FindLightingDevice(keyboard) ? std::optional(std::move(keyboard)) : std::nullopt;
+}
+
+Status HidKeyboardAlone(const _HIDInfo& keyboard) {
+  return {.names = kHidKeyboard,
+          .interface_type = kHidInterface,
+          .hardware_id = Formatted(L"USB\\VID_%04X&PID_%04X", keyboard.vendorId, keyboard.productId),
+          .usage_page = Formatted(L"%04X", keyboard.usagePage),
+          .count = 1};
+}
+
+/// Takes an item in; false when it ends the scan.
+bool Heed(std::uint8_t id, std::uint16_t value, EcDevices& devices) {
+  if (id == kItemKeyboardZones && (value == 0 || value == 1 || value == 3 || value == 4)) devices.keyboard = value != 0;
+  if (id == kItemRgbKeyboard && (value == kRgbKeyboardNone || value == kRgbKeyboardThere)) {
+    devices.rgb_keyboard = value == kRgbKeyboardThere;
+  }
+  if (id != kItemLightBar) return true;
+  devices.light_bar = value == kLightBarThere;
+  return false;
+}
+
+EcDevices ReadEcDevices() {
+  EcDevices devices;
+  RawSmbiosTable table;
+  stSMBiosType172 record;
+  ReadRawSmbiosTable(table);
+  if (!FindSMBiosType172(table, record)) {
+    kLog(L"Get SMBIOS 172 fail!");
+    return devices;
+  }
+  devices.firmware_version = {record.biosMajor, record.biosMinor};
+  for (std::size_t i = 0; i < static_cast<std::size_t>(record.itemCount); ++i) {
+    if (!Heed(record.itemIds.at(i), record.itemValues.at(i), devices)) break;
+  }
+  return devices;
+}
+
+/// Whether the firmware answers for the light bar that its record announces.
+bool FirmwareHasLightBar(std::pair<std::uint8_t, std::uint8_t> version) {
+  kLog(L"BIOS major version:%d - BIOS minor version::%d", version.first, version.second);
+  std::array<std::uint8_t, 16> answer{};
+  const auto is_lit = [&answer](std::size_t i) { return answer.at(i) != 0 && answer.at(i) != 0xFF; };
+  if (version < std::pair<std::uint8_t, std::uint8_t>(2, 91)) {
+    GetGamingLED(answer.data(), 11);
+    return answer[0] == 0 && is_lit(6);
+  }
+  GetGamingLED(answer.data(), 16);
+  constexpr std::size_t kPairs[] = {6, 8, 10, 12};
+  return std::ranges::any_of(kPairs, [&](std::size_t first) { return is_lit(first) && is_lit(first + 1); });
+}
+
+/// How many devices the embedded controller has: 0, the keyboard, or the whole-device light as well.
+std::int32_t CountEcDevices() {
+  const EcDevices devices = ReadEcDevices();
+  kLog(L"Is EC Keyboard: %d", devices.keyboard ? 1 : 0);
+  kLog(L"Is RGB Keyboard: %d", devices.rgb_keyboard ? 1 : 0);
+  if (!devices.keyboard || !devices.rgb_keyboard) {
+    kLog(L"Number of Device:0, DeviceName:");
+    return 0;
+  }
+  kLog(L"Is EC Lightbar: %d", devices.light_bar ? 1 : 0);
+  const bool both = devices.light_bar && FirmwareHasLightBar(devices.firmware_version);
+  kLog(both ? L"Number of Device:2, DeviceName:ZarnECGlobal,ZarnECKeyboard"
+            : L"Number of Device:1, DeviceName:ZarnECKeyboard");
+  return both ? 2 : 1;
+}
+
+/// The embedded controller's devices, and behind them, in hybrid mode, the HID keyboard.
+Status EcDevicesAnd(bool hid_keyboard) {
+  Status status;
+  status.interface_type = kEcInterface;
+  const std::int32_t count = CountEcDevices();
+  if (count == 0) {
+    // The count tells that there is nothing; the name is left as it was found.
+    if (hid_keyboard) status.names = kHidKeyboard;
+    return status;
+  }
+  status.names = count == 2 ? kEcKeyboardAndGlobal : kEcKeyboard;
+  if (hid_keyboard) status.names->append(L",").append(kHidKeyboard);
+  status.count = count + (hid_keyboard ? 1 : 0);
+  return status;
+}
+
+Status Discover() {
+  TsLog* const log = TsLog::GetInstance();
+  kLog(L"Enter!!");
+  const bool hybrid = ServiceSwitchIsOn(kServiceKey, kHybridSwitch);
+  zarn::WRV520::ReplaceLogger(std::make_shared<zarn::WRV520::TsLogAdapter>(log));
+  const std::optional<_HIDInfo> keyboard = FindHidKeyboard();
+  if (!keyboard || hybrid) return EcDevicesAnd(keyboard.has_value());
+  kLog(L"Number of Device: 1, DeviceName: ZarnHIDKeyboard");
+  return HidKeyboardAlone(*keyboard);
+}
+
+}  // namespace
+
+std::int32_t CheckDeviceStatus(std::wstring& deviceNames, std::uint32_t& interfaceType, std::wstring& hardwareId,
+                               std::wstring& usagePageHex) noexcept {
+  try {
+    Status status = Discover();
+    if (status.names) deviceNames = std::move(*status.names);
+    interfaceType = status.interface_type;
+    hardwareId = std::move(status.hardware_id);
+    usagePageHex = std::move(status.usage_page);
+    return status.count;
+  } catch (const std::exception&) {
+    return 0;
+  }
+}

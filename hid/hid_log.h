@@ -1,0 +1,16 @@
+/// How the HID library code logs: through the process's logger, under one function tag.
+#pragma once
+
+/// One operation's view of the logger. `format` as for FormatWide, cut at 1000 characters; a line for which there is no
+/// memory is lost. Logging leaves the thread's last error as it was, so that what follows a failed platform call can
+/// still ask for its code.
+class HidLog {
+ public:
+  explicit HidLog(const wchar_t* function_tag) : function_tag_(function_tag) {}
+
+  void Info(const wchar_t* format, ...) const;
+  void Error(const wchar_t* format, ...) const;
+
+ private:
+  const wchar_t* function_tag_;
+};

@@ -1,0 +1,88 @@
+/// The lighting HID devices of the machine, and the lighting reports.
+///
+/// A lighting device is an interface with a vendor-defined usage page that answers the attribute report 0xA1 with the
+/// lighting device ids it serves. Where a value sits in its other reports is for the device to say: values are packed
+/// back to back in a fixed order, each as wide as the device declares its field, and undeclared ones take no room.
+///
+/// The list of devices is built once, as soon as there is one. Its handles stay open between reports; they are closed
+/// after an exchange that failed, after discovery's presence test, and when the HID keyboard's controller goes. The
+/// next exchange reopens a closed device by its identity.
+///
+/// Threads: `g_lightingDevicesLock` serialises all lighting traffic of the process, retries and waits included; see
+/// each operation for who takes it. Device errors are logged and answered, never thrown; std::bad_alloc may leave every
+/// operation.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "hid/ts_hid.h"
+
+/// One lighting device.
+struct _HIDInfo : _HIDDevice {  // NOLINT(bugprone-reserved-identifier): as for its base
+  struct DeviceId {
+    std::uint8_t id;
+  };
+  using FieldKey = std::pair<std::uint8_t, std::uint16_t>;  // report id, usage
+
+  std::map<std::uint8_t, DeviceId> deviceIds;  // the lighting device ids it serves
+  std::map<FieldKey, HIDP_VALUE_CAPS> fields;  // its feature value fields
+};
+
+/// What a lighting device says of itself. Fields it does not declare are 0.
+struct LightingDeviceBaseInfo {
+  std::uint8_t deviceId = 0;
+  std::uint8_t info34 = 0;
+  std::uint8_t info32 = 0;
+  std::uint16_t zoneCount = 0;
+  std::uint16_t info33 = 0;
+  std::uint32_t effectMask = 0;  // one bit per effect
+};
+
+/// Written under `g_lightingDevicesLock`. Its destruction closes no handle.
+extern std::vector<_HIDInfo> g_lightingDevices;
+extern std::mutex g_lightingDevicesLock;
+
+namespace zarn::WRV520::Lighting {
+
+/// The lighting device id of the keyboard.
+inline constexpr std::uint8_t kKeyboardId = 0x21;
+
+class LightingHID {
+ public:
+  /// Rebuilds `g_lightingDevices` from the devices that are present, each with an open handle, and copies it to
+  /// `devices`, which may be that list itself. Takes the lock.
+  static void GetLightingDeviceList(std::vector<_HIDInfo>& devices);
+  /// Reads the lighting device ids that `device` serves. For the building of the list, under the lock.
+  static bool GetLightingDeviceAttributeReport(_HIDInfo& device);
+
+  /// How many bytes wide a listed device that serves `device_id` declares a field: of the first one that declares it.
+  /// `width` is written on success alone. Takes no lock: the report operations ask while they hold it.
+  static bool GetFieldSize(std::uint8_t device_id, std::uint8_t report_id, std::uint8_t usage, std::uint8_t& width);
+
+  /// The first listed device that serves the keyboard; `device` is written on success alone. Builds the list if it is
+  /// empty, and otherwise asks no device, so that an unplugged one is still found. Takes no lock of its own: not for
+  /// use while reports are exchanged.
+  static bool FindLightingDevice(_HIDInfo& device);
+  /// The handle of a device, opened anew when it is closed; INVALID_HANDLE_VALUE when that fails. The caller stores
+  /// it. Takes no lock.
+  static HANDLE OpenLightingDevice(_HIDDevice device);
+  /// Closes the handles that listed devices have open. Takes no lock.
+  static void CloseLightingDevices();
+
+  /// Asks the listed devices that serve `device_id` in turn, up to five times each, for what they say of themselves.
+  /// False, with `info` untouched, when none answers; false with `info` all zero when one answers for another id.
+  /// Takes the lock, for up to 5 x (two exchanges + 40 ms) per device.
+  static bool GetLightingDeviceBaseInfo(std::uint8_t device_id, LightingDeviceBaseInfo& info);
+  /// Sends an update to every listed device that serves `device_id`, with up to five attempts each. Takes the lock, for
+  /// up to 5 x (an exchange + 20 ms) per device. `zone_mask` has a bit for each zone that the update is for.
+  static void SetLightingDeviceUpdateReport(std::uint8_t device_id, std::uint8_t mode, std::uint8_t speed,
+                                            std::uint8_t direction, std::uint8_t brightness, std::uint8_t red,
+                                            std::uint8_t green, std::uint8_t blue, std::uint16_t zone_mask);
+};
+
+}  // namespace zarn::WRV520::Lighting

@@ -1,0 +1,125 @@
+#include <algorithm>
+#include <array>
+#include <limits>
+
+#include "hid/hid_log.h"
+#include "hid/lighting_hid.h"
+
+std::vector<_HIDInfo> g_lightingDevices;
+std::mutex g_lightingDevicesLock;
+
+namespace zarn::WRV520::Lighting {
+namespace {
+
+constexpr std::uint16_t kLightingUsagePage = 0xFF5A;
+constexpr std::uint8_t kAttributeReport = 0xA1;
+constexpr std::uint8_t kBaseInfoReport = 0xA3;
+constexpr std::uint8_t kOptionalUsage = 0x33;
+
+constexpr wchar_t kListTag[] = L"zarn::WRV520::Lighting::LightingHID::GetLightingDeviceList";
+constexpr wchar_t kAttributeTag[] = L"zarn::WRV520::Lighting::LightingHID::GetLightingDeviceAttributeReport";
+constexpr wchar_t kFieldTag[] = L"zarn::WRV520::Lighting::LightingHID::GetFieldSize";
+
+template <typename Device>
+void CloseHandles(std::vector<Device>& devices) {
+  for (Device& device : devices) {
+    if (device.handle == INVALID_HANDLE_VALUE) continue;
+    CloseHandle(device.handle);
+    device.handle = INVALID_HANDLE_VALUE;
+  }
+}
+
+/// A list under construction: what is in it when it goes is closed, be it that memory ran out, or that a device was
+/// left out.
+template <typename Device>
+struct OpenDevices {
+  std::vector<Device> list;
+
+  OpenDevices() = default;
+  OpenDevices(const OpenDevices&) = delete;
+  OpenDevices& operator=(const OpenDevices&) = delete;
+  ~OpenDevices() { CloseHandles(list); }
+};
+
+void ReadFields(_HIDInfo& device) {
+  const HidLog log(kListTag);
+  std::vector<HIDP_VALUE_CAPS> all;
+  if (!TsHID::GetHIDValueCapability(device.handle, all)) return;
+  for (const HIDP_VALUE_CAPS& caps : all) {
+    device.fields[{caps.ReportID, caps.NotRange.Usage}] = caps;
+    log.Info(L"ReportID: %02X Usage: %d BitSize: %d, DataIndex: %d", caps.ReportID, caps.NotRange.Usage, caps.BitSize,
+             caps.NotRange.DataIndex);
+  }
+}
+
+}  // namespace
+
+void LightingHID::GetLightingDeviceList(std::vector<_HIDInfo>& devices) {
+  const std::lock_guard lock(g_lightingDevicesLock);
+  OpenDevices<_HIDDevice> found;
+  TsHID::GetHIDDeviceHandle([](std::uint16_t, std::uint16_t) { return true; },
+                            [](const HIDP_CAPS& caps) { return caps.UsagePage == kLightingUsagePage; }, found.list);
+  OpenDevices<_HIDInfo> built;
+  built.list.reserve(found.list.size());
+  for (_HIDDevice& interface : found.list) {
+    _HIDInfo device{interface, {}, {}};
+    if (!GetLightingDeviceAttributeReport(device)) continue;
+    ReadFields(device);
+    built.list.push_back(std::move(device));
+    interface.handle = INVALID_HANDLE_VALUE;  // it is the list's from here on
+  }
+  std::swap(g_lightingDevices, built.list);
+  built.list.clear();  // handles of the list before are their owners' to close
+  if (&devices != &g_lightingDevices) devices = g_lightingDevices;
+}
+
+bool LightingHID::GetLightingDeviceAttributeReport(_HIDInfo& device) {
+  device.handle = OpenLightingDevice(device);
+  if (device.handle == INVALID_HANDLE_VALUE) {
+    HidLog(kAttributeTag).Error(L"GetHIDDeviceHandle fail");
+    return false;
+  }
+  std::array<std::uint8_t, TsHID::kFeatureBufferSize> report{};
+  std::size_t received = 0;
+  if (!TsHID::GetHIDFeature(device.handle, kAttributeReport, report.data(), &received)) return false;
+  // A count, then the ids; a count that claims more than came is cut.
+  for (std::size_t i = 1; i < received && i <= report[0]; ++i) device.deviceIds[report.at(i)] = {report.at(i)};
+  return true;
+}
+
+bool LightingHID::GetFieldSize(std::uint8_t device_id, std::uint8_t report_id, std::uint8_t usage,
+                               std::uint8_t& width) {
+  for (const _HIDInfo& device : g_lightingDevices) {
+    if (!device.deviceIds.contains(device_id)) continue;
+    const auto field = device.fields.find({report_id, usage});
+    if (field == device.fields.end()) continue;
+    constexpr int kWidest = std::numeric_limits<std::uint8_t>::max();
+    width = static_cast<std::uint8_t>(std::min(field->second.BitSize / 8, kWidest));
+    return true;
+  }
+  if (report_id != kBaseInfoReport && usage != kOptionalUsage) {
+    HidLog(kFieldTag).Info(L"Field %02X,%02X not exist!", report_id, usage);
+  }
+  return false;
+}
+
+bool LightingHID::FindLightingDevice(_HIDInfo& device) {
+  if (g_lightingDevices.empty()) {
+    std::vector<_HIDInfo> discarded;
+    GetLightingDeviceList(discarded);
+  }
+  const auto keyboard = std::find_if(g_lightingDevices.begin(), g_lightingDevices.end(),
+                                     [](const _HIDInfo& each) { return each.deviceIds.contains(kKeyboardId); });
+  if (keyboard == g_lightingDevices.end()) return false;
+  device = *keyboard;
+  return true;
+}
+
+HANDLE LightingHID::OpenLightingDevice(_HIDDevice device) {
+  if (device.handle != INVALID_HANDLE_VALUE) return device.handle;
+  return TsHID::GetHIDDeviceHandle(device.vendorId, device.productId, device.usagePage, device.usage);
+}
+
+void LightingHID::CloseLightingDevices() { CloseHandles(g_lightingDevices); }
+
+}  // namespace zarn::WRV520::Lighting

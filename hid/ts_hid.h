@@ -1,0 +1,60 @@
+/// Access to HID devices: finds interfaces by identity and usage, exchanges feature reports, reads capabilities.
+///
+/// Keeps no state and takes no lock: every operation works on a handle that the caller passes in or is handed out. A
+/// call returns when the platform has answered. Device errors are logged and answered, never thrown; std::bad_alloc
+/// may leave every operation, and leaves nothing open.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/hid.h"
+
+/// A HID interface that was found.
+struct _HIDDevice {  // NOLINT(bugprone-reserved-identifier): the HID library's records are named like this
+  std::wstring devicePath;
+  std::uint16_t vendorId = 0;
+  std::uint16_t productId = 0;
+  std::uint16_t usagePage = 0;  // of its top-level collection
+  std::uint16_t usage = 0;
+  HANDLE handle = INVALID_HANDLE_VALUE;  // INVALID_HANDLE_VALUE while it is closed
+};
+
+namespace zarn::WRV520 {
+
+class TsHID {
+ public:
+  /// Predicates must be set.
+  using IdentityPredicate = std::function<bool(std::uint16_t vendor_id, std::uint16_t product_id)>;
+  using CapabilityPredicate = std::function<bool(const HIDP_CAPS& caps)>;
+
+  /// What GetHIDFeature writes at most.
+  static constexpr std::size_t kFeatureBufferSize = 64;
+
+  /// Opens the first present interface that both predicates accept; the caller closes it. INVALID_HANDLE_VALUE when
+  /// there is none.
+  static HANDLE GetHIDDeviceHandle(const IdentityPredicate& identity, const CapabilityPredicate& capability);
+  /// The same, by identity and top-level usage.
+  static HANDLE GetHIDDeviceHandle(std::uint16_t vendor_id, std::uint16_t product_id, std::uint16_t usage_page,
+                                   std::uint16_t usage);
+  /// Appends all of them to `devices`, each with a handle of its own that the caller closes. Whether `devices` holds
+  /// any afterwards.
+  static bool GetHIDDeviceHandle(const IdentityPredicate& identity, const CapabilityPredicate& capability,
+                                 std::vector<_HIDDevice>& devices);
+
+  /// Sends a feature report of the device's own length: the id, then as many of `length` bytes as fit, then zeros.
+  static bool SetHIDFeature(HANDLE handle, std::uint8_t report_id, const std::uint8_t* data, std::uint16_t length);
+  /// Reads a feature report into `buffer` of kFeatureBufferSize bytes, without the id. `*received`, unless null, is set
+  /// to the number of bytes written. Nothing is written on failure; then the last error is that of the failed call.
+  static bool GetHIDFeature(HANDLE handle, std::uint8_t report_id, std::uint8_t* buffer,
+                            std::size_t* received = nullptr);
+
+  static bool GetHIDCapability(HANDLE handle, HIDP_CAPS& caps);
+  /// Makes `caps` the feature value capabilities, in the platform's order. Failures go to the standard error stream.
+  static bool GetHIDValueCapability(HANDLE handle, std::vector<HIDP_VALUE_CAPS>& caps);
+};
+
+}  // namespace zarn::WRV520

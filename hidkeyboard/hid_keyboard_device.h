@@ -1,0 +1,32 @@
+/// The generic controller of the HID keyboard: one zone with a LED for each lighting zone, and the modes that the
+/// keyboard supports. Colours go out zone by zone, and a single LED can be sent alone.
+#pragma once
+
+#include "controller/rgb_controller.h"
+
+class ZarnHIDKeyboardController;
+
+class RGBController_ZarnHIDKeyboard final : public RGBController {
+ public:
+  /// Takes `controller` over unless it throws (std::bad_alloc, std::system_error).
+  explicit RGBController_ZarnHIDKeyboard(ZarnHIDKeyboardController* controller);
+  RGBController_ZarnHIDKeyboard(const RGBController_ZarnHIDKeyboard&) = delete;
+  RGBController_ZarnHIDKeyboard& operator=(const RGBController_ZarnHIDKeyboard&) = delete;
+  ~RGBController_ZarnHIDKeyboard() override;
+
+  void DefineLayout() override;
+  void DeviceSpareHook() override {}
+  void WriteColorsToDevice() override;
+  void WriteZoneToDevice(std::int32_t zone_index) override;
+  void WriteLedToDevice(std::int32_t led_index) override;
+  void WriteModeToDevice() override;
+  void SelectFirstMode() override { ActivateFirstMode(); }
+
+ private:
+  void SendColorTable();
+  void SendLed(std::int32_t led_index);
+  void ApplyMode();
+
+  // Owned, but bare: when the constructor throws the destructor does not run, and the host keeps what it handed in.
+  ZarnHIDKeyboardController* const hw_controller;
+};

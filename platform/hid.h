@@ -1,0 +1,20 @@
+/// The door to HID devices: their enumeration, their capabilities, feature reports, and the handles they are used by.
+#pragma once
+
+#if defined(_WIN32)
+
+#include "platform/windows.h"
+
+// After the main header, which they need.
+#include <setupapi.h>
+
+extern "C" {
+#include <hidpi.h>
+#include <hidsdi.h>
+}
+
+#else
+
+#include "platform/portable/hid_api.h"
+
+#endif

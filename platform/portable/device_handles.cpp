@@ -1,0 +1,70 @@
+#include <optional>
+
+#include "platform/portable/hid_interfaces.h"
+#include "platform/portable/live_counters.h"
+#include "platform/portable/no_destructor.h"
+#include "platform/portable/open_things.h"
+#include "platform/portable/platform_call.h"
+
+namespace platform {
+namespace {
+
+using Handles = OpenThings<std::shared_ptr<const HidInterface>>;
+
+Handles& OpenHandles() {
+  static NoDestructor<Handles> handles(g_live.device_handles);
+  return *handles;
+}
+
+HANDLE Open(LPCWSTR path, DWORD disposition) {
+  if (path == nullptr || disposition != OPEN_EXISTING) {
+    SetThreadError(ERROR_INVALID_PARAMETER);
+    return INVALID_HANDLE_VALUE;
+  }
+  auto opened = OpenHidInterface(path);
+  return opened != nullptr ? OpenHandles().Add(std::move(opened)) : INVALID_HANDLE_VALUE;
+}
+
+BOOL Close(HANDLE handle) {
+  if (OpenHandles().Remove(handle)) {
+    SetThreadError(ERROR_SUCCESS);
+    return TRUE;
+  }
+  Complain("CloseHandle of a handle that is not open");
+  SetThreadError(ERROR_INVALID_HANDLE);
+  return FALSE;
+}
+
+std::string HandleText(HANDLE handle) { return handle == INVALID_HANDLE_VALUE ? "invalid" : "done"; }
+
+}  // namespace
+
+std::shared_ptr<const HidInterface> InterfaceOf(HANDLE handle) { return OpenHandles().Find(handle).value_or(nullptr); }
+
+std::string DescribedHandle(HANDLE handle) {
+  const auto interface = InterfaceOf(handle);
+  return interface != nullptr ? Described(interface->path.c_str()) : "not open";
+}
+
+extern "C" {
+
+HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share_mode, LPSECURITY_ATTRIBUTES /*security*/, DWORD disposition,
+                   DWORD /*flags*/, HANDLE /*template_file*/) {
+  const Call<HANDLE> call = {.name = "CreateFileW",
+                             .failure = INVALID_HANDLE_VALUE,
+                             .out_of_memory = INVALID_HANDLE_VALUE,
+                             .answer_text = HandleText,
+                             .last_error = ERROR_ACCESS_DENIED,
+                             .hands_back_object = true};
+  return Pass(call, Asked(path, access, share_mode, disposition), [&] { return Open(path, disposition); });
+}
+
+BOOL CloseHandle(HANDLE handle) {
+  static constexpr Call<BOOL> kCloseHandle = SureCall<BOOL>("CloseHandle");
+  return Pass(
+      kCloseHandle, [&] { return DescribedHandle(handle); }, [&] { return Close(handle); });
+}
+
+}  // extern "C"
+
+}  // namespace platform

@@ -1,0 +1,35 @@
+/// The machine's HID devices as the platform shows them: an interface for each top-level collection.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/portable/machine.h"
+#include "platform/portable/report_descriptor.h"
+
+namespace platform {
+
+/// An opened interface. Shared by its handle and the calls that are using it.
+struct HidInterface {
+  std::wstring path;
+  std::uint16_t vendor = 0;
+  std::uint16_t product = 0;
+  std::uint16_t version = 0;
+  HidCollection collection;
+  std::shared_ptr<HidConnection> connection;
+};
+
+/// The paths of the interfaces that are there now.
+std::vector<std::wstring> HidInterfacePaths();
+
+/// Opens one; null, with the calling thread's last error set, when it cannot be opened.
+std::shared_ptr<const HidInterface> OpenHidInterface(const std::wstring& path);
+
+/// The interface that an open handle stands for; null for one that is not open.
+std::shared_ptr<const HidInterface> InterfaceOf(HANDLE handle);
+
+/// A handle as the journal has it: by the path it opened.
+std::string DescribedHandle(HANDLE handle);
+
+}  // namespace platform

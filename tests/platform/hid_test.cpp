@@ -1,0 +1,202 @@
+/// HID interfaces as the platform shows them: enumeration, handles, capabilities, feature reports.
+
+#include "platform/hid.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <thread>
+
+#include "platform/system.h"
+#include "tests/support/hex.h"
+#include "tests/support/machine_fixture.h"
+
+namespace test {
+namespace {
+
+/// A collection of a keyboard, with an input report of 8 bytes and no feature report.
+Bytes KeyboardCollection() {
+  return Hex("05 01 09 06 a1 01 85 01 05 07 19 e0 29 e7 15 00 25 01 75 01 95 08 81 02 75 08 95 07 81 03 c0");
+}
+
+Bytes operator+(Bytes left, const Bytes& right) {
+  left.insert(left.end(), right.begin(), right.end());
+  return left;
+}
+
+class Hid : public MachineTest {
+ protected:
+  Hid() { HidD_GetHidGuid(&hid_class); }
+
+  static HANDLE Open(const std::wstring& path) {
+    return CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                       OPEN_EXISTING, 0, nullptr);
+  }
+
+  std::vector<std::wstring> Paths() {
+    const HDEVINFO set = SetupDiGetClassDevsW(&hid_class, nullptr, nullptr, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
+    std::vector<std::wstring> paths;
+    SP_DEVICE_INTERFACE_DATA data{};
+    data.cbSize = sizeof(data);
+    for (DWORD i = 0; SetupDiEnumDeviceInterfaces(set, nullptr, &hid_class, i, &data) != FALSE; ++i) {
+      alignas(SP_DEVICE_INTERFACE_DETAIL_DATA_W) std::byte block[512];
+      auto* const detail = new (block) SP_DEVICE_INTERFACE_DETAIL_DATA_W{8, {}};
+      EXPECT_TRUE(SetupDiGetDeviceInterfaceDetailW(set, &data, detail, sizeof(block), nullptr, nullptr));
+      paths.emplace_back(detail->DevicePath);
+    }
+    EXPECT_EQ(GetLastError(), DWORD{259});
+    EXPECT_TRUE(SetupDiDestroyDeviceInfoList(set));
+    return paths;
+  }
+
+  static HIDP_CAPS CapsOf(HANDLE handle) {
+    PHIDP_PREPARSED_DATA preparsed = nullptr;
+    HIDP_CAPS caps{};
+    EXPECT_TRUE(HidD_GetPreparsedData(handle, &preparsed));
+    EXPECT_EQ(HidP_GetCaps(preparsed, &caps), HIDP_STATUS_SUCCESS);
+    EXPECT_TRUE(HidD_FreePreparsedData(preparsed));
+    return caps;
+  }
+
+  GUID hid_class{};
+};
+
+TEST_F(Hid, EachTopLevelCollectionIsAnInterfaceOfItsOwn) {
+  machine->Plug(KeyboardCollection() + VendorCollection(0xFF5A, {{0xA4, 0x41, 8}}, 8));
+  machine->Plug({0xA1, 0x01});  // never closed: not a device that works
+  machine->Plug(VendorCollection(0xFF5A, {}, 64, 2));
+  ASSERT_EQ(Paths(), (std::vector<std::wstring>{L"\\\\?\\hid#test#01&col01", L"\\\\?\\hid#test#01&col02",
+                                                L"\\\\?\\hid#test#03"}));
+  struct {
+    USAGE page, usage;
+    USHORT feature_length, feature_values;
+  } const expected[] = {{1, 6, 0, 0}, {0xFF5A, 1, 9, 1}, {0xFF5A, 2, 65, 0}};
+  for (std::size_t i = 0; i < 3; ++i) {
+    const HANDLE handle = Open(Paths()[i]);
+    const HIDP_CAPS caps = CapsOf(handle);
+    EXPECT_EQ(caps.UsagePage, expected[i].page);
+    EXPECT_EQ(caps.Usage, expected[i].usage);
+    EXPECT_EQ(caps.FeatureReportByteLength, expected[i].feature_length);
+    EXPECT_EQ(caps.NumberFeatureValueCaps, expected[i].feature_values);
+    EXPECT_TRUE(CloseHandle(handle));
+  }
+  for (const wchar_t* const stranger : {L"\\\\?\\hid#test#01", L"\\\\?\\hid#test#01&col03", L"\\\\?\\hid#test#02",
+                                        L"\\\\?\\hid#test#03&col01", L"&col01", L""}) {
+    EXPECT_EQ(Open(stranger), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), DWORD{2});
+  }
+}
+
+TEST_F(Hid, RecordsOfTheWrongSizeAreRefused) {
+  machine->Plug(VendorCollection(0xFF5A, {}));
+  const HDEVINFO set = SetupDiGetClassDevsW(&hid_class, nullptr, nullptr, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
+  SP_DEVICE_INTERFACE_DATA data{};
+  data.cbSize = 28;
+  EXPECT_FALSE(SetupDiEnumDeviceInterfaces(set, nullptr, &hid_class, 0, &data));
+  EXPECT_EQ(GetLastError(), DWORD{1784});
+  data.cbSize = 32;
+  ASSERT_TRUE(SetupDiEnumDeviceInterfaces(set, nullptr, &hid_class, 0, &data));
+  DWORD size = 0;
+  EXPECT_FALSE(SetupDiGetDeviceInterfaceDetailW(set, &data, nullptr, 0, &size, nullptr));
+  EXPECT_EQ(GetLastError(), DWORD{122});
+  EXPECT_EQ(size, 4 + 4 * sizeof(L"\\\\?\\hid#test#01") / sizeof(wchar_t));
+  alignas(SP_DEVICE_INTERFACE_DETAIL_DATA_W) std::byte block[512];
+  auto* const detail = new (block) SP_DEVICE_INTERFACE_DETAIL_DATA_W{6, {L'x'}};
+  EXPECT_FALSE(SetupDiGetDeviceInterfaceDetailW(set, &data, detail, size, nullptr, nullptr));
+  detail->cbSize = 8;
+  EXPECT_FALSE(SetupDiGetDeviceInterfaceDetailW(set, &data, detail, size - 1, nullptr, nullptr));
+  EXPECT_EQ(detail->DevicePath[0], L'x');
+  EXPECT_TRUE(SetupDiGetDeviceInterfaceDetailW(set, &data, detail, size, nullptr, nullptr));
+  EXPECT_TRUE(SetupDiDestroyDeviceInfoList(set));
+
+  const HANDLE handle = Open(detail->DevicePath);
+  HIDD_ATTRIBUTES attributes{8, 0, 0, 0};
+  EXPECT_FALSE(HidD_GetAttributes(handle, &attributes));
+  attributes.Size = 12;
+  EXPECT_TRUE(HidD_GetAttributes(handle, &attributes));
+  EXPECT_EQ(attributes.VendorID, 0x1209);
+  EXPECT_EQ(attributes.ProductID, 0x0001);
+  EXPECT_EQ(attributes.VersionNumber, 0x0100);
+  EXPECT_TRUE(CloseHandle(handle));
+}
+
+TEST_F(Hid, ReportsOfTheRightLengthReachTheDeviceAndNoOthers) {
+  ScriptedHid& device = machine->Plug(VendorCollection(0xFF5A, {}, 3));
+  const HANDLE handle = Open(device.device.path);
+  Bytes report = {0xA4, 1, 2, 3, 4};
+  for (const ULONG length : {3U, 5U}) {
+    EXPECT_FALSE(HidD_SetFeature(handle, report.data(), length));
+    EXPECT_FALSE(HidD_GetFeature(handle, report.data(), length));
+    EXPECT_EQ(GetLastError(), DWORD{87});
+  }
+  EXPECT_TRUE(HidD_SetFeature(handle, report.data(), 4));
+  EXPECT_EQ(device.TakeReports(), (std::vector<Bytes>{{0xA4, 1, 2, 3}}));
+
+  device.answers[0xA4] = {0xA4, 9};  // a short answer leaves the rest alone
+  EXPECT_TRUE(HidD_GetFeature(handle, report.data(), 4));
+  EXPECT_EQ(report, (Bytes{0xA4, 9, 2, 3, 4}));
+
+  device.fail = [](auto) { return ERROR_SEM_TIMEOUT; };
+  EXPECT_FALSE(HidD_SetFeature(handle, report.data(), 4));
+  EXPECT_EQ(GetLastError(), DWORD{121});
+  machine->hid_devices.clear();
+  EXPECT_FALSE(HidD_GetFeature(handle, report.data(), 4));
+  EXPECT_EQ(GetLastError(), DWORD{1167});
+  EXPECT_TRUE(CloseHandle(handle));
+  EXPECT_EQ(GetLastError(), DWORD{0});  // so that a code read too late is seen
+}
+
+TEST_F(Hid, DevicesThatMayNotBeUsedTellWhyAtOnce) {
+  ScriptedHid& device = machine->Plug(VendorCollection(0xFF5A, {}));
+  device.open_error = ERROR_ACCESS_DENIED;
+  EXPECT_EQ(Open(device.device.path), INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), DWORD{5});
+  std::thread([] { EXPECT_EQ(GetLastError(), DWORD{0}); }).join();
+}
+
+TEST_F(Hid, ValueCapabilitiesComeInTheOrderOfTheDescriptor) {
+  const HANDLE handle =
+      Open(machine->Plug(VendorCollection(0xFF5A, {{0xA3, 0x34, 8}, {0xA4, 0x48, 16, 3}})).device.path);
+  PHIDP_PREPARSED_DATA preparsed = nullptr;
+  ASSERT_TRUE(HidD_GetPreparsedData(handle, &preparsed));
+  EXPECT_TRUE(CloseHandle(handle));  // the data live on
+  HIDP_VALUE_CAPS caps[3]{};
+  USHORT count = 3;
+  EXPECT_EQ(HidP_GetValueCaps(HidP_Feature, caps, &count, preparsed), HIDP_STATUS_SUCCESS);
+  EXPECT_EQ(count, 2);
+  EXPECT_EQ(caps[0].ReportID, 0xA3);
+  EXPECT_EQ(caps[1].NotRange.Usage, 0x48);
+  EXPECT_EQ(caps[1].BitSize, 16);
+  EXPECT_EQ(caps[1].ReportCount, 3);
+  EXPECT_EQ(caps[1].NotRange.DataIndex, 1);
+  EXPECT_EQ(HidP_GetValueCaps(HidP_Input, caps, &count, preparsed), MakeNtStatus(0xC0110004));
+  EXPECT_TRUE(HidD_FreePreparsedData(preparsed));
+  EXPECT_EQ(HidP_GetValueCaps(HidP_Feature, caps, &count, preparsed), MakeNtStatus(0xC0110001));
+}
+
+TEST_F(Hid, WhatIsClosedCannotBeUsedOrClosedAgain) {
+  const std::wstring path = machine->Plug(VendorCollection(0xFF5A, {})).device.path;
+  const HANDLE first = Open(path);
+  const HANDLE second = Open(path);
+  EXPECT_NE(first, second);
+  EXPECT_TRUE(CloseHandle(first));
+  EXPECT_NE(Open(L"nowhere"), first);
+  Bytes report(65);
+  PHIDP_PREPARSED_DATA preparsed = nullptr;
+  EXPECT_FALSE(HidD_SetFeature(first, report.data(), 65));
+  EXPECT_FALSE(HidD_GetPreparsedData(first, &preparsed));
+  EXPECT_FALSE(CloseHandle(first));
+  EXPECT_EQ(GetLastError(), DWORD{6});
+  EXPECT_FALSE(SetupDiDestroyDeviceInfoList(second));
+  EXPECT_EQ(platform::TakeComplaints(),
+            (std::vector<std::string>{"HidD_SetFeature of a handle that is not open",
+                                      "HidD_GetPreparsedData of a handle that is not open",
+                                      "CloseHandle of a handle that is not open",
+                                      "SetupDiDestroyDeviceInfoList of a device set that is not there"}));
+  EXPECT_EQ(platform::CountLive().device_handles, 1);
+  EXPECT_TRUE(CloseHandle(second));
+}
+
+}  // namespace
+}  // namespace test
