@@ -9,8 +9,7 @@
 #include <setupapi.h>
 
 extern "C" {
-#include <hidpi.h>
-#include <hidsdi.h>
+#include <hidsdi.h>  // brings hidpi.h in, which does not stand alone
 }
 
 #else

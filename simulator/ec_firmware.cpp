@@ -85,6 +85,11 @@ KeyboardLights EcFirmware::Lights() const {
   return lights_;
 }
 
+std::optional<LightBarLights> EcFirmware::LightBar() const {
+  const std::lock_guard guard(lock_);
+  return settings_.light_bar ? std::optional(light_bar_) : std::nullopt;
+}
+
 EcFirmware::Answer EcFirmware::SwitchZones(const Input& input) {
   const Bytes& packet = Packet(input, SwitchPacketLength(settings_.version));
   for (std::size_t i = 0; i < packet.size(); ++i) {
@@ -99,11 +104,13 @@ EcFirmware::Answer EcFirmware::SwitchZones(const Input& input) {
 EcFirmware::Answer EcFirmware::ReportLights(const Input& input) {
   const std::uint64_t asked = Number(input);
   if (asked != kAllLights) throw Refused("the input is " + std::to_string(asked) + ", must be 16");
+  const std::uint64_t gm_return = settings_.lights_return;
+  if (!settings_.lights_report.empty()) return {.output = settings_.lights_report, .gm_return = gm_return};
   Bytes report(15);
   const bool old = settings_.version < kNewFirmware;
   if (settings_.light_bar && old) report[5] = 1;
   if (settings_.light_bar && !old) report[7] = report[8] = 1;
-  return {.output = std::move(report), .gm_return = 0};
+  return {.output = std::move(report), .gm_return = gm_return};
 }
 
 EcFirmware::Answer EcFirmware::SetEffect(const Input& input) {
@@ -117,6 +124,7 @@ EcFirmware::Answer EcFirmware::SetEffect(const Input& input) {
   for (std::size_t i = 10; i < packet.size(); ++i) RequireByte(packet, i, 0);
 
   const Effect effect{packet[0], packet[1], packet[4], {packet[5], packet[6], packet[7]}};
+  if (with_light_bar) light_bar_ = {packet[2], effect};
   lights_.brightness = packet[2];
   lights_.effect.reset();
   if (effect.code != 0) {

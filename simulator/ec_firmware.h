@@ -59,12 +59,24 @@ struct KeyboardLights {
   friend bool operator==(const KeyboardLights&, const KeyboardLights&) = default;
 };
 
+/// What the light bar shows.
+struct LightBarLights {
+  std::uint8_t brightness = 0;
+  /// The running effect, 0 being a static colour; none while the bar is dark.
+  std::optional<Effect> effect;
+
+  friend bool operator==(const LightBarLights&, const LightBarLights&) = default;
+};
+
 class EcFirmware {
  public:
   struct Settings {
     int keyboard_zones = 0;  // 0, 1, 3 or 4
     bool light_bar = false;
     FirmwareVersion version;
+    /// What GetGamingLED answers instead of the truth; empty: the truth.
+    std::vector<std::uint8_t> lights_report = {};
+    std::uint8_t lights_return = 0;
   };
   /// A method's input: bytes, or a number as decimal text.
   using Input = std::variant<std::vector<std::uint8_t>, std::wstring>;
@@ -83,6 +95,8 @@ class EcFirmware {
   Answer Call(std::string_view method, const Input& input);
 
   KeyboardLights Lights() const;
+  /// Nothing where there is no light bar.
+  std::optional<LightBarLights> LightBar() const;
 
  private:
   struct Method {
@@ -93,18 +107,21 @@ class EcFirmware {
 
   /// SetGamingLED: byte 0 is 8, byte 5 holds one switch bit per zone.
   Answer SwitchZones(const Input& input);
-  /// GetGamingLED: where the version in use puts it, a light bar that is there shows as bytes of 1.
+  /// GetGamingLED: where the version in use puts it, a light bar that is there shows as bytes of 1. Or what the
+  /// settings say.
   Answer ReportLights(const Input& input);
   /// SetGamingKBBacklight: effect, speed, brightness, 0, direction, red, green, blue, 3, target (1 the keyboard, 3 the
   /// light bar too), six times 0. Effect 0 with nothing but a brightness gives the zones back their own colours; with
-  /// anything more it is a static light on the whole device, which lights every zone in its colour.
+  /// anything more it is a static light on the whole device, which lights every zone in its colour. A light bar shows
+  /// what it is sent, the static light included.
   Answer SetEffect(const Input& input);
   /// SetGamingRgbKb: bits 0 to 7 one zone bit, then red, green and blue.
   Answer ColorZone(const Input& input);
 
   const Settings settings_;
   mutable std::mutex lock_;
-  KeyboardLights lights_;  // guarded by lock_
+  KeyboardLights lights_;     // guarded by lock_
+  LightBarLights light_bar_;  // guarded by lock_
 };
 
 }  // namespace simulator

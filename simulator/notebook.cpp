@@ -18,13 +18,44 @@ constexpr std::string_view kSystemInformation =
 
 }  // namespace
 
-Notebook::Notebook(Profile profile) : profile_(std::move(profile)), firmware_(profile_.ec) {}
+Notebook::Notebook(Profile profile) : profile_(std::move(profile)), firmware_(profile_.ec) {
+  for (const HidKeyboard::Settings& settings : profile_.hid_keyboards) {
+    hid_keyboards_.push_back(std::make_unique<HidKeyboard>(settings));
+  }
+}
 
 EcFirmware::Answer Notebook::CallFirmware(const std::string& method, const EcFirmware::Input& input) {
   std::this_thread::sleep_for(std::chrono::milliseconds(profile_.firmware_latency_ms));
   const std::lock_guard guard(lock_);
-  wire_.push_back({method, input, firmware_.Call(method, input)});
-  return wire_.back().answer;
+  EcFirmware::Answer answer = firmware_.Call(method, input);
+  wire_.push_back({method, std::nullopt, input, answer.refusal});
+  return answer;
+}
+
+HidKeyboard::Answer Notebook::SetFeature(std::size_t keyboard, std::uint64_t plugging,
+                                         std::span<const std::uint8_t> report) {
+  return Record({"SetFeature", keyboard, std::vector<std::uint8_t>(report.begin(), report.end()), {}},
+                [&] { return hid_keyboards_.at(keyboard)->SetFeature(plugging, report); });
+}
+
+HidKeyboard::Answer Notebook::GetFeature(std::size_t keyboard, std::uint64_t plugging, std::uint8_t report_id) {
+  return Record({"GetFeature", keyboard, std::vector<std::uint8_t>{report_id}, {}},
+                [&] { return hid_keyboards_.at(keyboard)->GetFeature(plugging, report_id); });
+}
+
+/// A keyboard may take its time, and others must not wait for it: the record's place is kept until then.
+template <typename Exchange>
+HidKeyboard::Answer Notebook::Record(WireRecord record, const Exchange& exchange) {
+  std::uint64_t place = 0;
+  {
+    const std::lock_guard guard(lock_);
+    place = taken_ + wire_.size();
+    wire_.push_back(std::move(record));
+  }
+  HidKeyboard::Answer answer = exchange();
+  const std::lock_guard guard(lock_);
+  if (place >= taken_) wire_[place - taken_].refusal = answer.refusal;
+  return answer;
 }
 
 std::vector<std::uint8_t> Notebook::SmbiosTable() const {
@@ -46,6 +77,7 @@ std::vector<std::uint8_t> Notebook::SmbiosTable() const {
 
 std::vector<WireRecord> Notebook::TakeWire() {
   const std::lock_guard guard(lock_);
+  taken_ += wire_.size();
   return std::exchange(wire_, {});
 }
 

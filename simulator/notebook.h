@@ -3,21 +3,31 @@
 /// Threads: any, several at once.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <mutex>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "simulator/ec_firmware.h"
+#include "simulator/hid_keyboard.h"
 #include "simulator/profile.h"
 
 namespace simulator {
 
-/// One call that crossed the wire to the firmware.
+/// One exchange that crossed a wire: a call to the firmware, or a feature report to or from a HID keyboard.
 struct WireRecord {
+  /// The firmware's name, or "SetFeature" or "GetFeature".
   std::string method;
+  /// Which HID keyboard, counted from 0; none for the firmware.
+  std::optional<std::size_t> hid_keyboard;
+  /// What was sent: of a report that is read its id alone.
   EcFirmware::Input input;
-  EcFirmware::Answer answer;
+  /// Why it failed; empty when it did not.
+  std::string refusal;
 };
 
 class Notebook {
@@ -30,7 +40,17 @@ class Notebook {
   /// firmware ran the calls.
   EcFirmware::Answer CallFirmware(const std::string& method, const EcFirmware::Input& input);
 
+  /// Exchanges with a HID keyboard, and keeps a record of it. The records stand in the order in which the
+  /// exchanges began; a failure shows in its record once it has ended.
+  HidKeyboard::Answer SetFeature(std::size_t keyboard, std::uint64_t plugging, std::span<const std::uint8_t> report);
+  HidKeyboard::Answer GetFeature(std::size_t keyboard, std::uint64_t plugging, std::uint8_t report_id);
+
   KeyboardLights Lights() const { return firmware_.Lights(); }
+  std::optional<LightBarLights> LightBar() const { return firmware_.LightBar(); }
+
+  std::size_t HidKeyboardCount() const { return hid_keyboards_.size(); }
+  /// To look at its lights, plug and unplug it, and let it misbehave.
+  HidKeyboard& HidKeyboardAt(std::size_t index) { return *hid_keyboards_.at(index); }
 
   /// The SMBIOS structure table: a structure with strings, the OEM structure of type 172 and the end-of-table
   /// structure; empty when the profile has no firmware record.
@@ -40,10 +60,15 @@ class Notebook {
   std::vector<WireRecord> TakeWire();
 
  private:
+  template <typename Exchange>
+  HidKeyboard::Answer Record(WireRecord record, const Exchange& exchange);
+
   const Profile profile_;
   EcFirmware firmware_;
+  std::vector<std::unique_ptr<HidKeyboard>> hid_keyboards_;  // they do not change
   mutable std::mutex lock_;
   std::vector<WireRecord> wire_;  // guarded by lock_
+  std::uint64_t taken_ = 0;       // records taken so far; guarded by lock_
 };
 
 }  // namespace simulator

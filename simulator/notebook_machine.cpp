@@ -1,11 +1,15 @@
 #include "simulator/notebook_machine.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
+#include <cwchar>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "platform/portable/empty_machine.h"
+#include "platform/portable/hid_api.h"
 #include "platform/portable/text.h"
 #include "platform/portable/wmi_api.h"
 #include "simulator/wide_text.h"
@@ -28,6 +32,41 @@ bool IsKeyOrBelow(std::wstring_view key, std::wstring_view parent) {
   if (key.size() > parent.size() && key[parent.size()] != L'\\') return false;
   return EqualsWithoutCase(key.substr(0, parent.size()), parent);
 }
+
+LONG CodeOf(HidKeyboard::Result result) {
+  switch (result) {
+    case HidKeyboard::Result::Done:
+      return ERROR_SUCCESS;
+    case HidKeyboard::Result::Refused:
+      return ERROR_GEN_FAILURE;
+    case HidKeyboard::Result::NoAnswer:
+      return ERROR_SEM_TIMEOUT;
+    case HidKeyboard::Result::Gone:
+      break;
+  }
+  return ERROR_DEVICE_NOT_CONNECTED;
+}
+
+class KeyboardConnection final : public platform::HidConnection {
+ public:
+  KeyboardConnection(std::shared_ptr<Notebook> notebook, std::size_t keyboard, std::uint64_t plugging)
+      : notebook_(std::move(notebook)), keyboard_(keyboard), plugging_(plugging) {}
+
+  LONG SetFeature(std::span<const std::uint8_t> report) override {
+    return CodeOf(notebook_->SetFeature(keyboard_, plugging_, report).result);
+  }
+
+  LONG GetFeature(std::span<std::uint8_t> report) override {
+    const HidKeyboard::Answer answer = notebook_->GetFeature(keyboard_, plugging_, report.front());
+    std::copy_n(answer.report.begin(), std::min(answer.report.size(), report.size()), report.begin());
+    return CodeOf(answer.result);
+  }
+
+ private:
+  const std::shared_ptr<Notebook> notebook_;
+  const std::size_t keyboard_;
+  const std::uint64_t plugging_;
+};
 
 class NotebookMachine final : public platform::EmptyMachine {
  public:
@@ -86,8 +125,34 @@ class NotebookMachine final : public platform::EmptyMachine {
     return {S_OK, std::move(out)};
   }
 
+  std::vector<platform::HidDevice> HidDevices() override {
+    std::vector<platform::HidDevice> devices;
+    for (std::size_t i = 0; i < notebook_->HidKeyboardCount(); ++i) {
+      if (notebook_->HidKeyboardAt(i).Connect()) devices.push_back(DeviceAt(i));
+    }
+    return devices;
+  }
+
+  platform::OpenedHidDevice OpenHidDevice(const std::wstring& path) override {
+    for (std::size_t i = 0; i < notebook_->HidKeyboardCount(); ++i) {
+      platform::HidDevice device = DeviceAt(i);
+      const auto plugging = notebook_->HidKeyboardAt(i).Connect();
+      if (!plugging || device.path != path) continue;
+      return {ERROR_SUCCESS, std::move(device), std::make_shared<KeyboardConnection>(notebook_, i, *plugging)};
+    }
+    return {};
+  }
+
  private:
   const Profile& profile() const { return notebook_->profile(); }
+
+  platform::HidDevice DeviceAt(std::size_t index) const {
+    const HidKeyboard& keyboard = notebook_->HidKeyboardAt(index);
+    const auto& [vendor, product] = std::tie(keyboard.settings().vendor, keyboard.settings().product);
+    std::array<wchar_t, 64> path{};
+    std::swprintf(path.data(), path.size(), L"\\\\?\\hid#vid_%04x&pid_%04x#%zu", vendor, product, index);
+    return {path.data(), vendor, product, 0x0100, keyboard.report_descriptor()};
+  }
 
   const std::shared_ptr<Notebook> notebook_;
 };

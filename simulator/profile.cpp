@@ -78,6 +78,40 @@ std::optional<std::int64_t> Number(const toml::node& node, std::int64_t highest)
   return number && *number >= 0 && *number <= highest ? number : std::nullopt;
 }
 
+std::optional<std::vector<std::uint8_t>> ByteList(const toml::node& node, std::size_t most) {
+  const toml::array* const array = node.as_array();
+  if (array == nullptr || array->empty() || array->size() > most) return std::nullopt;
+  std::vector<std::uint8_t> bytes;
+  for (const toml::node& element : *array) {
+    const auto byte = Number(element, 0xFF);
+    if (!byte) return std::nullopt;
+    bytes.push_back(static_cast<std::uint8_t>(*byte));
+  }
+  return bytes;
+}
+
+/// Pairs of usage and bits, their usages in the order of `usages`.
+std::optional<std::vector<HidKeyboard::Field>> DeclaredFields(const toml::node& node,
+                                                              std::span<const std::uint16_t> usages) {
+  const toml::array* const array = node.as_array();
+  if (array == nullptr) return std::nullopt;
+  std::vector<HidKeyboard::Field> fields;
+  for (const toml::node& element : *array) {
+    const auto pair = ByteList(element, 2);
+    if (!pair || pair->size() != 2 || pair->back() == 0) return std::nullopt;
+    const auto found = std::ranges::find(usages, pair->front());
+    if (found == usages.end()) return std::nullopt;
+    usages = usages.subspan(static_cast<std::size_t>(found - usages.begin()) + 1);
+    fields.push_back({pair->front(), pair->back()});
+  }
+  return fields;
+}
+
+bool ReadReportLength(const toml::node& node, Profile& profile) {
+  const auto length = Number(node, 1025);
+  return length >= 3 && Assign(length, profile.hid_keyboards.back().report_length);
+}
+
 std::optional<std::int64_t> Zones(const toml::node& node) {
   const auto zones = Number(node, 4);
   return zones && *zones != 2 ? zones : std::nullopt;
@@ -153,7 +187,74 @@ constexpr Field kLightBar[] = {
     {"present", "true or false",
      [](const toml::node& node, Profile& profile) { return Assign(node.value_exact<bool>(), profile.ec.light_bar); },
      true},
+    {"report", "1 to 15 numbers from 0 to 255, what GetGamingLED answers instead of the truth",
+     [](const toml::node& node, Profile& profile) { return Assign(ByteList(node, 15), profile.ec.lights_report); }},
+    {"return", "a whole number from 0 to 255",
+     [](const toml::node& node, Profile& profile) { return Assign(Number(node, 0xFF), profile.ec.lights_return); }},
 };
+
+/// A number of the keyboard that is being read.
+template <auto kMember, std::int64_t kHighest>
+bool ReadHidNumber(const toml::node& node, Profile& profile) {
+  return Assign(Number(node, kHighest), profile.hid_keyboards.back().*kMember);
+}
+
+template <auto kMember>
+bool ReadHidSwitch(const toml::node& node, Profile& profile) {
+  return Assign(node.value_exact<bool>(), profile.hid_keyboards.back().*kMember);
+}
+
+/// Declared fields of a report, whose usages must be in the order in which the reports have them.
+template <auto kMember, const auto& kUsages>
+bool ReadHidFields(const toml::node& node, Profile& profile) {
+  return Assign(DeclaredFields(node, kUsages), profile.hid_keyboards.back().*kMember);
+}
+
+using Hid = HidKeyboard::Settings;
+constexpr Field kHidKeyboard[] = {
+    {"zones", "a whole number from 0 to 65535", ReadHidNumber<&Hid::zones, 0xFFFF>, true},
+    {"effects", "a whole number from 0 to 4294967295", ReadHidNumber<&Hid::effects, 0xFFFFFFFF>},
+    {"vendor", "a whole number from 0 to 65535", ReadHidNumber<&Hid::vendor, 0xFFFF>},
+    {"product", "a whole number from 0 to 65535", ReadHidNumber<&Hid::product, 0xFFFF>},
+    {"usage_page", "a whole number from 0 to 65535", ReadHidNumber<&Hid::usage_page, 0xFFFF>},
+    {"usage", "a whole number from 0 to 65535", ReadHidNumber<&Hid::usage, 0xFFFF>},
+    {"report_length", "a whole number from 3 to 1025", ReadReportLength},
+    {"other_collection", "true or false", ReadHidSwitch<&Hid::other_collection>},
+    {"plugged", "true or false", ReadHidSwitch<&Hid::plugged>},
+    {"answers", "true or false", ReadHidSwitch<&Hid::answers>},
+    {"device_ids", "1 to 63 numbers from 0 to 255",
+     [](const toml::node& node, Profile& profile) {
+       return Assign(ByteList(node, 63), profile.hid_keyboards.back().device_ids);
+     }},
+    {"claimed_ids", "a whole number from 0 to 255", ReadHidNumber<&Hid::claimed_ids, 0xFF>},
+    {"reply_id", "a whole number from 0 to 255", ReadHidNumber<&Hid::reply_id, 0xFF>},
+    {"base_info", "pairs of usage and bits, [[0x35, 16]], of 0x34, 0x32, 0x35, 0x33, 0x31 in this order",
+     ReadHidFields<&Hid::base_info, HidKeyboard::kBaseInfoUsages>},
+    {"update", "pairs of usage and bits, [[0x41, 8]], of 0x41, 0x43, 0x42, 0x44, 0x45, 0x46, 0x47, 0x48 in this order",
+     ReadHidFields<&Hid::update, HidKeyboard::kUpdateUsages>},
+};
+
+bool FitsIntoReports(const HidKeyboard::Settings& keyboard) {
+  const auto fits = [&](const std::vector<HidKeyboard::Field>& fields) {
+    std::uint32_t bits = 8;  // the device id
+    for (const HidKeyboard::Field& field : fields) bits += field.bits;
+    return bits <= 8 * (keyboard.report_length - 1);
+  };
+  return fits(keyboard.base_info) && fits(keyboard.update);
+}
+
+bool ReadHidKeyboards(const toml::node& node, Profile& profile) {
+  const toml::array* const tables = node.as_array();
+  if (tables == nullptr) return false;
+  for (const toml::node& table : *tables) {
+    profile.hid_keyboards.emplace_back();
+    if (!ReadFields(table, kHidKeyboard, profile)) return false;
+    if (!FitsIntoReports(profile.hid_keyboards.back())) {
+      Fail(table.source(), {"the fields do not fit into report_length"});
+    }
+  }
+  return true;
+}
 
 constexpr Field kLog[] = {{"enabled", "true or false", ReadLogSwitch, true}};
 
@@ -171,6 +272,7 @@ constexpr Field kFile[] = {
     {"firmware", "a table: [firmware]", Section<kFirmware>},
     {"keyboard", "a table: [keyboard]", Section<kKeyboard>},
     {"light_bar", "a table: [light_bar]", Section<kLightBar>},
+    {"hid_keyboard", "tables: [[hid_keyboard]]", ReadHidKeyboards},
     {"log", "a table: [log]", Section<kLog>},
     {"registry", "tables: [registry.'KEY\\KEY']", ReadRegistry},
     {"environment", "a table: [environment]", ReadEnvironment},

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "simulator/ec_firmware.h"
+#include "simulator/hid_keyboard.h"
 
 namespace simulator {
 
@@ -16,6 +17,7 @@ namespace simulator {
 struct Profile {
   std::string title;
   EcFirmware::Settings ec;
+  std::vector<HidKeyboard::Settings> hid_keyboards;
   /// Whether the keyboard can show colours; discovery reports an EC keyboard only then.
   bool rgb_keyboard = true;
   /// Whether the SMBIOS table tells about the EC's lights.

@@ -56,8 +56,8 @@ std::vector<std::string> FindFaults(simulator::Notebook& notebook, const Control
   std::vector<std::string> faults;
   const std::vector<simulator::WireRecord> wire = notebook.TakeWire();
   for (const simulator::WireRecord& record : wire) {
-    if (!record.answer.refusal.empty()) {
-      faults.push_back("the firmware refused " + record.method + ": " + record.answer.refusal);
+    if (!record.refusal.empty()) {
+      faults.push_back("the firmware refused " + record.method + ": " + record.refusal);
     }
   }
   if (!faults.empty() || Shows(notebook.Lights(), records)) return faults;

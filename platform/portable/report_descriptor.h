@@ -25,8 +25,9 @@ struct ReportDescriptor {
   std::string refusal;
 };
 
-/// Any bytes end in one or the other. Limits are those of the Linux kernel, so that what is refused here would not
-/// have worked there.
+/// Any bytes end in one or the other. Limits are those of the Linux kernel, and those of the records: what they cannot
+/// tell, such as more than 65535 data indexes, is refused as well. Memory grows with the descriptor, not with the
+/// ranges and counts in it.
 ReportDescriptor ParseReportDescriptor(std::span<const std::uint8_t> descriptor);
 
 }  // namespace platform

@@ -118,7 +118,7 @@ TEST_F(TsHidTest, ReportsThatFailAreLoggedAndLeaveTheBufferAlone) {
   EXPECT_EQ(GetLastError(), DWORD{31});
   EXPECT_EQ(TakeLines(), (Lines{"E TsHID::SetHIDFeature | Error setting feature on HID device: 31",
                                 "E TsHID::GetHIDFeature | Error getting feature from HID device"}));
-  for (const std::uint64_t call : {1, 2}) {
+  for (const std::uint64_t call : {1U, 2U}) {
     platform::ArmFaults({.first = call});
     EXPECT_FALSE(call == 1 ? TsHID::SetHIDFeature(handle, 0xA4, buffer.data(), 64)
                            : TsHID::GetHIDFeature(handle, 0xA3, buffer.data()));

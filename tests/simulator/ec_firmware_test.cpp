@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/hex.h"
+
 #include <tuple>
 
 namespace simulator {
@@ -72,6 +74,23 @@ TEST(EcFirmwareTest, StaticLightOnTheWholeDeviceLightsEveryZone) {
     EXPECT_EQ(firmware.Send("SetGamingKBBacklight", Padded(packet)), "");
     EXPECT_EQ(firmware.ec.Lights(), (KeyboardLights{std::vector<Zone>(3, {true, color}), 70, {}}));
   }
+}
+
+TEST(EcFirmwareTest, TheLightBarShowsWhatIsSentToBothAndNothingElse) {
+  EcFirmware ec({4, true, {2, 91}});
+  const Bytes for_both = test::Hex("02 05 32 00 01 0a 0b 0c 03 03 00 00 00 00 00 00");
+  const Bytes for_the_keyboard = test::Hex("01 09 64 00 02 ff 00 00 03 01 00 00 00 00 00 00");
+  const Bytes dark_static = test::Hex("00 05 32 00 02 00 00 00 03 03 00 00 00 00 00 00");
+  EXPECT_EQ(ec.LightBar(), LightBarLights{});
+  EXPECT_EQ(ec.Call("SetGamingKBBacklight", for_both).refusal, "");
+  const LightBarLights neon{0x32, Effect{2, 5, 1, {10, 11, 12}}};
+  EXPECT_EQ(ec.LightBar(), neon);
+  EXPECT_EQ(ec.Lights().effect, neon.effect);
+  EXPECT_EQ(ec.Call("SetGamingKBBacklight", for_the_keyboard).refusal, "");
+  EXPECT_EQ(ec.LightBar(), neon);
+  EXPECT_EQ(ec.Call("SetGamingKBBacklight", dark_static).refusal, "");
+  EXPECT_EQ(ec.LightBar(), (LightBarLights{0x32, Effect{0, 5, 2, {}}}));
+  EXPECT_EQ(EcFirmware({4, false, {2, 91}}).LightBar(), std::nullopt);
 }
 
 TEST(EcFirmwareTest, RefusalNamesTheByteAndChangesNothing) {

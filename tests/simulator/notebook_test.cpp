@@ -52,7 +52,7 @@ TEST_F(NotebookMachineTest, RefusedInputIsOnTheWireAndUnusableInputIsNot) {
   ASSERT_EQ(wire.size(), 1U);
   EXPECT_EQ(wire[0].method, "GetGamingLED");
   EXPECT_EQ(wire[0].input, EcFirmware::Input(L"17"));
-  EXPECT_EQ(wire[0].answer.refusal, "the input is 17, must be 16");
+  EXPECT_EQ(wire[0].refusal, "the input is 17, must be 16");
   EXPECT_TRUE(notebook_->TakeWire().empty());
 }
 

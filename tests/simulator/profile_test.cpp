@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <tuple>
 
 #include "tests/support/temporary_folder.h"
 
@@ -37,7 +38,7 @@ title = "All"
 user = "Jürgen"
 firmware = {version = "3.255", instance = 'A\B', latency_ms = 10000}
 keyboard = {zones = 3, rgb = false}
-light_bar.present = true
+light_bar = {present = true, report = [0, 255], return = 7}
 log.enabled = true
 registry = {'SOFTWARE\OEM\ZarnLightingService' = {HybridMode = 0xFFFF0001}}
 environment.PROGRAMDATA = 'C:\Data'
@@ -46,13 +47,47 @@ environment.PROGRAMDATA = 'C:\Data'
   EXPECT_EQ(profile.user_name, L"J\u00FCrgen");
   EXPECT_EQ(profile.firmware_instance, L"A\\B");
   EXPECT_EQ(profile.firmware_latency_ms, 10000U);
-  const auto& [zones, light_bar, version] = profile.ec;
-  EXPECT_TRUE(zones == 3 && light_bar && version == (FirmwareVersion{3, 255}));
+  const auto& [zones, light_bar, version, report, returned] = profile.ec;
+  EXPECT_TRUE(zones == 3 && light_bar && version == (FirmwareVersion{3, 255}) && returned == 7);
+  EXPECT_EQ(report, (std::vector<std::uint8_t>{0, 255}));
   EXPECT_TRUE(profile.firmware_record && !profile.rgb_keyboard);
   const std::wstring key = L"SOFTWARE\\OEM\\ZarnLightingService";
   EXPECT_EQ(profile.registry, (decltype(profile.registry){{key, {{L"HybridMode", {1, 0, 0xFF, 0xFF}}}},
                                                           {key + L"\\Log", {{L"ZarnLightingService", {1, 0, 0, 0}}}}}));
   EXPECT_EQ(profile.environment, (decltype(profile.environment){{L"PROGRAMDATA", L"C:\\Data"}}));
+}
+
+TEST_F(ProfileTest, EveryKeyOfAHidKeyboardReachesTheProfile) {
+  const Profile profile = LoadProfile(File(R"(
+title = "HID"
+[[hid_keyboard]]
+zones = 65535
+[[hid_keyboard]]
+zones = 16
+effects = 0xFFFFFFFF
+vendor = 0xABCD
+product = 0x1234
+usage_page = 0xFF00
+usage = 9
+report_length = 8
+other_collection = true
+plugged = false
+answers = false
+device_ids = [0x21, 1]
+claimed_ids = 200
+reply_id = 0x22
+base_info = [[0x35, 12], [0x31, 32]]
+update = []
+)"));
+  ASSERT_EQ(profile.hid_keyboards.size(), 2U);
+  EXPECT_EQ(profile.hid_keyboards[0].zones, 65535);
+  const HidKeyboard::Settings& all = profile.hid_keyboards[1];
+  EXPECT_EQ(std::tuple(all.zones, all.effects, all.vendor, all.product, all.usage_page, all.usage, all.report_length),
+            std::tuple(16, 0xFFFFFFFF, 0xABCD, 0x1234, 0xFF00, 9, 8U));
+  EXPECT_TRUE(all.other_collection && !all.plugged && !all.answers && all.claimed_ids == 200 && all.reply_id == 0x22);
+  EXPECT_EQ(all.device_ids, (std::vector<std::uint8_t>{0x21, 1}));
+  ASSERT_TRUE(all.base_info.size() == 2 && all.update.empty());
+  EXPECT_TRUE(all.base_info[0].usage == 0x35 && all.base_info[0].bits == 12);
 }
 
 TEST_F(ProfileTest, WhatIsLeftOutTakesItsDefault) {
@@ -67,11 +102,13 @@ TEST_F(ProfileTest, EveryMistakeIsNamedWithItsLineAndRemedy) {
   const std::string title = "title = 'T'\n";
   const std::string firmware = title + "[firmware]\nversion = '2.91'\n";
   const std::string keyboard = firmware + "[keyboard]\n";
+  const std::string hid = title + "[[hid_keyboard]]\n";
   const std::string allowed = "text like \"2.91\", both numbers from 0 to 255";
   const std::pair<std::string, std::string> cases[] = {
       {"title = 1\n", "1: title must be text"},
       {title + "usr = 'x'\n",
-       "2: \"usr\" is not known here, only: title, user, firmware, keyboard, light_bar, log, registry, environment"},
+       "2: \"usr\" is not known here, only: title, user, firmware, keyboard, light_bar, hid_keyboard, log, registry, "
+       "environment"},
       {title + "\n[firmware]\n", "3: version is missing here: " + allowed},
       {title + "[firmware]\nversion = 2.91\n", "3: version must be " + allowed},
       {title + "[firmware]\nversion = '2.256'\n", "3: version must be " + allowed},
@@ -81,6 +118,12 @@ TEST_F(ProfileTest, EveryMistakeIsNamedWithItsLineAndRemedy) {
       {keyboard + "zones = 2\n", "5: zones must be 0, 1, 3 or 4"},
       {keyboard + "rgb = true\n", "4: zones is missing here: 0, 1, 3 or 4"},
       {keyboard + "zones = 4\nrgb = 1\n", "6: rgb must be true or false"},
+      {hid, "2: zones is missing here: a whole number from 0 to 65535"},
+      {hid + "zones = 1\nreport_length = 2\n", "4: report_length must be a whole number from 3 to 1025"},
+      {hid + "zones = 1\nreport_length = 8\n", "2: the fields do not fit into report_length"},
+      {hid + "zones = 1\nbase_info = [[0x31, 8], [0x35, 8]]\n",
+       "4: base_info must be pairs of usage and bits, [[0x35, 16]], of 0x34, 0x32, 0x35, 0x33, 0x31 in this order"},
+      {title + "hid_keyboard = 1\n", "2: hid_keyboard must be tables: [[hid_keyboard]]"},
       {title + "[registry]\nKey = 1\n", "3: Key must be a table: [registry.'KEY\\KEY']"},
       {title + "[registry.'K']\nV = 4294967296\n", "3: V must be a whole number from 0 to 4294967295"},
   };
@@ -97,15 +140,30 @@ TEST_F(ProfileTest, UnreadableFileIsNamedWithTheReason) {
 }
 
 TEST_F(ProfileTest, EveryShippedProfileLoads) {
-  std::map<std::string, std::pair<int, FirmwareVersion>> expected = {
-      {"one-zone", {1, {2, 91}}},     {"three-zone", {3, {2, 91}}},   {"four-zone", {4, {2, 91}}},
-      {"old-firmware", {4, {2, 85}}}, {"mid-firmware", {4, {2, 88}}}, {"no-keyboard", {0, {2, 91}}},
-      {"logging", {4, {2, 91}}}};
+  // EC zones, firmware version, light bar, HID keyboards, registry keys and environment variables.
+  using Expected = std::tuple<int, FirmwareVersion, bool, std::size_t, std::size_t>;
+  std::map<std::string, Expected> expected = {{"one-zone", {1, {2, 91}, false, 0, 0}},
+                                              {"three-zone", {3, {2, 91}, false, 0, 0}},
+                                              {"four-zone", {4, {2, 91}, false, 0, 0}},
+                                              {"old-firmware", {4, {2, 85}, false, 0, 0}},
+                                              {"mid-firmware", {4, {2, 88}, false, 0, 0}},
+                                              {"no-keyboard", {0, {2, 91}, false, 0, 0}},
+                                              {"logging", {4, {2, 91}, false, 0, 2}},
+                                              {"light-bar", {4, {2, 91}, true, 0, 0}},
+                                              {"light-bar-old", {4, {2, 90}, true, 0, 0}},
+                                              {"light-bar-silent", {4, {3, 0}, true, 0, 0}},
+                                              {"hid-keyboard", {0, {0, 0}, false, 1, 0}},
+                                              {"hybrid", {4, {2, 91}, true, 1, 1}},
+                                              {"two-hid-keyboards", {0, {0, 0}, false, 2, 0}},
+                                              {"narrow-fields", {0, {0, 0}, false, 1, 0}},
+                                              {"liar", {0, {0, 0}, false, 1, 0}}};
   for (const auto& entry : fs::directory_iterator(ZARN_PROFILE_DIR)) {
     const std::string name = entry.path().stem().string();
     const Profile profile = LoadProfile(entry.path());
-    EXPECT_EQ(std::pair(profile.ec.keyboard_zones, profile.ec.version), expected[name]) << name;
-    EXPECT_EQ(profile.registry.size() + profile.environment.size(), name == "logging" ? 2U : 0U) << name;
+    EXPECT_EQ(Expected(profile.ec.keyboard_zones, profile.ec.version, profile.ec.light_bar,
+                       profile.hid_keyboards.size(), profile.registry.size() + profile.environment.size()),
+              expected[name])
+        << name;
     expected.erase(name);
   }
   EXPECT_TRUE(expected.empty()) << expected.begin()->first;

@@ -1,0 +1,140 @@
+/// A keyboard with a USB lighting controller of its own: feature reports in and out, lights.
+///
+/// Knows bytes and nothing else. Its report descriptor says which fields its reports have and how wide they are, and
+/// it packs them so: back to back, a field of n bits in n / 8 bytes, the lowest byte first. Refuses what it could not
+/// have been meant to get, saying why. Threads: any, several at once.
+#pragma once
+
+#include <array>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "simulator/ec_firmware.h"
+
+namespace simulator {
+
+/// What the keyboard shows. All values stand as they were sent.
+struct HidLights {
+  struct Zone {
+    std::uint8_t mode = 0;  // the keyboard's own code; 2 is a static colour, 0 is dark
+    std::uint8_t brightness = 0;
+    std::uint8_t speed = 0;
+    std::uint8_t direction = 0;
+    Color color;
+
+    friend bool operator==(const Zone&, const Zone&) = default;
+  };
+  std::vector<Zone> zones;
+
+  friend bool operator==(const HidLights&, const HidLights&) = default;
+};
+
+class HidKeyboard {
+ public:
+  /// A field of a report, as the descriptor declares it.
+  struct Field {
+    std::uint16_t usage = 0;
+    std::uint32_t bits = 0;
+  };
+  struct Settings {
+    std::uint16_t vendor = 0x1209;
+    std::uint16_t product = 0x0001;
+    std::uint16_t usage_page = 0xFF5A;
+    std::uint16_t usage = 1;
+    /// Of feature reports in bytes, with the report id.
+    std::uint32_t report_length = 65;
+    /// An ordinary keyboard's collection in front of the lighting collection.
+    bool other_collection = false;
+    bool plugged = true;
+    /// Whether it answers the attribute report.
+    bool answers = true;
+    std::vector<std::uint8_t> device_ids = {0x21};
+    /// How many device ids it claims to have; without a lie, as many as it has.
+    std::optional<std::uint8_t> claimed_ids = {};
+    /// The device id that its base information is for; without a lie, the one asked for.
+    std::optional<std::uint8_t> reply_id = {};
+    std::uint16_t zones = 0;
+    std::uint32_t effects = 0;  // bit n for the effect with code n + 1
+    std::uint8_t info32 = 2;
+    std::uint16_t info33 = 5;
+    std::uint8_t info34 = 1;
+    /// Declared fields of the base-information reply and of the update, in the order of the report.
+    std::vector<Field> base_info = {{0x34, 8}, {0x32, 8}, {0x35, 16}, {0x33, 16}, {0x31, 32}};
+    std::vector<Field> update = {{0x41, 8}, {0x43, 8}, {0x42, 8}, {0x44, 8},
+                                 {0x45, 8}, {0x46, 8}, {0x47, 8}, {0x48, 16}};
+  };
+  /// The usages that the fields of the two reports may have, in their order.
+  static constexpr std::array<std::uint16_t, 5> kBaseInfoUsages{0x34, 0x32, 0x35, 0x33, 0x31};
+  static constexpr std::array<std::uint16_t, 8> kUpdateUsages{0x41, 0x43, 0x42, 0x44, 0x45, 0x46, 0x47, 0x48};
+
+  enum class Result { Done, Refused, NoAnswer, Gone };
+  struct Answer {
+    Result result = Result::Done;
+    std::string refusal = {};               // why it is not Done
+    std::vector<std::uint8_t> report = {};  // what was read
+  };
+
+  /// What goes wrong from some exchange on.
+  struct Misbehaviour {
+    enum class Kind {
+      Fail,   // the exchange is refused
+      Stall,  // it takes `stall_ms` and ends without an answer, sooner by an unplug or by other behaviour
+      Short   // of a report that is read only the first two bytes come
+    };
+    Kind kind = Kind::Fail;
+    /// The first exchange that it befalls, counted from 1; 0: none.
+    std::uint32_t first = 1;
+    bool once = false;
+    std::uint32_t stall_ms = 5000;
+  };
+
+  explicit HidKeyboard(const Settings& settings);
+
+  const Settings& settings() const { return settings_; }
+  const std::vector<std::uint8_t>& report_descriptor() const { return report_descriptor_; }
+
+  /// Names the present plugging for exchanges; nothing while it is unplugged.
+  std::optional<std::uint64_t> Connect() const;
+  /// Exchanges with the keyboard as long as it has not been unplugged since `plugging` was named.
+  Answer SetFeature(std::uint64_t plugging, std::span<const std::uint8_t> report);
+  Answer GetFeature(std::uint64_t plugging, std::uint8_t report_id);
+
+  HidLights Lights() const;
+
+  /// It comes back with its lights as they were.
+  void Plug();
+  void Unplug();
+  /// Takes the place of any misbehaviour before, and starts counting anew.
+  void Misbehave(const Misbehaviour& misbehaviour);
+
+ private:
+  /// Waits as a stall demands; an answer when the exchange ends there.
+  std::optional<Answer> Hindrance(std::uint64_t plugging, std::unique_lock<std::mutex>& lock);
+  /// Whether the exchange that was just counted is one that misbehaves.
+  bool Befallen() const;
+  Answer Update(std::span<const std::uint8_t> report);
+  std::vector<std::uint8_t> Attributes() const;
+  std::vector<std::uint8_t> BaseInfo() const;
+
+  const Settings settings_;
+  const std::vector<std::uint8_t> report_descriptor_;
+
+  mutable std::mutex lock_;
+  std::condition_variable changed_;
+  // Guarded by lock_.
+  bool plugged_;
+  std::uint64_t plugging_ = 1;
+  Misbehaviour misbehaviour_{.first = 0};
+  std::uint64_t behaviour_ = 0;  // counts calls of Misbehave
+  std::uint32_t exchanges_ = 0;  // since then
+  std::uint8_t asked_id_ = 0;
+  HidLights lights_;
+};
+
+}  // namespace simulator

@@ -1,0 +1,293 @@
+#include "platform/portable/report_descriptor.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/hex.h"
+
+namespace test {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+using platform::HidCollection;
+using Lines = std::vector<std::string>;
+
+platform::ReportDescriptor Parsed(const Bytes& bytes) {
+  auto parsed = platform::ParseReportDescriptor(ExactBlock(bytes).view());
+  EXPECT_NE(parsed.collections.empty(), parsed.refusal.empty());
+  return parsed;
+}
+
+std::string RefusalOf(const Bytes& bytes) { return Parsed(bytes).refusal; }
+
+std::vector<HidCollection> Collections(const std::string& hex) {
+  const auto parsed = Parsed(Hex(hex));
+  EXPECT_EQ(parsed.refusal, "") << hex;
+  return parsed.collections;
+}
+
+/// The one collection around `items`, on page FF00 with values of 8 bits, one at a time.
+HidCollection Around(const std::string& items) {
+  auto collections = Collections("06 00 ff 09 01 a1 01 75 08 95 01 " + items + " c0");
+  EXPECT_EQ(collections.size(), 1U);
+  return collections.empty() ? HidCollection() : collections[0];
+}
+
+std::string Repeated(const std::string& hex, int times) {
+  std::string all;
+  for (int i = 0; i < times; ++i) all += hex + " ";
+  return all;
+}
+
+std::string Indexes(USHORT first, USHORT last, bool range) {
+  std::ostringstream text;
+  text << std::hex << first;
+  if (range || last != 0) text << '-' << last;  // what is reserved shows when it is not 0
+  return text.str();
+}
+
+/// "id page:usage bits x count @data index", all in hexadecimal.
+Lines Values(const HidCollection& collection, HIDP_REPORT_TYPE kind = HidP_Feature) {
+  Lines lines;
+  for (const HIDP_VALUE_CAPS& caps : collection.values[kind]) {
+    const bool range = caps.IsRange != FALSE;
+    std::ostringstream line;
+    line << std::hex << int{caps.ReportID} << ' ' << caps.UsagePage << ':'
+         << Indexes(caps.Range.UsageMin, caps.Range.UsageMax, range) << ' ' << caps.BitSize << 'x' << caps.ReportCount
+         << " @" << Indexes(caps.Range.DataIndexMin, caps.Range.DataIndexMax, range);
+    lines.push_back(line.str());
+  }
+  return lines;
+}
+
+/// Page, usage, input, output and feature length, and collections inside.
+std::vector<int> Shape(const HIDP_CAPS& caps) {
+  return {caps.UsagePage,
+          caps.Usage,
+          caps.InputReportByteLength,
+          caps.OutputReportByteLength,
+          caps.FeatureReportByteLength,
+          caps.NumberLinkCollectionNodes};
+}
+
+/// Button capabilities, value capabilities and data indexes of input, output and feature.
+std::vector<int> Counts(const HIDP_CAPS& caps) {
+  return {caps.NumberInputButtonCaps,   caps.NumberInputValueCaps,   caps.NumberInputDataIndices,
+          caps.NumberOutputButtonCaps,  caps.NumberOutputValueCaps,  caps.NumberOutputDataIndices,
+          caps.NumberFeatureButtonCaps, caps.NumberFeatureValueCaps, caps.NumberFeatureDataIndices};
+}
+
+TEST(ReportDescriptorParser, BootKeyboardHasButtonsAndLights) {
+  const auto keyboard = Collections(
+      "05 01 09 06 a1 01 05 07 19 e0 29 e7 15 00 25 01 75 01 95 08 81 02 95 01 75 08 81 01 95 05 75 01 05 08 19 01 "
+      "29 05 91 02 95 01 75 03 91 01 95 06 75 08 15 00 25 65 05 07 19 00 29 65 81 00 c0");
+  ASSERT_EQ(keyboard.size(), 1U);
+  EXPECT_EQ(Shape(keyboard[0].caps), (std::vector{1, 6, 9, 2, 0, 1}));
+  EXPECT_EQ(Counts(keyboard[0].caps), (std::vector{2, 0, 110, 1, 0, 5, 0, 0, 0}));
+}
+
+TEST(ReportDescriptorParser, MouseHasTwoRelativeValuesBehindItsButtons) {
+  const auto mouse = Collections(
+      "05 01 09 02 a1 01 09 01 a1 00 05 09 19 01 29 03 15 00 25 01 95 03 75 01 81 02 95 01 75 05 81 01 "
+      "05 01 09 30 09 31 15 81 25 7f 75 08 95 02 81 06 c0 c0");
+  ASSERT_EQ(mouse.size(), 1U);
+  EXPECT_EQ(Shape(mouse[0].caps), (std::vector{1, 2, 4, 0, 0, 2}));
+  EXPECT_EQ(Counts(mouse[0].caps), (std::vector{1, 2, 5, 0, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(Values(mouse[0], HidP_Input), (Lines{"0 1:30 8x1 @3", "0 1:31 8x1 @4"}));
+  const HIDP_VALUE_CAPS& x = mouse[0].values[HidP_Input].at(0);
+  EXPECT_EQ((std::vector{x.LogicalMin, x.LogicalMax}), (std::vector{-127, 127}));
+  EXPECT_EQ((std::vector<int>{x.BitField, x.IsAbsolute, x.HasNull}), (std::vector{6, 0, 0}));
+  EXPECT_EQ((std::vector<int>{x.LinkCollection, x.LinkUsage, x.LinkUsagePage}), (std::vector{1, 1, 1}));
+}
+
+TEST(ReportDescriptorParser, LightingKeyboardDeclaresItsFourReports) {
+  const auto lighting = Collections(
+      "06 5a ff 09 01 a1 01 15 00 26 ff 00 75 08 85 a1 09 11 95 40 b1 02 85 a2 09 21 95 01 b1 02 95 3f b1 03 "
+      "85 a3 95 01 09 30 b1 02 09 34 b1 02 09 32 b1 02 27 ff ff 00 00 75 10 09 35 b1 02 09 33 b1 02 "
+      "27 ff ff ff 7f 75 20 09 31 b1 02 75 08 95 35 b1 03 "
+      "85 a4 26 ff 00 95 01 09 40 b1 02 09 41 09 43 09 42 09 44 09 45 09 46 09 47 95 07 b1 02 "
+      "27 ff ff 00 00 75 10 95 01 09 48 b1 02 75 08 95 36 b1 03 c0");
+  ASSERT_EQ(lighting.size(), 1U);
+  EXPECT_EQ(Shape(lighting[0].caps), (std::vector{0xFF5A, 1, 0, 0, 65, 1}));
+  EXPECT_EQ(Counts(lighting[0].caps), (std::vector{0, 0, 0, 0, 0, 0, 0, 17, 17}));
+  EXPECT_EQ(
+      Values(lighting[0]),
+      (Lines{"a1 ff5a:11 8x40 @0", "a2 ff5a:21 8x1 @1", "a3 ff5a:30 8x1 @2", "a3 ff5a:34 8x1 @3", "a3 ff5a:32 8x1 @4",
+             "a3 ff5a:35 10x1 @5", "a3 ff5a:33 10x1 @6", "a3 ff5a:31 20x1 @7", "a4 ff5a:40 8x1 @8", "a4 ff5a:41 8x1 @9",
+             "a4 ff5a:43 8x1 @a", "a4 ff5a:42 8x1 @b", "a4 ff5a:44 8x1 @c", "a4 ff5a:45 8x1 @d", "a4 ff5a:46 8x1 @e",
+             "a4 ff5a:47 8x1 @f", "a4 ff5a:48 10x1 @10"}));
+  EXPECT_EQ(lighting[0].values[HidP_Feature].at(7).LogicalMax, 0x7FFFFFFF);
+}
+
+TEST(ReportDescriptorParser, TopLevelCollectionsCountForThemselves) {
+  const auto both = Collections(
+      "05 01 09 06 a1 01 85 01 75 08 95 03 09 30 b1 02 09 31 a1 02 c0 09 32 a1 02 95 01 09 33 b1 02 c0 c0 "
+      "05 0c 0a 34 12 a1 01 85 02 95 01 09 40 b1 02 09 41 81 02 c0");
+  ASSERT_EQ(both.size(), 2U);
+  EXPECT_EQ(Shape(both[0].caps), (std::vector{1, 6, 0, 0, 5, 3}));
+  EXPECT_EQ(Shape(both[1].caps), (std::vector{0x0C, 0x1234, 2, 0, 2, 1}));
+  EXPECT_EQ(Values(both[0]), (Lines{"1 1:30 8x3 @0", "1 1:33 8x1 @1"}));
+  EXPECT_EQ(both[0].values[HidP_Feature].at(1).LinkCollection, 2);
+  EXPECT_EQ(Values(both[1]), (Lines{"2 c:40 8x1 @0"}));
+  EXPECT_EQ(Values(both[1], HidP_Input), (Lines{"2 c:41 8x1 @0"}));
+  // One report in two collections: each has the length of its own part.
+  const auto shared = Collections("a1 01 75 08 95 04 b1 01 c0 a1 01 95 02 b1 01 c0");
+  ASSERT_EQ(shared.size(), 2U);
+  EXPECT_EQ(shared[0].caps.FeatureReportByteLength, 5);
+  EXPECT_EQ(shared[1].caps.FeatureReportByteLength, 3);
+}
+
+TEST(ReportDescriptorParser, LengthIsThatOfTheLongestReportInWholeBytes) {
+  EXPECT_EQ(Around("85 01 75 03 95 03 b1 01 85 02 95 01 b1 01").caps.FeatureReportByteLength, 3);
+  EXPECT_EQ(Around("75 04 b1 01 75 05 b1 01").caps.FeatureReportByteLength, 3);  // without report ids
+  EXPECT_EQ(Around("95 00 09 30 b1 02 95 01 75 00 09 30 b1 02").caps.FeatureReportByteLength, 0);
+  // Fields outside of collections are nobody's.
+  const auto outside = Collections("75 08 95 08 09 30 b1 02 a1 01 09 31 b1 02 c0 09 32 b1 02");
+  ASSERT_EQ(outside.size(), 1U);
+  EXPECT_EQ(outside[0].caps.FeatureReportByteLength, 9);
+  EXPECT_EQ(Values(outside[0]), (Lines{"0 0:31 8x8 @0"}));
+}
+
+TEST(ReportDescriptorParser, UsagesShareTheValuesOfAField) {
+  const struct {
+    const char* items;
+    Lines values;
+  } kCases[] = {
+      {"09 30 09 31 95 05 b1 02", {"0 ff00:30 8x1 @0", "0 ff00:31 8x4 @1"}},
+      {"09 30 09 31 09 32 95 02 b1 02", {"0 ff00:30 8x1 @0", "0 ff00:31 8x1 @1"}},
+      {"19 30 29 33 95 04 b1 02", {"0 ff00:30-33 8x4 @0-3"}},
+      {"19 30 29 33 95 06 b1 02 09 40 b1 02", {"0 ff00:30-33 8x6 @0-3", "0 ff00:40 8x6 @4"}},
+      {"1a 00 00 2a ff ff 95 03 b1 02", {"0 ff00:0-2 8x3 @0-2"}},
+      {"19 30 29 33 b1 02", {"0 ff00:30 8x1 @0"}},
+      {"19 30 29 31 09 40 95 04 b1 02", {"0 ff00:30-31 8x2 @0-1", "0 ff00:40 8x2 @2"}},
+      {"95 04 b1 02 09 30 b1 02", {"0 ff00:30 8x4 @0"}},                          // without a usage: no capability
+      {"09 30 b1 03 b1 01 09 31 b1 02", {"0 ff00:31 8x1 @0"}},                    // constants
+      {"09 30 b1 00 75 01 09 31 b1 02 75 08 09 32 b1 02", {"0 ff00:32 8x1 @2"}},  // buttons, and then a value
+      {"0b 31 00 0c 00 b1 02", {"0 c:31 8x1 @0"}},                                // the page in the usage
+      {"1b 31 00 0c 00 2b 32 00 0c 00 95 02 b1 02", {"0 c:31-32 8x2 @0-1"}},
+      {"09 30 05 0c b1 02", {"0 c:30 8x1 @0"}},  // the page in force at the main item
+      {"a9 01 09 30 09 31 19 01 29 09 a9 00 09 32 95 02 b1 02", {"0 ff00:30 8x1 @0", "0 ff00:32 8x1 @1"}},
+      {"a9 01 09 30 a9 00 a9 01 09 31 09 32 a9 00 95 02 b1 02", {"0 ff00:30 8x1 @0", "0 ff00:31 8x1 @1"}},
+      {"fe 03 c0 c0 c0 c0 09 30 fe 00 00 b1 02 fc", {"0 ff00:30 8x1 @0"}},  // long and reserved items
+      {"09 30 d0 09 31 b1 02 fb 01 02 03 04 c9 05", {"0 ff00:31 8x1 @0"}},  // unknown main and local items
+      {"08 b1 02", {"0 ff00:0 8x1 @0"}},                                    // items without data
+  };
+  for (const auto& c : kCases) EXPECT_EQ(Values(Around(c.items)), c.values) << c.items;
+  EXPECT_EQ(Around("b1 02").caps.FeatureReportByteLength, 2);
+  EXPECT_EQ(Counts(Around("09 30 19 40 29 4f b1 00").caps), (std::vector{0, 0, 0, 0, 0, 0, 2, 0, 17}));
+  EXPECT_EQ(Counts(Around("75 01 95 04 09 30 19 40 29 4f b1 02").caps), (std::vector{0, 0, 0, 0, 0, 0, 2, 0, 4}));
+}
+
+TEST(ReportDescriptorParser, GlobalsReachTheRecordAndReturnAfterPop) {
+  const HidCollection collection = Around(
+      "85 07 16 00 80 26 ff 7f 37 00 00 00 80 47 ff ff ff 7f 55 0e 67 11 f0 00 01 09 30 b1 42 "
+      "a4 85 08 15 80 25 ff 35 ff 45 01 55 00 65 00 75 10 95 02 06 01 ff 09 31 92 04 01 b4 09 32 b1 02");
+  ASSERT_EQ(Values(collection), (Lines{"7 ff00:30 8x1 @0", "7 ff00:32 8x1 @1"}));
+  for (const HIDP_VALUE_CAPS& caps : collection.values[HidP_Feature]) {
+    EXPECT_EQ((std::vector{caps.LogicalMin, caps.LogicalMax}), (std::vector{-32768, 32767}));
+    EXPECT_EQ((std::vector{caps.PhysicalMin, caps.PhysicalMax}), (std::vector{INT32_MIN, INT32_MAX}));
+    EXPECT_EQ((std::vector{caps.UnitsExp, caps.Units}), (std::vector<ULONG>{0x0E, 0x0100F011}));
+    EXPECT_EQ(caps.IsAbsolute, 1);
+  }
+  EXPECT_EQ(collection.values[HidP_Feature].at(0).HasNull, 1);
+  EXPECT_EQ(collection.values[HidP_Feature].at(1).HasNull, 0);
+  EXPECT_EQ(collection.caps.OutputReportByteLength, 5);
+  EXPECT_EQ(collection.caps.NumberOutputButtonCaps, 1);
+  const HIDP_VALUE_CAPS wide = Around("15 80 25 ff 35 ff 45 01 09 31 b2 06 01").values[HidP_Feature].at(0);
+  EXPECT_EQ((std::vector{wide.LogicalMin, wide.LogicalMax, wide.PhysicalMin, wide.PhysicalMax}),
+            (std::vector{-128, -1, -1, 1}));
+  EXPECT_EQ(wide.BitField, 0x106);
+  EXPECT_EQ(wide.IsAbsolute, 0);
+}
+
+TEST(ReportDescriptorParser, StringsAndDesignatorsFollowTheirControls) {
+  const auto values =
+      Around(
+          "09 30 7b 05 00 01 00 79 04 39 07 09 31 79 09 b1 02 95 02 b1 02 95 03 09 32 09 33 79 02 89 10 99 12 b1 02 "
+          "19 40 29 42 49 05 59 07 89 09 99 03 a9 01 09 50 79 01 09 51 79 02 a9 00 b1 02")
+          .values[HidP_Feature];
+  ASSERT_EQ(values.size(), 4U);
+  const auto names = [&](std::size_t i) {
+    const HIDP_VALUE_CAPS& caps = values.at(i);
+    return Indexes(caps.Range.StringMin, caps.Range.StringMax, caps.IsStringRange != FALSE) + " " +
+           Indexes(caps.Range.DesignatorMin, caps.Range.DesignatorMax, caps.IsDesignatorRange != FALSE);
+  };
+  EXPECT_EQ(names(0), "4 7");  // no index has more than 16 bits
+  EXPECT_EQ(names(1), "2 0");
+  EXPECT_EQ(names(2), "10-11 0");  // the last usage has two of the values, and the strings of both
+  EXPECT_EQ(names(3), "1 5-7");    // a backward range names nothing, nor does an alternative
+}
+
+TEST(ReportDescriptorParser, LimitsHoldAndOneBeyondIsRefused) {
+  const std::string open = "a1 01 75 08 95 01 ";
+  const auto refusal = [&](const std::string& items) { return RefusalOf(Hex(open + items + " c0")); };
+  const struct {
+    std::string at, beyond, why;
+  } kCases[] = {
+      {"76 00 01", "76 01 01", "byte 6: Report Size beyond 256 bits"},
+      {"96 00 30", "96 01 30", "byte 6: Report Count beyond 12288"},
+      {"85 01 86 ff 00", "85 00", "byte 6: Report ID outside 1 to 255"},
+      {"85 01", "86 00 01", "byte 6: Report ID outside 1 to 255"},
+      {"07 ff ff 00 00", "07 00 00 01 00", "byte 6: Usage Page beyond 65535"},
+      {"a4 a4 a4 a4 b4 b4 b4 b4", "a4 a4 a4 a4 a4", "byte 10: Push beyond 4 levels"},
+      {"1a 01 00 2a ff 2f 09 01", "1a 01 00 2a 00 30 09 01", "byte 12: more than 12288 usages"},
+      {"96 ff 2f b1 01 96 00 10 b1 01", "96 00 30 b1 01 96 00 10 b1 01", "byte 14: report of more than 16384 bytes"},
+      {"85 01 96 00 30 b1 01 91 01 85 02 b1 01", "85 01 96 00 30 b1 01 a1 00 b1 01",
+       "byte 15: report of more than 16384 bytes"},
+      {Repeated("09 01 b1 02", 256) + "b1 01 09 01 91 02", Repeated("09 01 b1 02", 257),
+       "byte 1032: report of more than 256 fields"},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(refusal(c.at), "") << c.at;
+    EXPECT_EQ(refusal(c.beyond + " c0"), c.why) << c.beyond;
+  }
+  EXPECT_EQ(Around("96 ff 2f b1 01 96 00 10 b1 01").caps.FeatureReportByteLength, 16384);
+  // A report that goes on in another collection is still one report.
+  EXPECT_EQ(RefusalOf(Hex("a1 01 75 08 96 00 30 b1 01 c0 a1 01 b1 01 c0")), "byte 12: report of more than 16384 bytes");
+
+  // Ranges end where the usages of an item do; data indexes end where their records do.
+  const std::string any = "1a 00 00 2a ff ff b1 00 ";
+  const auto most = Around(Repeated(any, 5) + "1a 00 00 2a fe 0f b1 00");
+  EXPECT_EQ(most.caps.NumberFeatureDataIndices, 65535);
+  EXPECT_EQ(refusal(Repeated(any, 5) + "1a 00 00 2a ff 0f b1 00"), "byte 52: more than 65535 data indexes");
+
+  Bytes longest(4096, 0x04);
+  longest.front() = 0xA1;
+  longest.at(1) = 0x01;
+  longest.back() = 0xC0;
+  EXPECT_EQ(RefusalOf(longest), "");
+  longest.push_back(0x04);
+  EXPECT_EQ(RefusalOf(longest), "byte 4096: descriptor of more than 4096 bytes");
+}
+
+TEST(ReportDescriptorParser, WhatIsWrongIsToldWithItsPlace) {
+  const struct {
+    const char* hex;
+    const char* why;
+  } kCases[] = {
+      {"", "byte 0: the descriptor ends without a collection"},
+      {"05 01 09 02", "byte 4: the descriptor ends without a collection"},
+      {"a1 01 a1 00 c0", "byte 5: the descriptor ends inside a collection"},
+      {"a1 01 c0 c0", "byte 3: End Collection without a collection"},
+      {"a1 01 c0 a9 01", "byte 5: the descriptor ends with an open delimiter"},
+      {"a1 01 a9 01 a9 01", "byte 4: Delimiter opened inside another"},
+      {"a1 01 a9 00", "byte 2: Delimiter closed that is not open"},
+      {"a1 01 b4", "byte 2: Pop without a Push"},
+      {"a1 01 19 05 29 04", "byte 4: Usage Maximum below Usage Minimum"},
+      {"a1 01 19 05 2b 06 00 01 00", "byte 4: Usage Maximum on another page than Usage Minimum"},
+      {"a1 01 c4 c0", "byte 2: unknown global item"},
+      {"a1 01 c0 26 ff", "byte 3: item that runs past the end"},
+      {"a1 01 c0 27 ff ff ff", "byte 3: item that runs past the end"},
+      {"a1 01 c0 fe", "byte 3: item that runs past the end"},
+      {"a1 01 c0 fe 00", "byte 3: item that runs past the end"},
+      {"a1 01 c0 fe 02 00 01", "byte 3: item that runs past the end"},
+  };
+  for (const auto& c : kCases) EXPECT_EQ(RefusalOf(Hex(c.hex)), c.why) << c.hex;
+}
+
+}  // namespace
+}  // namespace test
