@@ -1,0 +1,95 @@
+/// The whole-device light with its light bar.
+
+#include "tests/cases/case.h"
+
+namespace test {
+namespace {
+
+using simulator::Effect;
+using simulator::LightBarLights;
+
+class EcGlobalCase : public Case {
+ protected:
+  Device CreateGlobal(const std::string& profile) {
+    Start(profile);
+    Device global = Create("ZarnECGlobal");
+    Wire();
+    Log();
+    return global;
+  }
+};
+
+TEST_F(EcGlobalCase, DescribesOneLightWithTheModesOfTheEcKeyboard) {
+  NEEDS(Need::Firmware);
+  const Device global = CreateGlobal("light-bar");
+  const ControllerRecords records = Describe(global);
+  EXPECT_EQ(records.title, "Zarn Global Device");
+  EXPECT_EQ(records.maker_name, "Zarn");
+  EXPECT_EQ(records.caption, "Zarn Global Device");
+  EXPECT_EQ(records.hw_kind, 5);
+  ASSERT_TRUE(records.zone_list.size() == 1 && records.led_list.size() == 1 && records.color_table.size() == 1);
+  EXPECT_EQ(records.zone_list[0].label, "Global Backlight zone");
+  EXPECT_EQ(records.zone_list[0].zone_kind, 1);
+  EXPECT_EQ(records.led_list[0].label, "Global Backlight zone 1");
+
+  const Device keyboard = Create("ZarnECKeyboard");
+  ControllerRecords of_keyboard = Describe(keyboard);
+  ASSERT_EQ(records.mode_list.size(), 9U);
+  const ModeRecord& direct = records.mode_list[0];
+  EXPECT_TRUE(direct.capabilities == 0x20 && direct.brightness_highest == 0 && direct.brightness_setting == 0);
+  EXPECT_EQ(records.mode_list[4].capabilities, 0x13U);
+  // But for these two rows the tables are one.
+  of_keyboard.mode_list[0] = direct;
+  of_keyboard.mode_list[4].capabilities = 0x13;
+  for (std::int32_t i = 0; i < 9; ++i) {
+    const auto here = PackModePacket(records, i, 3);
+    const auto there = PackModePacket(of_keyboard, i, 3);
+    EXPECT_EQ(std::vector(here.bytes.get(), here.bytes.get() + here.size),
+              std::vector(there.bytes.get(), there.bytes.get() + there.size));
+  }
+}
+
+TEST_F(EcGlobalCase, EveryModeButDirectIsOneEffectForAllLights) {
+  NEEDS(Need::Firmware);
+  const Device global = CreateGlobal("light-bar");
+  Choose(global, "STATIC", {.colors = {0xFF0000}});
+  EXPECT_EQ(Wire(), Lines{"SetGamingKBBacklight 00 05 32 00 02 00 00 ff 03 03"});
+  EXPECT_EQ(notebook->LightBar(), (LightBarLights{50, Effect{0, 5, 2, {0, 0, 255}}}));
+  EXPECT_EQ(notebook->Lights().zones[3].color, (simulator::Color{0, 0, 255}));
+  Log();
+  Choose(global, "NEON", {.colors = {0xFFFFFF}});
+  EXPECT_EQ(Wire(), Lines{"SetGamingKBBacklight 02 05 32 00 02 00 00 00 03 03"});
+  EXPECT_EQ(notebook->LightBar(), (LightBarLights{50, Effect{2, 5, 2, {}}}));
+  Lines log = {"Enter!!", "mode=2, speed=5, direction=2, brightness=50, color= (0X0,0X0,0X0)"};
+  const char* const bytes[] = {"2", "5", "32", "0", "2", "0", "0", "0", "3", "3", "0", "0", "0", "0", "0", "0"};
+  for (std::size_t i = 0; i < 16; ++i) log.push_back("input_data[" + std::to_string(i) + "] = 0X" + bytes[i]);
+  EXPECT_EQ(Log("ZarnECGlobalController::SetMode"), log);
+  Choose(global, "TWINKLING", {.speed = 0x109, .brightness = 0x164, .direction = 5, .colors = {0x030201}});
+  EXPECT_EQ(Wire(), Lines{"SetGamingKBBacklight 07 09 64 00 06 01 02 03 03 03"});
+}
+
+TEST_F(EcGlobalCase, HasNoColourPath) {
+  NEEDS(Need::Firmware);
+  const Device global = CreateGlobal("light-bar");
+  global->StoreLedColor(0, 0xFF);
+  Choose(global, "Direct");
+  global->WriteColorsToDevice();
+  global->WriteZoneToDevice(0);
+  global->WriteLedToDevice(0);
+  global->ChooseMode(9);
+  global->WriteModeToDevice();
+  global->SelectFirstMode();
+  EXPECT_EQ(global->CurrentModeIndex(), 0);
+  EXPECT_EQ(global->FetchLedColor(0), 0xFFU);
+  EXPECT_EQ(Wire(), Lines{});
+}
+
+TEST_F(EcGlobalCase, WithoutALightBarThePacketIsForTheKeyboard) {
+  NEEDS(Need::Firmware);
+  const Device global = CreateGlobal("four-zone");
+  Choose(global, "STATIC", {.colors = {0xFF0000}});
+  EXPECT_EQ(Wire(), Lines{"SetGamingKBBacklight 00 05 32 00 02 00 00 ff 03 01"});
+}
+
+}  // namespace
+}  // namespace test
