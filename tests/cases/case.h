@@ -25,17 +25,6 @@ namespace test {
 using Lines = std::vector<std::string>;
 using simulator::HidKeyboard;
 
-/// What discovery answered.
-struct Discovered {
-  std::int32_t count = 0;
-  std::wstring names = L"as it was";
-  std::uint32_t interface_type = 99;
-  std::wstring hardware_id = L"as it was";
-  std::wstring usage_page = L"as it was";
-
-  friend bool operator==(const Discovered&, const Discovered&) = default;
-};
-
 /// Settings of a mode that a case changes.
 struct Setting {
   std::uint32_t speed = 5;
@@ -65,27 +54,15 @@ class Case : public ::testing::Test {
     profile.environment[L"PROGRAMDATA"] = data_folder_->path().wstring();
     notebook = std::make_shared<simulator::Notebook>(std::move(profile));
     TheRoad().Place(notebook);
-    plugin_ = FreshPlugin();
+    plugin_ = LoadPlugin();
     logged_ = 0;
   }
   void Start(const std::string& profile) { Start(ProfileOf(profile)); }
 
-  Discovered Discover() const {
-    Discovered found;
-    found.count = plugin_->Find<std::int32_t(std::wstring&, std::uint32_t&, std::wstring&, std::wstring&)>(
-        "CheckDeviceStatus")(found.names, found.interface_type, found.hardware_id, found.usage_page);
-    return found;
-  }
+  Discovered Discover() const { return plugin_->Discover(); }
 
   using Device = std::unique_ptr<RGBControllerInterface>;
-  void* CreateController(const std::string& name) const {
-    return plugin_->Find<void*()>(("Create" + name + "ControllerClassInstance").c_str())();
-  }
-  Device CreateAround(const std::string& name, void* controller) const {
-    return Device(plugin_->Find<RGBControllerInterface*(void*)>(
-        ("CreateRGBController_" + name + "ClassInstance").c_str())(controller));
-  }
-  Device Create(const std::string& name) const { return CreateAround(name, CreateController(name)); }
+  Device Create(const std::string& name) const { return plugin_->Create(name); }
 
   static ControllerRecords Describe(const Device& device) {
     ControllerRecords records;
@@ -177,14 +154,10 @@ class Case : public ::testing::Test {
     TheRoad().TakeAway();
   }
 
-  /// A copy that is loaded for the first time, as in a process that has just begun. It stays loaded, as a host that
-  /// logs keeps it.
-  static Plugin* FreshPlugin() {
-    const TemporaryFolder folder;
-    const auto copy = folder.path() / "plugin.so";
-    std::filesystem::copy_file(ZARN_LIGHTING_PATH, copy);
-    static std::vector<std::unique_ptr<Plugin>>& loaded = *new std::vector<std::unique_ptr<Plugin>>;
-    return loaded.emplace_back(std::make_unique<Plugin>(copy.c_str())).get();
+  /// It stays loaded, as a host that logs keeps it.
+  static Plugin* LoadPlugin() {
+    static auto& loaded = *new std::vector<std::unique_ptr<FreshPlugin>>;
+    return loaded.emplace_back(std::make_unique<FreshPlugin>())->operator->();
   }
 
   static std::string InWords(const simulator::EcFirmware::Input& input) {

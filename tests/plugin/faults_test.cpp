@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "tests/plugin/plugin_fixture.h"
 #include "tests/support/fault_driver.h"
@@ -81,6 +82,97 @@ TEST_F(Faults, PushesUnderFaultsReturnAndLeaveTheRecordsAsTheyWere) {
   keyboard->UnpackModePacket(Take(keyboard->PackModePacket(2, 3)).data(), 3);
   calls_without_fault = 1;
   FailInTurn([&] { keyboard->WriteModeToDevice(); }, check);
+}
+
+/// A plug-in whose list of lighting devices is built, with one keyboard of one zone.
+class HidFaults : public MachineTest {
+ protected:
+  HidFaults() {
+    keyboard.answers[0xA1] = {0xA1, 1, 0x21};
+    keyboard.answers[0xA3] = {0xA3, 0x21, 1};
+    EXPECT_EQ(fresh->Discover().count, 1);
+  }
+
+  void* CreateController() { return fresh->CreateController("ZarnHIDKeyboard"); }
+  std::unique_ptr<RGBControllerInterface> CreateAround(void* controller) {
+    return fresh->CreateAround("ZarnHIDKeyboard", controller);
+  }
+  std::unique_ptr<RGBControllerInterface> Create() { return CreateAround(CreateController()); }
+
+  ScriptedHid& keyboard = machine->Plug(VendorCollection(0xFF5A, {{0xA3, 0x35, 8}, {0xA4, 0x41, 8}, {0xA4, 0x45, 8}}));
+  FreshPlugin fresh;
+};
+
+TEST_F(HidFaults, AKeyboardIsCreatedOrLeavesNothingBehind) {
+  void* controller = nullptr;
+  FailInTurn([&] { controller = CreateController(); },
+             [&](const FaultRun& run) {
+               EXPECT_TRUE(!run.threw_bad_alloc || run.fault.source == Fault::Source::Memory);
+               if (!run.threw_bad_alloc) {
+                 const auto device = CreateAround(std::exchange(controller, nullptr));
+                 ControllerRecords records;
+                 UnpackDescription(records, Take(device->PackDescription(3)), 3);
+                 // Asked up to five times, so that a call that fails once costs nothing.
+                 EXPECT_TRUE(records.led_list.size() == 1 || (run.met && run.fault.for_ever));
+               }
+               Create();  // closes what a controller that was not to be has left to the list
+             });
+  controller = CreateController();
+  std::unique_ptr<RGBControllerInterface> device;
+  FailInTurn([&] { device = CreateAround(controller); },
+             [&](const FaultRun& run) {
+               EXPECT_EQ(run.threw_bad_alloc, run.met);  // construction calls no platform
+               EXPECT_EQ(device == nullptr, run.met);
+               device.reset();
+               if (!run.met) controller = CreateController();
+               Create();  // closes the list's handles
+             });
+  CreateAround(controller);
+}
+
+TEST_F(HidFaults, PushesUnderFaultsReturnAndReachTheKeyboardOnceThereAreNone) {
+  auto device = Create();
+  device->StoreLedColor(0, 0xFF);
+  const auto before = Take(device->PackDescription(3));
+  const auto close_handles = [&] { Create(); };
+  close_handles();
+  keyboard.TakeReports();
+  Bytes report = {0xA4, 0x21, 2, 0xFF};
+  report.resize(65);
+  const auto check = [&](const FaultRun& run) {
+    EXPECT_FALSE(run.threw_bad_alloc);
+    const auto reports = keyboard.TakeReports();
+    if (!run.met || !run.fault.for_ever) {
+      // What fails once costs an attempt, or memory the whole push.
+      EXPECT_TRUE(reports == std::vector<Bytes>{report} || run.fault.source == Fault::Source::Memory);
+    }
+    close_handles();
+    keyboard.TakeReports();
+  };
+  FailInTurn([&] { device->WriteColorsToDevice(); }, check);
+  FailInTurn([&] { device->WriteLedToDevice(0); }, check);
+  device->UnpackModePacket(Take(device->PackModePacket(1, 3)).data(), 3);  // "STATIC", black
+  report[3] = 0;
+  FailInTurn([&] { device->WriteModeToDevice(); }, check);
+  device->SelectFirstMode();
+  EXPECT_EQ(Take(device->PackDescription(3)), before);
+}
+
+TEST_F(HidFaults, UnpluggedBeforeAnyCallItComesBackWithTheNextPush) {
+  const auto device = Create();
+  for (std::uint64_t calls = 0; calls < 16; ++calls) {
+    std::uint64_t left = calls;
+    platform::SetJournal([&](const platform::JournalEntry&) {
+      if (left-- == 0) machine->hid_devices.clear();
+    });
+    device->WriteLedToDevice(0);
+    platform::SetJournal({});
+    machine->hid_devices.clear();
+    ScriptedHid& replugged = machine->Plug(VendorCollection(0xFF5A, {}));
+    device->WriteLedToDevice(0);
+    EXPECT_EQ(replugged.TakeReports().size(), 1U) << "unplugged after call " << calls;
+    EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{});
+  }
 }
 
 TEST_F(Faults, SlotsThatRunOutOfMemoryChangeNothing) {

@@ -84,5 +84,34 @@ TEST_F(Stress, RecordsMayBeChangedFromManyThreadsWhilePushesRun) {
   EXPECT_GT(color_pushes, 0);
 }
 
+/// Lighting traffic of two controllers' workers and a host's thread, while the log is written.
+TEST_F(Stress, HidKeyboardsAreDrivenFromManyThreads) {
+  SwitchLogOn();
+  ScriptedHid& hid = machine->Plug(VendorCollection(0xFF5A, {{0xA3, 0x35, 8}, {0xA4, 0x41, 8}, {0xA4, 0x48, 16}}));
+  hid.answers[0xA1] = {0xA1, 1, 0x21};
+  hid.answers[0xA3] = {0xA3, 0x21, 2};
+  std::atomic<int> exchanges = 0;
+  hid.fail = [&exchanges](auto) { return ++exchanges % 7 == 0 ? ERROR_GEN_FAILURE : ERROR_SUCCESS; };
+  plugin().Discover();
+  const auto create = [] { return plugin().Create("ZarnHIDKeyboard"); };
+  const auto first = create();
+  auto second = create();
+  std::thread host([&] {
+    for (int i = 0; i < 50; ++i) {
+      first->StoreLedColor(0, static_cast<PackedColor>(i));
+      first->WriteLedToDevice(i % 2);
+    }
+  });
+  for (int i = 0; i < 20; ++i) {
+    first->RequestColorPush();
+    first->ChooseMode(i % 2);
+    second->RequestModePush();
+    second->WriteModeToDevice();
+    if (i % 5 == 0) second = create();  // one goes, and closes the handles that the other one uses
+  }
+  host.join();
+  EXPECT_GT(hid.TakeReports().size(), 50U);
+}
+
 }  // namespace
 }  // namespace test

@@ -5,14 +5,28 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "controller/rgb_controller_interface.h"
+#include "tests/support/temporary_folder.h"
 
 class ZarnECKeyboardController;
 
 namespace test {
+
+/// What discovery answered, and before it did.
+struct Discovered {
+  std::int32_t count = 0;
+  std::wstring names = L"as it was";
+  std::uint32_t interface_type = 99;
+  std::wstring hardware_id = L"as it was";
+  std::wstring usage_page = L"as it was";
+
+  friend bool operator==(const Discovered&, const Discovered&) = default;
+};
 
 class Plugin {
  public:
@@ -28,6 +42,25 @@ class Plugin {
     return reinterpret_cast<Function*>(dlsym(library_, name));
   }
 
+  Discovered Discover() const {
+    Discovered found;
+    found.count = Find<std::int32_t(std::wstring&, std::uint32_t&, std::wstring&, std::wstring&)>("CheckDeviceStatus")(
+        found.names, found.interface_type, found.hardware_id, found.usage_page);
+    return found;
+  }
+
+  /// By the device names that discovery answers.
+  void* CreateController(const std::string& name) const {
+    return Find<void*()>(("Create" + name + "ControllerClassInstance").c_str())();
+  }
+  std::unique_ptr<RGBControllerInterface> CreateAround(const std::string& name, void* controller) const {
+    const std::string factory = "CreateRGBController_" + name + "ClassInstance";
+    return std::unique_ptr<RGBControllerInterface>(Find<RGBControllerInterface*(void*)>(factory.c_str())(controller));
+  }
+  std::unique_ptr<RGBControllerInterface> Create(const std::string& name) const {
+    return CreateAround(name, CreateController(name));
+  }
+
   ZarnECKeyboardController* CreateKeyboardController() const {
     return Find<ZarnECKeyboardController*()>("CreateZarnECKeyboardControllerClassInstance")();
   }
@@ -41,6 +74,21 @@ class Plugin {
 
  private:
   void* library_;
+};
+
+/// A copy of the plug-in, loaded for the first time, as in a process that has just begun.
+class FreshPlugin {
+ public:
+  Plugin* operator->() { return &plugin_; }
+
+ private:
+  static std::string Copy(const std::filesystem::path& folder) {
+    std::filesystem::copy_file(ZARN_LIGHTING_PATH, folder / "plugin.so");
+    return folder / "plugin.so";
+  }
+
+  const TemporaryFolder folder_;
+  Plugin plugin_{Copy(folder_.path()).c_str()};
 };
 
 /// Calls a slot by its position in the virtual table, with the arguments as they are typed here.

@@ -1,0 +1,65 @@
+/// Discovery where a profile cannot lead: odd records, failing platform calls, memory running out.
+
+#include <gtest/gtest.h>
+
+#include "tests/plugin/plugin_fixture.h"
+#include "tests/support/fault_driver.h"
+
+namespace test {
+namespace {
+
+class Discovery : public PluginTest {
+ protected:
+  std::int32_t CountWith(const std::vector<std::pair<int, int>>& items) {
+    machine->SetSmbios(TableWithItems(2, 91, items));
+    machine->answer = [](const FirmwareCall&) {
+      return FirmwareAnswer{S_OK, {{L"gmOutput", Bytes{0, 0, 0, 0, 0, 7, 7}}, {L"gmReturn", std::uint64_t{0}}}};
+    };
+    return plugin().Discover().count;
+  }
+};
+
+TEST_F(Discovery, ItemsCountInTheirOrderUpToTheFirstLightBar) {
+  EXPECT_EQ(CountWith({{8, 1}, {10, 2}, {23, 1}, {8, 0}}), 2);
+  EXPECT_EQ(CountWith({{8, 1}, {10, 2}, {23, 2}, {23, 1}}), 1);
+  EXPECT_EQ(CountWith({{23, 1}, {8, 1}, {10, 2}}), 0);
+  EXPECT_EQ(CountWith({{8, 1}, {10, 2}}), 1);
+  EXPECT_EQ(CountWith({{8, 4}, {10, 2}, {23, 5}}), 1);
+  EXPECT_EQ(CountWith({{8, 0}, {10, 1}, {9, 9}, {8, 3}, {10, 2}}), 1);  // later ones override
+  EXPECT_EQ(CountWith({{8, 3}, {10, 2}, {8, 2}, {10, 3}}), 1);          // other values change nothing
+  EXPECT_EQ(CountWith({{8, 2}, {10, 2}}), 0);
+  EXPECT_EQ(CountWith({{8, 1}, {10, 2}, {8, 0}}), 0);
+}
+
+TEST_F(Discovery, FailuresShowInTheCountAloneAndLeaveNothingOpen) {
+  ScriptedHid& keyboard = machine->Plug(VendorCollection(0xFF5A, {{0xA4, 0x41, 8}}));
+  keyboard.answers[0xA1] = {0xA1, 1, 0x22};  // not the keyboard: the embedded controller is asked, too
+  machine->SetSmbios(TableWithItems(2, 91, {{8, 1}, {10, 2}, {23, 1}}));
+  machine->answer = [](const FirmwareCall&) {
+    return FirmwareAnswer{S_OK, {{L"gmOutput", Bytes{0, 0, 0, 0, 0, 7, 7}}, {L"gmReturn", std::uint64_t{0}}}};
+  };
+  // Once the list holds a device it is not built again, so every run begins with a plug-in that has just been loaded.
+  auto fresh = std::make_unique<FreshPlugin>();
+  Discovered found;
+  ::testing::internal::CaptureStderr();
+  FailInTurn([&] { found = (*fresh)->Discover(); },
+             [&](const FaultRun& run) {
+               if (run.threw_bad_alloc) {
+                 EXPECT_EQ(found, Discovered());  // the host's own texts had no room
+               } else if (found.interface_type == 99) {
+                 EXPECT_EQ(found, Discovered());  // discovery had no memory, and touched nothing
+                 EXPECT_TRUE(run.met);
+               } else {
+                 EXPECT_EQ(found.names, found.count == 2   ? L"ZarnECGlobal,ZarnECKeyboard"
+                                        : found.count == 1 ? L"ZarnECKeyboard"
+                                                           : L"as it was");
+                 EXPECT_TRUE(run.met || found.count == 2);
+               }
+               found = {};
+               fresh = std::make_unique<FreshPlugin>();
+             });
+  ::testing::internal::GetCapturedStderr();
+}
+
+}  // namespace
+}  // namespace test
