@@ -50,11 +50,18 @@ struct EcDevices {
   std::pair<std::uint8_t, std::uint8_t> firmware_version;  // major, minor
 };
 
-/// The HID keyboard, if there is one. Leaves the handles of all lighting devices closed.
+/// Closes the handles of all lighting devices at its end, whatever ends it.
+class PresenceTest {
+ public:
+  PresenceTest() = default;
+  PresenceTest(const PresenceTest&) = delete;
+  PresenceTest& operator=(const PresenceTest&) = delete;
+  ~PresenceTest() { LightingHID::CloseLightingDevices(); }
+};
+
+/// The HID keyboard, if there is one.
 std::optional<_HIDInfo> FindHidKeyboard() {
-  const struct Closing {
-    ~Closing() { LightingHID::CloseLightingDevices(); }
-  } closing;
+  const PresenceTest test;
   _HIDInfo keyboard;
   return LightingHID::FindLightingDevice(keyboard) ? std::optional(std::move(keyboard)) : std::nullopt;
 }

@@ -70,7 +70,7 @@ class LightingHID {
   static bool FindLightingDevice(_HIDInfo& device);
   /// The handle of a device, opened anew when it is closed; INVALID_HANDLE_VALUE when that fails. The caller stores
   /// it. Takes no lock.
-  static HANDLE OpenLightingDevice(_HIDDevice device);
+  static HANDLE OpenLightingDevice(const _HIDDevice& device);
   /// Closes the handles that listed devices have open. Takes no lock.
   static void CloseLightingDevices();
 

@@ -115,7 +115,7 @@ bool LightingHID::FindLightingDevice(_HIDInfo& device) {
   return true;
 }
 
-HANDLE LightingHID::OpenLightingDevice(_HIDDevice device) {
+HANDLE LightingHID::OpenLightingDevice(const _HIDDevice& device) {
   if (device.handle != INVALID_HANDLE_VALUE) return device.handle;
   return TsHID::GetHIDDeviceHandle(device.vendorId, device.productId, device.usagePage, device.usage);
 }

@@ -118,7 +118,8 @@ class HidKeyboard {
   std::optional<Answer> Hindrance(std::uint64_t plugging, std::unique_lock<std::mutex>& lock);
   /// Whether the exchange that was just counted is one that misbehaves.
   bool Befallen() const;
-  Answer Update(std::span<const std::uint8_t> report);
+  /// Takes an update's data behind the device id.
+  Answer Update(std::span<const std::uint8_t> data);
   std::vector<std::uint8_t> Attributes() const;
   std::vector<std::uint8_t> BaseInfo() const;
 

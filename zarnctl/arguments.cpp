@@ -17,7 +17,7 @@ constexpr const char* kFooter =
     "  1  the profile, the plug-in or the output failed\n"
     "  2  wrong command line; nothing was sent\n"
     "  3  no such device, or no notebook to light\n"
-    "  4  the firmware refused, or the lights did not follow";
+    "  4  firmware or keyboard refused, or the lights did not follow";
 
 /// The values of options as they were typed; they are read when all of them are known.
 struct Typed {
@@ -41,7 +41,7 @@ class CommandLine {
         ->envname("ZARN_MACHINE")
         ->type_name("PROFILE");
     app_.add_option("--plugin", arguments_.plugin, "lighting plug-in to load instead of our own")->type_name("FILE");
-    app_.add_flag("--trace", arguments_.trace, "print every firmware call to stderr");
+    app_.add_flag("--trace", arguments_.trace, "print every firmware call and HID report to stderr");
 
     // After the application's own settings, which commands take over when they are added.
     app_.add_subcommand("devices", "list the lighting devices");
@@ -56,7 +56,7 @@ class CommandLine {
     leds.add_option("COLOR", typed_.led_colors, "a colour for each LED, or one for all")
         ->required()
         ->type_name("RRGGBB");
-    app_.add_subcommand("demo", "walk through all modes");
+    app_.add_subcommand("demo", "walk through all modes of all devices");
   }
 
   std::optional<Arguments> Read(int argc, const char* const* argv) {

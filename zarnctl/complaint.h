@@ -12,7 +12,7 @@ enum class ExitCode {
   Failed = 1,            // the profile, the plug-in or the output failed
   WrongCommandLine = 2,  // nothing was sent
   NothingThere = 3,      // no such device, or no notebook at all
-  LightsDiffer = 4       // the firmware refused, or the lights did not follow
+  LightsDiffer = 4       // firmware or keyboard refused, or the lights did not follow
 };
 
 /// Thrown by everything that cannot go on; what() is the line without "zarnctl: ".

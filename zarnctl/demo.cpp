@@ -13,6 +13,7 @@
 
 #include "zarnctl/drawing.h"
 #include "zarnctl/lights.h"
+#include "zarnctl/panel.h"
 #include "zarnctl/settings.h"
 #include "zarnctl/terminal.h"
 
@@ -72,11 +73,13 @@ Step MakeStep(const ControllerRecords& records, std::int32_t mode_index, std::si
 }
 
 /// Every mode once, and the colours per LED again at the end, coming from an effect.
-std::vector<Step> StepsFor(const ControllerRecords& records) {
+std::vector<Step> StepsFor(const ControllerRecords& records, bool lights_leds) {
   std::vector<Step> steps;
   for (std::size_t i = 0; i < records.mode_list.size(); ++i) {
-    steps.push_back(MakeStep(records, static_cast<std::int32_t>(i), i));
+    const bool per_led = records.mode_list[i].color_source == ColorSource::PerLedColors;
+    if (lights_leds || !per_led) steps.push_back(MakeStep(records, static_cast<std::int32_t>(i), i));
   }
+  if (!lights_leds) return steps;
   steps.push_back(MakeStep(records, FindPerLedMode(records.mode_list), steps.size()));
   steps.back().only_colors = true;
   return steps;
@@ -84,21 +87,27 @@ std::vector<Step> StepsFor(const ControllerRecords& records) {
 
 class Demo {
  public:
-  Demo(Device& device, simulator::Notebook& notebook, bool animated)
-      : device_(device), notebook_(notebook), records_(device.Describe()), steps_(StepsFor(records_)) {
-    if (animated) screen_.emplace();
+  Demo(Device& device, const std::string& name, simulator::Notebook& notebook, std::size_t animated)
+      : device_(device),
+        name_(name),
+        notebook_(notebook),
+        records_(device.Describe()),
+        steps_(StepsFor(records_, LightsLeds(name))) {
+    if (animated == 0) return;
+    hold_ = std::min(kLongestHold, kAllHolds / static_cast<int>(steps_.size() * animated));
+    screen_.emplace();
   }
 
   ExitCode Run() {
     // A notebook that cannot be lit at all shows it in a push that nobody has to wait for.
     device_.Push();
-    if (Report(FindFaults(notebook_, records_))) return ExitCode::LightsDiffer;
+    if (Report(FindFaults(notebook_, name_, records_))) return ExitCode::LightsDiffer;
     for (const Step& step : steps_) {
       Begin(step);
       if (!WaitForLights()) return GiveUp(step);
       // On this thread, as a service ends a drag: whatever the worker was doing, the last value is the one that stays.
       device_.Push();
-      if (Report(FindFaults(notebook_, records_))) return ExitCode::LightsDiffer;
+      if (Report(FindFaults(notebook_, name_, records_))) return ExitCode::LightsDiffer;
       Hold();
     }
     return ExitCode::Done;
@@ -109,7 +118,7 @@ class Demo {
     device_.SendMode(step.mode_index, step.mode);
     if (!step.colors.empty()) device_.SendColors(step.colors);
     records_ = device_.Describe();
-    title_ = step.mode.label + (step.colors.empty() ? "" : ", a colour per LED");
+    title_ = name_ + ": " + step.mode.label + (step.colors.empty() ? "" : ", a colour per LED");
     began_ = Clock::now();
     if (step.only_colors) {
       device_.RequestColorPush();
@@ -121,7 +130,7 @@ class Demo {
   bool WaitForLights() {
     const auto deadline = began_ + kDeadline + kCallsPerStep * milliseconds(notebook_.profile().firmware_latency_ms);
     auto ask_again = began_ + kAskAgain;
-    while (!Shows(notebook_.Lights(), records_)) {
+    while (!Shows(notebook_, name_, records_)) {
       const auto now = Clock::now();
       if (now > deadline) return false;
       if (now > ask_again) {
@@ -136,16 +145,16 @@ class Demo {
   }
 
   ExitCode GiveUp(const Step& step) {
-    if (!Report(FindFaults(notebook_, records_))) Complain(step.mode.label + " came too late to be waited for");
+    if (!Report(FindFaults(notebook_, name_, records_))) Complain(step.mode.label + " came too late to be waited for");
     return ExitCode::LightsDiffer;
   }
 
   void Hold() {
     if (!screen_) {
-      std::cout << title_ << "\n" << PlainLights(notebook_.Lights(), records_.mode_list) << std::flush;
+      std::cout << title_ << "\n" << PlainLights(PanelsOf(notebook_), records_.mode_list) << std::flush;
       return;
     }
-    const auto end = Clock::now() + std::min(kLongestHold, kAllHolds / static_cast<int>(steps_.size()));
+    const auto end = Clock::now() + hold_;
     while (Clock::now() < end) {
       Draw();
       std::this_thread::sleep_for(kFrame);
@@ -154,16 +163,17 @@ class Demo {
 
   void Draw() {
     if (!screen_) return;
-    const simulator::KeyboardLights lights = notebook_.Lights();
     const double seconds = duration_cast<duration<double>>(Clock::now() - began_).count();
-    screen_->Show(title_ + "\n" + Headline(lights, records_.mode_list) + "\n\n" + DrawnKeyboard(lights, seconds));
+    screen_->Show(title_ + "\n\n" + DrawnLights(PanelsOf(notebook_), records_.mode_list, seconds));
   }
 
   Device& device_;
+  const std::string name_;
   simulator::Notebook& notebook_;
   ControllerRecords records_;  // what the device says of itself since the step began
   const std::vector<Step> steps_;
   std::optional<LiveDrawing> screen_;
+  milliseconds hold_{0};  // how long each step is shown
 
   // Of the step that runs.
   std::string title_;
@@ -172,8 +182,8 @@ class Demo {
 
 }  // namespace
 
-ExitCode RunDemo(Device& device, simulator::Notebook& notebook, bool animated) {
-  return Demo(device, notebook, animated).Run();
+ExitCode RunDemo(Device& device, const std::string& name, simulator::Notebook& notebook, std::size_t animated) {
+  return Demo(device, name, notebook, animated).Run();
 }
 
 }  // namespace zarnctl

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <numbers>
+#include <span>
 
 #include "zarnctl/text.h"
 
@@ -15,7 +16,6 @@ namespace {
 
 using simulator::Color;
 using simulator::Effect;
-using simulator::KeyboardLights;
 
 /// A place on the keyboard, from 0 to 1 each way, and a number of its own.
 struct Key {
@@ -109,27 +109,64 @@ Light Twinkling(const Effect& effect, const Key& key, double cycles) {
   return lit ? LightOf(effect.color) * std::sin(std::numbers::pi * Fraction(own_time)) : kDark;
 }
 
+Light Ripple(const Effect& /*effect*/, const Key& key, double cycles) {
+  const double distance = std::hypot(2 * key.x - 1, (2 * key.y - 1) / 2);
+  return Rainbow(distance) * (0.5 + 0.5 * std::cos(2 * std::numbers::pi * (2 * distance - cycles)));
+}
+
+Light Snake(const Effect& /*effect*/, const Key& key, double cycles) {
+  // Along the rows, there and back.
+  const auto row = std::floor(5 * key.y);
+  const double along = (row + (static_cast<int>(row) % 2 == 0 ? key.x : 1 - key.x)) / 5;
+  const double behind = Fraction(cycles / 2 - along);
+  return behind < 0.2 ? Rainbow(cycles / 4) * (1 - 5 * behind) : kDark;
+}
+
+Light Disco(const Effect& /*effect*/, const Key& key, double cycles) {
+  return Rainbow(Chance(key.number, 4 + static_cast<std::uint32_t>(2 * cycles)));
+}
+
+Light Combo(const Effect& effect, const Key& key, double cycles) {
+  const auto turn = static_cast<std::uint32_t>(cycles) % 3;
+  return turn == 0 ? Wave(effect, key, cycles) : turn == 1 ? Ripple(effect, key, cycles) : Disco(effect, key, cycles);
+}
+
+/// Sets its own pace: the mode has neither speed nor brightness.
+constexpr std::uint8_t kOpMode = 34;
+constexpr std::uint8_t kOpModeSpeed = 4;
+
 using Animation = Light (*)(const Effect&, const Key&, double cycles);
-constexpr std::array<Animation, 8> kAnimations{Static, Breathing, Neon, Wave, Shifting, Zoom, Meteor, Twinkling};
+constexpr std::array<Animation, 12> kAnimations{Static, Breathing, Neon,   Wave,  Shifting, Zoom,
+                                                Meteor, Twinkling, Ripple, Snake, Disco,    Combo};
+
+/// How many cycles a second each step of speed brings.
+constexpr double kCyclesPerSpeed = 0.15;
 
 Light Animated(const Effect& effect, const Key& key, double seconds) {
   const Animation animation = effect.code < kAnimations.size() ? kAnimations.at(effect.code) : Static;
-  return animation(effect, key, seconds * 0.15 * effect.speed);
+  return animation(effect, key, seconds * kCyclesPerSpeed * effect.speed);
 }
 
-Light OfZone(const KeyboardLights& lights, const Key& key) {
-  if (lights.zones.empty()) return kDark;
-  const auto zone = static_cast<std::size_t>(key.x * static_cast<double>(lights.zones.size()));
-  return lights.zones[zone].on ? LightOf(lights.zones[zone].color) : kDark;
+Light Shining(const Panel& panel, const Key& key, double seconds) {
+  if (panel.zones.empty()) return kDark;
+  const Panel::Zone& zone = panel.zones[static_cast<std::size_t>(key.x * static_cast<double>(panel.zones.size()))];
+  if (zone.effect && zone.effect->code == kOpMode) {
+    return Breathing(*zone.effect, key, seconds * kCyclesPerSpeed * kOpModeSpeed);
+  }
+  const double brightness = std::min(1.0, zone.brightness / 100.0);
+  if (zone.effect) return Animated(*zone.effect, key, seconds) * brightness;
+  return zone.on ? LightOf(zone.color) * brightness : kDark;
 }
 
-constexpr int kKeyboardWidth = 59;
+constexpr int kWidth = 59;
 /// The widths of the keys, row by row; with a blank between keys every row is as wide as the keyboard.
-constexpr std::array<std::array<int, 15>, 5> kRows{{{3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3},
-                                                    {5, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 5},
-                                                    {6, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 8},
-                                                    {8, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 10},
-                                                    {5, 4, 4, 27, 4, 4, 5}}};
+using Row = std::array<int, 15>;
+constexpr std::array<Row, 5> kKeyboardRows{{{3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3},
+                                            {5, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 5},
+                                            {6, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 8},
+                                            {8, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 10},
+                                            {5, 4, 4, 27, 4, 4, 5}}};
+constexpr std::array<Row, 1> kBarRows{{{7, 7, 7, 7, 7, 7, 7, 3}}};
 
 std::string DrawnKey(int width, const Light& light) {
   // A dark key is still to be seen.
@@ -158,39 +195,83 @@ std::string TextOf(const Color& color) {
   return ColorText(PackedColor{color.red} | PackedColor{color.green} << 8 | PackedColor{color.blue} << 16);
 }
 
-}  // namespace
-
-std::string Headline(const KeyboardLights& lights, const std::vector<ModeRecord>& modes) {
-  std::string text = "keyboard: brightness " + std::to_string(lights.brightness);
-  if (!lights.effect) return text;
-  const Effect& effect = *lights.effect;
-  text += ", " + LabelOf(effect.code, modes) + " speed " + std::to_string(effect.speed) + " direction " +
-          std::to_string(effect.direction);
+std::string EffectText(const Effect& effect, const std::vector<ModeRecord>& modes) {
+  std::string text = LabelOf(effect.code, modes) + " speed " + std::to_string(effect.speed) + " direction " +
+                     std::to_string(effect.direction);
   if (ShowsOwnColor(effect.code, modes)) text += " colour " + TextOf(effect.color);
   return text;
 }
 
-std::string PlainLights(const KeyboardLights& lights, const std::vector<ModeRecord>& modes) {
-  std::string text = Headline(lights, modes) + "\n";
-  if (lights.effect) return text;
-  for (std::size_t i = 0; i < lights.zones.size(); ++i) {
-    const KeyboardLights::Zone& zone = lights.zones[i];
-    text += "zone " + std::to_string(i + 1) + ": " + (zone.on ? TextOf(zone.color) : "off") + "\n";
+std::string ZoneText(const Panel::Zone& zone, const std::vector<ModeRecord>& modes) {
+  if (zone.effect) return EffectText(*zone.effect, modes);
+  return zone.on ? TextOf(zone.color) : "off";
+}
+
+/// Whether its zones differ in their colours at most.
+bool IsUniform(const Panel& panel) {
+  return std::all_of(panel.zones.begin(), panel.zones.end(), [&](const Panel::Zone& zone) {
+    return zone.brightness == panel.zones.front().brightness && zone.effect == panel.zones.front().effect;
+  });
+}
+
+/// Neighbours that are alike share a line only where there are more zones than these.
+constexpr std::size_t kZonesOneByOne = 4;
+
+std::string ZoneLines(const Panel& panel, const std::vector<ModeRecord>& modes) {
+  const bool uniform = IsUniform(panel);
+  const std::size_t shared = panel.zones.size() > kZonesOneByOne ? panel.zones.size() : 1;
+  std::string text;
+  for (std::size_t first = 0, end = 0; first < panel.zones.size(); first = end) {
+    const Panel::Zone& zone = panel.zones[first];
+    while (end < panel.zones.size() && end - first < shared && panel.zones[end] == zone) ++end;
+    text += end - first == 1 ? "zone " + std::to_string(end)
+                             : "zones " + std::to_string(first + 1) + " to " + std::to_string(end);
+    if (!uniform) text += ": brightness " + std::to_string(zone.brightness);
+    text += (uniform ? ": " : ", ") + ZoneText(zone, modes) + "\n";
   }
   return text;
 }
 
-std::string DrawnKeyboard(const KeyboardLights& lights, double seconds) {
+}  // namespace
+
+std::string Headline(const Panel& panel, const std::vector<ModeRecord>& modes) {
+  if (panel.zones.empty()) return panel.name + ": no zones";
+  if (!IsUniform(panel)) return panel.name;
+  const Panel::Zone& zone = panel.zones.front();
+  const std::string text = panel.name + ": brightness " + std::to_string(zone.brightness);
+  return zone.effect ? text + ", " + EffectText(*zone.effect, modes) : text;
+}
+
+std::string PlainLights(const std::vector<Panel>& panels, const std::vector<ModeRecord>& modes) {
   std::string text;
-  const double brightness = std::min(1.0, lights.brightness / 100.0);
+  for (const Panel& panel : panels) {
+    text += Headline(panel, modes) + "\n";
+    const bool one_effect = !panel.zones.empty() && IsUniform(panel) && panel.zones.front().effect;
+    if (!one_effect) text += ZoneLines(panel, modes);
+  }
+  return text;
+}
+
+std::string DrawnLights(const std::vector<Panel>& panels, const std::vector<ModeRecord>& modes, double seconds) {
+  std::string text;
+  for (const Panel& panel : panels) {
+    text += (text.empty() ? "" : "\n") + Headline(panel, modes) + "\n\n" + DrawnPanel(panel, seconds);
+  }
+  return text;
+}
+
+std::string DrawnPanel(const Panel& panel, double seconds) {
+  const bool is_bar = panel.shape == Panel::Shape::Bar;
+  const std::span<const Row> rows = is_bar ? std::span<const Row>(kBarRows) : std::span<const Row>(kKeyboardRows);
+  std::string text;
   std::uint32_t number = 0;
-  for (std::size_t row = 0; row < kRows.size(); ++row) {
+  for (std::size_t row = 0; row < rows.size(); ++row) {
     int left = 0;
-    for (const int width : kRows.at(row)) {
+    for (const int width : rows[row]) {
       if (width == 0) break;
-      const Key key{(left + width / 2.0) / kKeyboardWidth, (static_cast<double>(row) + 0.5) / kRows.size(), ++number};
-      const Light light = lights.effect ? Animated(*lights.effect, key, seconds) : OfZone(lights, key);
-      text += (left > 0 ? " " : "") + DrawnKey(width, light * brightness);
+      const double y = (static_cast<double>(row) + 0.5) / static_cast<double>(rows.size());
+      const Key key{(left + width / 2.0) / kWidth, y, ++number};
+      text += (left > 0 ? " " : "") + DrawnKey(width, Shining(panel, key, seconds));
       left += width + 1;
     }
     text += "\033[0m\n";

@@ -1,25 +1,30 @@
-/// A keyboard's lights as text: plain lines, or a keyboard in a terminal's colours.
+/// Lights as text: plain lines, or keyboards and bars in a terminal's colours.
 ///
-/// Pure functions of what they are given; any thread.
+/// Pure functions of what they are given; any thread. Effects are named by the mode in `modes` that has their code.
 #pragma once
 
 #include <string>
 #include <vector>
 
 #include "controller/records.h"
-#include "simulator/ec_firmware.h"
+#include "zarnctl/panel.h"
 
 namespace zarnctl {
 
-/// "keyboard: brightness 30, BREATHING speed 7 direction 2 colour #ff0000"; an effect is named by the mode in
-/// `modes` that has its code.
-std::string Headline(const simulator::KeyboardLights& lights, const std::vector<ModeRecord>& modes);
+/// "keyboard: brightness 30, BREATHING speed 7 direction 2 colour #ff0000". What the zones do not have in common is
+/// left out.
+std::string Headline(const Panel& panel, const std::vector<ModeRecord>& modes);
 
-/// The headline and, when no effect runs, a line for each zone: "zone 1: #ff0000" or "zone 2: off".
-std::string PlainLights(const simulator::KeyboardLights& lights, const std::vector<ModeRecord>& modes);
+/// For each panel the headline and, unless all zones run the same effect, a line for each zone: "zone 1: #ff0000" or
+/// "zone 2: off". On a panel with more than four zones, neighbours that are alike share a line: "zones 1 to 16: off".
+std::string PlainLights(const std::vector<Panel>& panels, const std::vector<ModeRecord>& modes);
 
-/// Five rows of keys in 24-bit colours, each a line of text, `seconds` after the effect began. The firmware's
-/// directions 1 to 6 are drawn as right, left, up, down, outwards to both sides, and outwards up and down.
-std::string DrawnKeyboard(const simulator::KeyboardLights& lights, double seconds);
+/// For each panel the headline and the drawing, with empty lines between them.
+std::string DrawnLights(const std::vector<Panel>& panels, const std::vector<ModeRecord>& modes, double seconds);
+
+/// Five rows of keys, or the one row of a bar, in 24-bit colours, each a line of text, `seconds` after the effect
+/// began. The directions 1 to 6 of firmware and HID keyboards are drawn as right, left, up, down, outwards to both
+/// sides, and outwards up and down.
+std::string DrawnPanel(const Panel& panel, double seconds);
 
 }  // namespace zarnctl

@@ -74,10 +74,12 @@ std::shared_ptr<simulator::Notebook> OpenNotebook(const std::string& machine) {
   return notebook;
 }
 
-void TraceFirmwareCalls() {
+void TraceExchanges() {
   platform::SetJournal([](const platform::JournalEntry& entry) {
-    if (entry.call != "IWbemServices::ExecMethod") return;
-    std::fprintf(stderr, "trace: %s -> %s\n", entry.arguments.c_str(), entry.result.c_str());
+    const bool hid = entry.call == "HidD_SetFeature" || entry.call == "HidD_GetFeature";
+    if (!hid && entry.call != "IWbemServices::ExecMethod") return;
+    const std::string name = hid ? entry.call + " " : "";
+    std::fprintf(stderr, "trace: %s%s -> %s\n", name.c_str(), entry.arguments.c_str(), entry.result.c_str());
   });
 }
 

@@ -13,7 +13,7 @@ namespace zarnctl {
 /// drive.
 std::shared_ptr<simulator::Notebook> OpenNotebook(const std::string& machine);
 
-/// Prints every firmware call to stderr, one line each, from now on.
-void TraceFirmwareCalls();
+/// Prints every firmware call and every HID report to stderr, one line each, from now on.
+void TraceExchanges();
 
 }  // namespace zarnctl

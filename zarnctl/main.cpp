@@ -14,6 +14,7 @@
 #include "zarnctl/drawing.h"
 #include "zarnctl/lights.h"
 #include "zarnctl/machine.h"
+#include "zarnctl/panel.h"
 #include "zarnctl/plugin.h"
 #include "zarnctl/settings.h"
 #include "zarnctl/terminal.h"
@@ -27,11 +28,17 @@ class Session {
  public:
   explicit Session(const Arguments& arguments)
       : notebook_(OpenNotebook(arguments.machine)), plugin_(arguments.plugin), trace_(arguments.trace) {
-    if (trace_) TraceFirmwareCalls();
+    if (trace_) TraceExchanges();
+    discovery_ = plugin_.Discover();
   }
 
   ExitCode operator()(const DevicesCommand& /*command*/) {
     for (const std::string& name : Names()) std::cout << Summary(name, Create(name).Describe()) << "\n";
+    std::cout << "interface type " << discovery_.interface_type;
+    if (!discovery_.hardware_id.empty()) {
+      std::cout << ", hardware id " << discovery_.hardware_id << ", usage page " << discovery_.usage_page;
+    }
+    std::cout << "\n";
     return ExitCode::Done;
   }
 
@@ -46,25 +53,32 @@ class Session {
     Device device = Open(command.device);
     const std::vector<ModeRecord> modes = device.Describe().mode_list;
     const std::int32_t index = FindMode(modes, command.settings.mode);
-    device.SendMode(index, WithSettings(modes.at(static_cast<std::size_t>(index)), command.settings));
-    return Push(device);
+    const ModeRecord& mode = modes.at(static_cast<std::size_t>(index));
+    device.SendMode(index, WithSettings(mode, command.settings));
+    const bool shows_nothing = mode.color_source == ColorSource::PerLedColors && !LightsLeds(command.device);
+    return shows_nothing ? PushNothing(device, command.device, mode) : Push(device, command.device);
   }
 
   ExitCode operator()(const LedsCommand& command) {
     Device device = Open(command.device);
+    if (!LightsLeds(command.device)) {
+      throw Complaint(ExitCode::WrongCommandLine,
+                      "leds: " + command.device + " has no colours per LED; use 'zarnctl set'");
+    }
     const ControllerRecords records = device.Describe();
     const std::int32_t index = FindPerLedMode(records.mode_list);
     device.SendColors(ColorPerLed(command.colors, records.color_table.size()));
     device.SendMode(index, records.mode_list.at(static_cast<std::size_t>(index)));
-    return Push(device);
+    return Push(device, command.device);
   }
 
   ExitCode operator()(const DemoCommand& /*command*/) {
     // Traced lines would tear the drawing apart.
     const bool animated = StdoutShowsColors() && !trace_;
-    for (const std::string& name : Names()) {
+    const std::vector<std::string> names = Names();
+    for (const std::string& name : names) {
       Device device = Create(name);
-      const ExitCode code = RunDemo(device, *notebook_, animated);
+      const ExitCode code = RunDemo(device, name, *notebook_, animated ? names.size() : 0);
       if (code != ExitCode::Done) return code;
     }
     return ExitCode::Done;
@@ -72,41 +86,58 @@ class Session {
 
  private:
   /// Never empty.
-  std::vector<std::string> Names() const {
-    std::vector<std::string> names = DeviceNames(*notebook_);
-    if (names.empty()) {
-      throw Complaint(ExitCode::NothingThere, "no lighting device on the notebook \"" + notebook_->profile().title +
-                                                  "\"; use another --machine");
+  const std::vector<std::string>& Names() const {
+    if (discovery_.names.empty()) {
+      std::string lights;
+      for (const Panel& panel : PanelsOf(*notebook_)) lights += (lights.empty() ? "" : ", ") + panel.name;
+      throw Complaint(ExitCode::NothingThere,
+                      "discovery reports no lighting device on the notebook \"" + notebook_->profile().title + "\"" +
+                          (lights.empty() ? "" : " (" + lights + ")") + "; use another --machine");
     }
-    return names;
+    return discovery_.names;
   }
 
   Device Open(const std::string& wanted) const {
-    const std::vector<std::string> names = Names();
+    const std::vector<std::string>& names = Names();
     for (const std::string& name : names) {
       if (name == wanted) return Create(name);
     }
     throw Complaint(ExitCode::NothingThere, wanted + ": no such device; there is " + Alternatives(names));
   }
 
-  Device Create(const std::string& name) const { return Device(plugin_.CreateDevice(name)); }
+  Device Create(const std::string& name) const {
+    Device device(plugin_.CreateDevice(name));
+    Report(FindRefusals(*notebook_));  // for what it could not be asked it shows less than it might
+    return device;
+  }
 
-  ExitCode Push(Device& device) {
+  ExitCode Push(Device& device, const std::string& name) {
     device.Push();
     const ControllerRecords records = device.Describe();
     Draw(records);
-    return Report(FindFaults(*notebook_, records)) ? ExitCode::LightsDiffer : ExitCode::Done;
+    return Report(FindFaults(*notebook_, name, records)) ? ExitCode::LightsDiffer : ExitCode::Done;
+  }
+
+  /// For a mode that the device brings to no light.
+  ExitCode PushNothing(Device& device, const std::string& name, const ModeRecord& mode) {
+    const std::vector<Panel> before = PanelsOf(*notebook_);
+    const ExitCode code = Push(device, name);
+    Complain(mode.label + ": " + name + " has no colours per LED, the lights stay as they were");
+    if (PanelsOf(*notebook_) == before) return code;
+    Complain(mode.label + " changed the lights");
+    return ExitCode::LightsDiffer;
   }
 
   void Draw(const ControllerRecords& records) const {
-    const simulator::KeyboardLights lights = notebook_->Lights();
-    std::cout << (StdoutShowsColors() ? Headline(lights, records.mode_list) + "\n\n" + DrawnKeyboard(lights, 0)
-                                      : PlainLights(lights, records.mode_list));
+    const std::vector<Panel> panels = PanelsOf(*notebook_);
+    std::cout << (StdoutShowsColors() ? DrawnLights(panels, records.mode_list, 0)
+                                      : PlainLights(panels, records.mode_list));
   }
 
   std::shared_ptr<simulator::Notebook> notebook_;
   Plugin plugin_;
   bool trace_;
+  Discovery discovery_;
 };
 
 ExitCode Run(int argc, const char* const* argv) {

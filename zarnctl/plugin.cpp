@@ -2,11 +2,10 @@
 
 #include <dlfcn.h>
 
-#include <algorithm>
-#include <array>
-#include <string_view>
+#include <sstream>
 
 #include "discovery/lighting_plugin.h"
+#include "platform/portable/text.h"
 #include "zarnctl/complaint.h"
 
 namespace zarnctl {
@@ -14,26 +13,12 @@ namespace {
 
 constexpr const char* kPluginName = "libzarn_lighting.so";
 
-template <typename Controller>
-std::unique_ptr<RGBControllerInterface> Create(const Plugin& plugin, const char* controller_factory,
-                                               const char* device_factory) {
-  const auto make_controller = reinterpret_cast<Controller* (*)()>(plugin.Find(controller_factory));
-  const auto make_device = reinterpret_cast<RGBControllerInterface* (*)(Controller*)>(plugin.Find(device_factory));
-  std::unique_ptr<RGBControllerInterface> device(make_device(make_controller()));
-  if (device == nullptr) throw Complaint(ExitCode::Failed, std::string(device_factory) + " created nothing");
-  return device;
+std::vector<std::string> Listed(const std::string& names) {
+  std::vector<std::string> list;
+  std::istringstream text(names);
+  for (std::string name; std::getline(text, name, ',');) list.push_back(name);
+  return list;
 }
-
-std::unique_ptr<RGBControllerInterface> CreateEcKeyboard(const Plugin& plugin) {
-  return Create<ZarnECKeyboardController>(plugin, "CreateZarnECKeyboardControllerClassInstance",
-                                          "CreateRGBController_ZarnECKeyboardClassInstance");
-}
-
-struct DeviceType {
-  std::string_view name;
-  std::unique_ptr<RGBControllerInterface> (*create)(const Plugin&);
-};
-constexpr std::array kDeviceTypes{DeviceType{"ZarnECKeyboard", CreateEcKeyboard}};
 
 }  // namespace
 
@@ -51,16 +36,33 @@ void* Plugin::Find(const char* name) const {
   return address;
 }
 
-std::unique_ptr<RGBControllerInterface> Plugin::CreateDevice(const std::string& name) const {
-  const auto* const type = std::ranges::find(kDeviceTypes, name, &DeviceType::name);
-  if (type == kDeviceTypes.end()) throw Complaint(ExitCode::Failed, "the device " + name + " is not known to zarnctl");
-  return type->create(*this);
+Discovery Plugin::Discover() const {
+  const auto check = reinterpret_cast<decltype(&CheckDeviceStatus)>(Find("CheckDeviceStatus"));
+  std::wstring names;
+  std::wstring hardware_id;
+  std::wstring usage_page;
+  Discovery discovery;
+  const std::int32_t count = check(names, discovery.interface_type, hardware_id, usage_page);
+  // Without devices the list may still hold a name.
+  if (count != 0) discovery.names = Listed(platform::ReadableUtf8(names));
+  if (count < 0 || discovery.names.size() != static_cast<std::size_t>(count)) {
+    throw Complaint(ExitCode::Failed, "the plug-in's discovery counts " + std::to_string(count) + " and names \"" +
+                                          platform::ReadableUtf8(names) + "\"");
+  }
+  discovery.hardware_id = platform::ReadableUtf8(hardware_id);
+  discovery.usage_page = platform::ReadableUtf8(usage_page);
+  return discovery;
 }
 
-std::vector<std::string> DeviceNames(const simulator::Notebook& notebook) {
-  const simulator::Profile& profile = notebook.profile();
-  if (profile.ec.keyboard_zones > 0 && profile.rgb_keyboard) return {"ZarnECKeyboard"};
-  return {};
+std::unique_ptr<RGBControllerInterface> Plugin::CreateDevice(const std::string& name) const {
+  // The factories are called after the device; a host need not know what kind of controller passes between them.
+  const std::string device_factory = "CreateRGBController_" + name + "ClassInstance";
+  const auto make_controller =
+      reinterpret_cast<void* (*)()>(Find(("Create" + name + "ControllerClassInstance").c_str()));
+  const auto make_device = reinterpret_cast<RGBControllerInterface* (*)(void*)>(Find(device_factory.c_str()));
+  std::unique_ptr<RGBControllerInterface> device(make_device(make_controller()));
+  if (device == nullptr) throw Complaint(ExitCode::Failed, device_factory + " created nothing");
+  return device;
 }
 
 }  // namespace zarnctl

@@ -28,6 +28,10 @@ class RecordingLogger final : public zarn::WRV520::Logger {
 };
 
 class LightingTest : public MachineTest {
+ public:
+  LightingTest(const LightingTest&) = delete;
+  LightingTest& operator=(const LightingTest&) = delete;
+
  protected:
   using Lines = std::vector<std::string>;
 

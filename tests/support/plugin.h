@@ -13,7 +13,9 @@
 #include "controller/rgb_controller_interface.h"
 #include "tests/support/temporary_folder.h"
 
+class ZarnECGlobalController;
 class ZarnECKeyboardController;
+class ZarnHIDKeyboardController;
 
 namespace test {
 
@@ -49,13 +51,16 @@ class Plugin {
     return found;
   }
 
-  /// By the device names that discovery answers.
+  /// By the device names that discovery answers. What passes between the two factories is nothing to a host.
   void* CreateController(const std::string& name) const {
-    return Find<void*()>(("Create" + name + "ControllerClassInstance").c_str())();
+    if (name == "ZarnECKeyboard") return MakeController<ZarnECKeyboardController>(name);
+    if (name == "ZarnECGlobal") return MakeController<ZarnECGlobalController>(name);
+    return MakeController<ZarnHIDKeyboardController>(name);
   }
   std::unique_ptr<RGBControllerInterface> CreateAround(const std::string& name, void* controller) const {
-    const std::string factory = "CreateRGBController_" + name + "ClassInstance";
-    return std::unique_ptr<RGBControllerInterface>(Find<RGBControllerInterface*(void*)>(factory.c_str())(controller));
+    if (name == "ZarnECKeyboard") return MakeDevice<ZarnECKeyboardController>(name, controller);
+    if (name == "ZarnECGlobal") return MakeDevice<ZarnECGlobalController>(name, controller);
+    return MakeDevice<ZarnHIDKeyboardController>(name, controller);
   }
   std::unique_ptr<RGBControllerInterface> Create(const std::string& name) const {
     return CreateAround(name, CreateController(name));
@@ -73,6 +78,17 @@ class Plugin {
   }
 
  private:
+  template <typename Controller>
+  void* MakeController(const std::string& name) const {
+    return Find<Controller*()>(("Create" + name + "ControllerClassInstance").c_str())();
+  }
+  template <typename Controller>
+  std::unique_ptr<RGBControllerInterface> MakeDevice(const std::string& name, void* controller) const {
+    const auto make =
+        Find<RGBControllerInterface*(Controller*)>(("CreateRGBController_" + name + "ClassInstance").c_str());
+    return std::unique_ptr<RGBControllerInterface>(make(static_cast<Controller*>(controller)));
+  }
+
   void* library_;
 };
 

@@ -76,7 +76,13 @@ TEST_F(CommandLine, NothingToLightExitsWithThree) {
       << outcome.err;
   ExpectComplaint("show X --machine four-zone", 3, "X: no such device; there is ZarnECKeyboard");
   ExpectComplaint("devices --machine " + WriteProfile("title = 'Dark'\n"), 3,
-                  "no lighting device on the notebook \"Dark\"; use another --machine");
+                  "discovery reports no lighting device on the notebook \"Dark\"; use another --machine");
+  ExpectComplaint(
+      "devices --machine " + WriteProfile("title = 'Plain'\nfirmware.version = '2.91'\nkeyboard = {zones = "
+                                          "4, rgb = false}\n[[hid_keyboard]]\nzones = 4\nanswers = false\n"),
+      3,
+      "discovery reports no lighting device on the notebook \"Plain\" (keyboard, HID keyboard); use another "
+      "--machine");
 }
 
 TEST_F(CommandLine, WhatCannotBeLoadedOrWrittenExitsWithOne) {
@@ -97,6 +103,39 @@ TEST_F(CommandLine, SetAndLedsShowTheLightsThatTheyAskedFor) {
             "keyboard: brightness 50\nzone 1: #ff0000\nzone 2: #00ff00\nzone 3: #0000ff\nzone 4: off\n");
 }
 
+TEST_F(CommandLine, HidKeyboardsShowWhatTheyAreAskedForAndSpareTheRest) {
+  EXPECT_EQ(Run("set ZarnHIDKeyboard --mode snake --speed 7 --brightness 30 --machine hybrid").out,
+            "keyboard: brightness 0\nzone 1: off\nzone 2: off\nzone 3: off\nzone 4: off\n"
+            "light bar: brightness 0\nzone 1: off\nHID keyboard: brightness 30, SNAKE speed 7 direction 2\n");
+  EXPECT_EQ(Run("set ZarnHIDKeyboard --mode wave --direction 1 --machine narrow-fields").out,
+            "HID keyboard: brightness 50, WAVE speed 5 direction 0\n");
+  EXPECT_EQ(Run("leds ZarnHIDKeyboard ff0000 00ff00 0000ff ffffff --machine two-hid-keyboards").out,
+            "HID keyboard: brightness 50\nzone 1: #ff0000\nzone 2: #00ff00\nzone 3: #0000ff\nzone 4: #ffffff\n"
+            "HID keyboard 2\nzone 1: brightness 50, #ff0000\nzone 2: brightness 50, #00ff00\n"
+            "zone 3: brightness 50, #0000ff\nzone 4: brightness 50, #ffffff\nzones 5 to 8: brightness 0, off\n");
+}
+
+TEST_F(CommandLine, WholeDeviceLightRunsEffectsAndHasNoColoursPerLed) {
+  EXPECT_EQ(Run("set ZarnECGlobal --mode static --color 00ff00 --machine light-bar").out,
+            "keyboard: brightness 50\nzone 1: #00ff00\nzone 2: #00ff00\nzone 3: #00ff00\nzone 4: #00ff00\n"
+            "light bar: brightness 50, STATIC speed 5 direction 2 colour #00ff00\n");
+  ExpectComplaint("leds ZarnECGlobal ff0000 --machine light-bar", 2,
+                  "leds: ZarnECGlobal has no colours per LED; use 'zarnctl set'");
+  const Outcome direct = Run("set ZarnECGlobal --mode direct --machine light-bar");
+  EXPECT_EQ(direct.exit_code, 0);
+  EXPECT_EQ(direct.err, "zarnctl: Direct: ZarnECGlobal has no colours per LED, the lights stay as they were\n");
+}
+
+TEST_F(CommandLine, TracePrintsHidReports) {
+  const std::string machine = WriteProfile(
+      "title = 'Short'\n[[hid_keyboard]]\nzones = 1\nreport_length = 12\nbase_info = [[0x35, 8], [0x31, 8]]\n");
+  EXPECT_EQ(Run("--trace leds ZarnHIDKeyboard 0180ff --machine " + machine).err,
+            "trace: HidD_GetFeature \\\\?\\hid#vid_1209&pid_0001#0, a1 -> 1, a1 01 21 00 00 00 00 00 00 00 00 00\n"
+            "trace: HidD_SetFeature \\\\?\\hid#vid_1209&pid_0001#0, a2 21 00 00 00 00 00 00 00 00 00 00 -> 1\n"
+            "trace: HidD_GetFeature \\\\?\\hid#vid_1209&pid_0001#0, a3 -> 1, a3 21 01 00 00 00 00 00 00 00 00 00\n"
+            "trace: HidD_SetFeature \\\\?\\hid#vid_1209&pid_0001#0, a4 21 02 32 00 00 01 80 ff 01 00 00 -> 1\n");
+}
+
 TEST_F(CommandLine, PacketLogAndLightsOfOneSetAgree) {
   const std::string machine = WriteProfile(
       "title = 'Logged'\nuser = 'u'\nfirmware.version = '2.91'\nkeyboard.zones = 4\nlog.enabled = true\n"
@@ -110,7 +149,9 @@ TEST_F(CommandLine, PacketLogAndLightsOfOneSetAgree) {
             "gmInput=01 07 1e 00 02 ff 00 00 03 01 00 00 00 00 00 00 -> 0x00000000, gmOutput=0\n");
   std::istringstream log(LogText());
   std::string messages;
-  for (std::string line; std::getline(log, line);) messages += line.substr(line.rfind(" | ") + 3);
+  for (std::string line; std::getline(log, line);) {
+    if (line.find("SetMode") != std::string::npos) messages += line.substr(line.rfind(" | ") + 3);
+  }
   EXPECT_EQ(messages,
             "Enter!!\rmode=1, speed=7, direction=2, brightness=30, color= (0XFF,0X0,0X0)\r"
             "input_data[0] = 0X1\rinput_data[1] = 0X7\rinput_data[2] = 0X1E\rinput_data[3] = 0X0\r"
@@ -122,15 +163,26 @@ TEST_F(CommandLine, PacketLogAndLightsOfOneSetAgree) {
 TEST_F(CommandLine, LightsThatDoNotFollowExitWithFour) {
   const std::string mute =
       WriteProfile("title = 'Mute'\nfirmware = {version = '2.91', instance = ''}\nkeyboard.zones = 1\n");
-  const std::string line = " as asked: no call reached the firmware; does the profile have the firmware class?";
+  const std::string line = " as asked: nothing reached it; does the profile have the firmware class, is it plugged in?";
   ExpectComplaint("demo --machine " + mute, 4, "the keyboard does not show Direct" + line);
   EXPECT_EQ(Run("set ZarnECKeyboard --mode WAVE --machine " + mute).err,
             "zarnctl: the keyboard does not show WAVE" + line + "\n");
+  const Outcome lied_to = Run("set ZarnHIDKeyboard --mode static --machine liar");
+  EXPECT_EQ(lied_to.exit_code, 4);
+  EXPECT_EQ(lied_to.err, "zarnctl: the HID keyboard does not show STATIC as asked: its description has no LEDs\n");
 }
 
 TEST_F(CommandLine, DevicesAndShowTellWhatTheDescriptionSays) {
   EXPECT_EQ(Run("devices --machine three-zone").out,
-            "ZarnECKeyboard: Zarn EC Keyboard Device, 1 zone, 3 LEDs, 9 modes\n");
+            "ZarnECKeyboard: Zarn EC Keyboard Device, 1 zone, 3 LEDs, 9 modes\ninterface type 3\n");
+  EXPECT_EQ(Run("devices --machine hid-keyboard").out,
+            "ZarnHIDKeyboard: Zarn HID Keyboard Device, 1 zone, 4 LEDs, 14 modes\n"
+            "interface type 1, hardware id USB\\VID_1209&PID_0001, usage page FF5A\n");
+  EXPECT_EQ(Run("devices --machine hybrid").out,
+            "ZarnECGlobal: Zarn Global Device, 1 zone, 1 LED, 9 modes\n"
+            "ZarnECKeyboard: Zarn EC Keyboard Device, 1 zone, 4 LEDs, 9 modes\n"
+            "ZarnHIDKeyboard: Zarn HID Keyboard Device, 1 zone, 16 LEDs, 14 modes\n"
+            "interface type 3\n");
   const std::string shown = Run("show ZarnECKeyboard --machine three-zone").out;
   for (const char* const line :
        {"  maker: Zarn\n", "  zone: Keyboard Backlight zone, 3 LEDs\n", "  LED: Keyboard Backlight zone 3, #000000\n",

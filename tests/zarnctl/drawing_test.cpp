@@ -15,7 +15,7 @@ namespace zarnctl {
 namespace {
 
 using simulator::Effect;
-using simulator::KeyboardLights;
+using simulator::HidKeyboard;
 
 std::vector<ModeRecord> Modes() {
   std::vector<ModeRecord> modes(3);
@@ -23,20 +23,74 @@ std::vector<ModeRecord> Modes() {
   modes[0].color_source = ColorSource::PerLedColors;
   modes[1].hw_code = 1;
   modes[1].color_source = ColorSource::ModeColors;
+  modes[1].label = "PULSE";
   modes[2].hw_code = 3;
   modes[2].label = "RAINBOW";
   return modes;
 }
 
-KeyboardLights TwoZones(std::uint8_t brightness = 100, std::optional<Effect> effect = {}) {
-  return {.zones = {{true, {255, 0, 128}}, {false, {0, 0, 255}}}, .brightness = brightness, .effect = effect};
+Panel TwoZones(std::uint8_t brightness = 100, const std::optional<Effect>& effect = {}) {
+  return {"keyboard",
+          Panel::Shape::Keyboard,
+          {{true, {255, 0, 128}, brightness, effect}, {false, {0, 0, 255}, brightness, effect}}};
 }
 
 TEST(PlainLights, NameAnEffectByItsCodeWhenNoModeHasIt) {
-  EXPECT_EQ(PlainLights(TwoZones(30, Effect{3, 9, 1, {}}), Modes()),
+  EXPECT_EQ(PlainLights({TwoZones(30, Effect{3, 9, 1, {}})}, Modes()),
             "keyboard: brightness 30, RAINBOW speed 9 direction 1\n");
-  EXPECT_EQ(PlainLights(TwoZones(30, Effect{6, 5, 2, {0, 1, 0}}), Modes()),
+  EXPECT_EQ(PlainLights({TwoZones(30, Effect{6, 5, 2, {0, 1, 0}})}, Modes()),
             "keyboard: brightness 30, effect 6 speed 5 direction 2 colour #000100\n");
+}
+
+TEST(PlainLights, TellZoneByZoneWhatTheZonesDoNotShare) {
+  Panel panel = TwoZones(30);
+  panel.zones[1].effect = Effect{3, 9, 1, {}};
+  EXPECT_EQ(PlainLights({panel}, Modes()),
+            "keyboard\nzone 1: brightness 30, #ff0080\nzone 2: brightness 30, RAINBOW speed 9 direction 1\n");
+  panel.zones.assign(5, TwoZones().zones[0]);
+  EXPECT_EQ(PlainLights({panel}, Modes()), "keyboard: brightness 100\nzones 1 to 5: #ff0080\n");
+  panel.zones.clear();
+  EXPECT_EQ(PlainLights({panel}, Modes()), "keyboard: no zones\n");
+}
+
+/// A notebook with the lighting keyboards of `keyboards` and no firmware.
+simulator::Notebook WithHidKeyboards(std::vector<HidKeyboard::Settings> keyboards) {
+  simulator::Profile profile;
+  profile.hid_keyboards = std::move(keyboards);
+  return simulator::Notebook(std::move(profile));
+}
+
+/// A keyboard of two zones that has all effects.
+HidKeyboard::Settings TwoHidZones() {
+  HidKeyboard::Settings settings;
+  settings.report_length = 12;
+  settings.zones = 2;
+  settings.effects = 0xFFFFFFFF;
+  return settings;
+}
+
+void Update(simulator::Notebook& notebook, std::size_t keyboard, std::vector<std::uint8_t> values) {
+  values.insert(values.begin(), {0xA4, 0x21});
+  values.resize(12);
+  notebook.SetFeature(keyboard, notebook.HidKeyboardAt(keyboard).Connect().value_or(0), values);
+}
+
+TEST(Panels, HidKeyboardsGetTheHostsCodesAndLeaveWhenUnplugged) {
+  simulator::Notebook notebook = WithHidKeyboards({TwoHidZones(), TwoHidZones()});
+  const std::pair<std::uint8_t, std::uint8_t> codes[] = {{4, 1},  {5, 2},   {6, 34}, {7, 3},   {8, 4},
+                                                         {9, 5},  {10, 6},  {11, 7}, {12, 11}, {13, 8},
+                                                         {14, 9}, {15, 10}, {31, 31}};
+  for (const auto& [keyboard_code, host_code] : codes) {
+    Update(notebook, 1, {keyboard_code, 40, 3, 6, 1, 2, 3, 1});
+    const Panel panel = PanelsOf(notebook).at(1);
+    EXPECT_EQ(panel.zones.at(0).effect, (Effect{host_code, 3, 6, {1, 2, 3}}));
+    EXPECT_EQ(panel.zones.at(1), Panel::Zone());
+  }
+  Update(notebook, 1, {2, 40, 3, 6, 1, 2, 3, 1});
+  EXPECT_EQ(PanelsOf(notebook).at(1).zones.at(0), (Panel::Zone{true, {1, 2, 3}, 40, {}}));
+  notebook.HidKeyboardAt(0).Unplug();
+  ASSERT_EQ(PanelsOf(notebook).size(), 1U);
+  EXPECT_EQ(PanelsOf(notebook)[0].name, "HID keyboard 2");
 }
 
 /// The text of one key of three columns.
@@ -46,37 +100,62 @@ std::string Key(int red, int green, int blue) {
 
 std::string FirstRow(const std::string& drawing) { return drawing.substr(0, drawing.find('\n')); }
 
-TEST(DrawnKeyboard, DividesFifteenKeysBetweenTheZonesAndKeepsDarkOnesVisible) {
+TEST(DrawnPanel, DividesFifteenKeysBetweenTheZonesAndKeepsDarkOnesVisible) {
   std::string row;
   for (int i = 0; i < 7; ++i) row += Key(255, 32, 144) + " ";
   for (int i = 7; i < 15; ++i) row += Key(32, 32, 32) + (i < 14 ? " " : "\033[0m");
-  const std::string drawing = DrawnKeyboard(TwoZones(), 0);
+  const std::string drawing = DrawnPanel(TwoZones(), 0);
   EXPECT_EQ(FirstRow(drawing), row);
   EXPECT_EQ(std::count(drawing.begin(), drawing.end(), '\n'), 5);
 }
 
-TEST(DrawnKeyboard, IsScaledByBrightness) {
-  EXPECT_TRUE(DrawnKeyboard(TwoZones(50), 0).starts_with(Key(144, 32, 88) + " "));
-  EXPECT_TRUE(DrawnKeyboard(TwoZones(0), 0).starts_with(Key(32, 32, 32) + " "));
+TEST(DrawnPanel, IsScaledByBrightness) {
+  EXPECT_TRUE(DrawnPanel(TwoZones(50), 0).starts_with(Key(144, 32, 88) + " "));
+  EXPECT_TRUE(DrawnPanel(TwoZones(0), 0).starts_with(Key(32, 32, 32) + " "));
 }
 
-TEST(DrawnKeyboard, BreathesAtTheSpeedOfTheEffect) {
+TEST(DrawnPanel, BarIsOneRowAsWideAsAKeyboard) {
+  Panel bar = TwoZones();
+  bar.shape = Panel::Shape::Bar;
+  bar.zones.pop_back();
+  const std::string drawing = DrawnPanel(bar, 0);
+  EXPECT_TRUE(drawing.starts_with("\033[38;2;255;32;144m▇"));
+  EXPECT_TRUE(drawing.ends_with("▇\033[0m\n"));
+  const auto columns = [](const std::string& row) {
+    std::size_t count = 0;
+    for (std::size_t at = row.find("▇"); at != std::string::npos; at = row.find("▇", at + 1)) ++count;
+    return count + static_cast<std::size_t>(std::count(row.begin(), row.end(), ' '));
+  };
+  EXPECT_EQ(columns(drawing), columns(FirstRow(DrawnPanel(TwoZones(), 0))));
+}
+
+TEST(DrawnPanel, EveryEffectWithoutAColourMovesAndIsColourful) {
+  for (const std::uint8_t code : std::vector<std::uint8_t>{2, 3, 8, 9, 10, 11}) {
+    const auto at = [&](double seconds) { return DrawnPanel(TwoZones(100, Effect{code, 5, 2, {}}), seconds); };
+    EXPECT_NE(at(0.5), at(1.7)) << int{code};
+    EXPECT_NE(at(0.5), DrawnPanel(TwoZones(0), 0)) << int{code};
+  }
+  // Sent with neither speed nor brightness, which the keyboard has of its own.
+  EXPECT_TRUE(DrawnPanel(TwoZones(0, Effect{34, 0, 2, {255, 0, 0}}), 0).starts_with(Key(255, 32, 32)));
+}
+
+TEST(DrawnPanel, BreathesAtTheSpeedOfTheEffect) {
   const auto breath = [](std::uint8_t speed, double seconds) {
-    return DrawnKeyboard(TwoZones(100, Effect{1, speed, 2, {255, 0, 0}}), seconds);
+    return DrawnPanel(TwoZones(100, Effect{1, speed, 2, {255, 0, 0}}), seconds);
   };
   EXPECT_TRUE(breath(5, 0).starts_with(Key(255, 32, 32)));
   EXPECT_TRUE(breath(5, 2.0 / 3).starts_with(Key(32, 32, 32)));
   EXPECT_NE(breath(9, 0.3), breath(1, 0.3));
 }
 
-TEST(DrawnKeyboard, MovesInTheDirectionOfTheEffect) {
+TEST(DrawnPanel, MovesInTheDirectionOfTheEffect) {
   const std::pair<std::uint8_t, const char*> directions[] = {{1, "#######........"},
                                                              {2, "........#######"},
                                                              {3, "..............."},
                                                              {4, "###############"},
                                                              {5, "....#######...."}};
   for (const auto& [direction, keys] : directions) {
-    const std::string row = FirstRow(DrawnKeyboard(TwoZones(30, Effect{4, 5, direction, {255, 255, 255}}), 0));
+    const std::string row = FirstRow(DrawnPanel(TwoZones(30, Effect{4, 5, direction, {255, 255, 255}}), 0));
     std::string lit;
     for (std::size_t at = row.find("8;2;"); at != std::string::npos; at = row.find("8;2;", at + 1)) {
       lit += row.compare(at, 6, "8;2;32") == 0 ? '.' : '#';
@@ -93,34 +172,106 @@ ControllerRecords Described(std::int32_t current_mode) {
   records.mode_list[1].speed_setting = 7;
   records.mode_list[1].mode_colors = {0x0000ff};
   records.color_table = {0x8000ff, 0};
+  records.led_list.resize(2);
   records.current_mode = current_mode;
   return records;
 }
 
-TEST(Shows, ComparesEverySettingOfTheActiveMode) {
+simulator::Notebook WithFirmware(int zones) {
+  simulator::Profile profile;
+  profile.ec = {.keyboard_zones = zones, .light_bar = true, .version = {2, 91}};
+  return simulator::Notebook(std::move(profile));
+}
+
+/// Sends the firmware an effect for the keyboard (target 1) or for the light bar too (3).
+void Send(simulator::Notebook& notebook, const Effect& effect, std::uint8_t brightness, std::uint8_t target) {
+  const auto& [code, speed, direction, color] = effect;
+  notebook.CallFirmware("SetGamingKBBacklight",
+                        std::vector<std::uint8_t>{code, speed, brightness, 0, direction, color.red, color.green,
+                                                  color.blue, 3, target, 0, 0, 0, 0, 0, 0});
+}
+
+TEST(Shows, ComparesEverySettingOfAnEffect) {
   const Effect pulse{1, 7, 2, {255, 0, 0}};
-  EXPECT_TRUE(Shows(TwoZones(), Described(0)));
-  EXPECT_TRUE(Shows(TwoZones(30, pulse), Described(1)));
-  EXPECT_FALSE(Shows(TwoZones(99), Described(0)));
-  EXPECT_FALSE(Shows(TwoZones(100, pulse), Described(0)));
-  EXPECT_FALSE(Shows(TwoZones(30), Described(1)));
+  simulator::Notebook notebook = WithFirmware(2);
   for (const Effect& other : {Effect{2, 7, 2, {255, 0, 0}}, Effect{1, 6, 2, {255, 0, 0}}, Effect{1, 7, 1, {255, 0, 0}},
                               Effect{1, 7, 2, {255, 0, 1}}}) {
-    EXPECT_FALSE(Shows(TwoZones(30, other), Described(1)));
+    Send(notebook, other, 30, 3);
+    for (const char* const device : {"ZarnECKeyboard", "ZarnECGlobal"}) {
+      EXPECT_FALSE(Shows(notebook, device, Described(1))) << device;
+    }
   }
-  KeyboardLights lights = TwoZones();
-  lights.zones[1].on = true;
-  EXPECT_FALSE(Shows(lights, Described(0)));
+  Send(notebook, pulse, 31, 3);
+  EXPECT_FALSE(Shows(notebook, "ZarnECGlobal", Described(1)));
+  Send(notebook, pulse, 30, 1);
+  EXPECT_TRUE(Shows(notebook, "ZarnECKeyboard", Described(1)));
+  EXPECT_FALSE(Shows(notebook, "ZarnECGlobal", Described(1)));
+  Send(notebook, pulse, 30, 3);
+  EXPECT_TRUE(Shows(notebook, "ZarnECGlobal", Described(1)));
+}
+
+TEST(Shows, ComparesSwitchesColoursAndBrightnessOfZones) {
+  simulator::Notebook notebook = WithFirmware(2);
+  const auto switch_zones = [&](std::uint8_t bits) {
+    notebook.CallFirmware("SetGamingLED", std::vector<std::uint8_t>{8, 0, 0, 0, 0, bits, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+  };
+  notebook.CallFirmware("SetGamingRgbKb", L"2147548929");  // zone 1: red 255, green 0, blue 128
+  switch_zones(1);
+  Send(notebook, Effect{}, 99, 1);
+  EXPECT_FALSE(Shows(notebook, "ZarnECKeyboard", Described(0)));
+  Send(notebook, Effect{}, 100, 1);
+  EXPECT_TRUE(Shows(notebook, "ZarnECKeyboard", Described(0)));
+  switch_zones(3);
+  EXPECT_FALSE(Shows(notebook, "ZarnECKeyboard", Described(0)));
+}
+
+TEST(Shows, HoldsAHidKeyboardToTheFieldsThatItsUpdatesHave) {
+  HidKeyboard::Settings narrow = TwoHidZones();
+  narrow.update = {{0x41, 8}, {0x43, 8}, {0x45, 8}, {0x46, 8}, {0x47, 8}, {0x48, 8}};  // no speed, no direction
+  simulator::Notebook notebook = WithHidKeyboards({narrow, TwoHidZones()});
+  const auto shows = [&](int mode) { return Shows(notebook, "ZarnHIDKeyboard", Described(mode)); };
+  Update(notebook, 0, {4, 30, 255, 0, 0, 3});
+  EXPECT_FALSE(shows(1));  // the other one is dark
+  Update(notebook, 1, {4, 30, 7, 2, 255, 0, 0, 3});
+  EXPECT_TRUE(shows(1));
+  const std::vector<std::vector<std::uint8_t>> strays = {{5, 30, 7, 2, 255, 0, 0, 2},
+                                                         {4, 31, 7, 2, 255, 0, 0, 2},
+                                                         {4, 30, 8, 2, 255, 0, 0, 2},
+                                                         {4, 30, 7, 1, 255, 0, 0, 2},
+                                                         {4, 30, 7, 2, 254, 0, 0, 2}};
+  for (std::size_t i = 0; i < strays.size(); ++i) {
+    Update(notebook, 1, strays[i]);
+    EXPECT_FALSE(shows(1)) << i;
+  }
+  Update(notebook, 1, {2, 100, 0, 0, 255, 0, 128, 1});
+  Update(notebook, 1, {2, 100, 0, 0, 0, 0, 0, 2});
+  Update(notebook, 0, {2, 100, 255, 0, 128, 1});
+  EXPECT_FALSE(shows(0));
+  Update(notebook, 0, {2, 100, 0, 0, 0, 2});
+  EXPECT_TRUE(shows(0));
+  notebook.HidKeyboardAt(1).Unplug();
+  EXPECT_FALSE(shows(0));
 }
 
 TEST(FindFaults, TellEveryRefusalOfTheFirmware) {
-  simulator::Profile profile;
-  profile.ec = {.keyboard_zones = 1, .light_bar = false, .version = {2, 91}};
-  simulator::Notebook notebook(std::move(profile));
+  simulator::Notebook notebook = WithFirmware(1);
   for (const wchar_t* input : {L"65282", L"65281", L"65284"}) notebook.CallFirmware("SetGamingRgbKb", input);
-  EXPECT_EQ(FindFaults(notebook, Described(1)),
+  EXPECT_EQ(FindFaults(notebook, "ZarnECKeyboard", Described(1)),
             (std::vector<std::string>{"the firmware refused SetGamingRgbKb: byte 0 is 2, a zone that is not there",
                                       "the firmware refused SetGamingRgbKb: byte 0 is 4, a zone that is not there"}));
+}
+
+TEST(FindFaults, TellOnceWhatAHidKeyboardFailsAgainAndAgain) {
+  simulator::Notebook notebook = WithHidKeyboards({TwoHidZones()});
+  notebook.HidKeyboardAt(0).Misbehave({.kind = HidKeyboard::Misbehaviour::Kind::Stall, .stall_ms = 1});
+  for (int attempt = 0; attempt < 5; ++attempt) Update(notebook, 0, {4, 30, 7, 2, 255, 0, 0, 3});
+  EXPECT_EQ(FindFaults(notebook, "ZarnHIDKeyboard", Described(1)),
+            std::vector<std::string>{"HID keyboard 1, SetFeature: the keyboard did not answer"});
+  notebook.HidKeyboardAt(0).Unplug();
+  EXPECT_EQ(
+      FindFaults(notebook, "ZarnHIDKeyboard", Described(1)),
+      std::vector<std::string>{"the HID keyboard does not show PULSE as asked: nothing reached it; does the profile "
+                               "have the firmware class, is it plugged in?"});
 }
 
 }  // namespace
