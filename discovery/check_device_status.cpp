@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <exception>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -56,7 +57,10 @@ class PresenceTest {
   PresenceTest() = default;
   PresenceTest(const PresenceTest&) = delete;
   PresenceTest& operator=(const PresenceTest&) = delete;
-  ~PresenceTest() { LightingHID::CloseLightingDevices(); }
+  ~PresenceTest() {
+    const std::lock_guard lock(g_lightingDevicesLock);
+    LightingHID::CloseLightingDevices();
+  }
 };
 
 /// The HID keyboard, if there is one.
@@ -74,8 +78,9 @@ Status HidKeyboardAlone(const _HIDInfo& keyboard) {
           .count = 1};
 }
 
-/// Takes an item in; false when it ends the scan.
-bool Heed(std::uint8_t id, std::uint16_t value, EcDevices& devices) {
+/// Takes an item in; false when it ends the scan. The last item of a kind counts, as long as it stands in front of the
+/// light bar's, which closes the list. The device controllers, which come later, read the first one of each.
+bool TakeItem(std::uint8_t id, std::uint16_t value, EcDevices& devices) {
   if (id == kItemKeyboardZones && (value == 0 || value == 1 || value == 3 || value == 4)) devices.keyboard = value != 0;
   if (id == kItemRgbKeyboard && (value == kRgbKeyboardNone || value == kRgbKeyboardThere)) {
     devices.rgb_keyboard = value == kRgbKeyboardThere;
@@ -96,23 +101,24 @@ EcDevices ReadEcDevices() {
   }
   devices.firmware_version = {record.biosMajor, record.biosMinor};
   for (std::size_t i = 0; i < static_cast<std::size_t>(record.itemCount); ++i) {
-    if (!Heed(record.itemIds.at(i), record.itemValues.at(i), devices)) break;
+    if (!TakeItem(record.itemIds.at(i), record.itemValues.at(i), devices)) break;
   }
   return devices;
 }
 
-/// Whether the firmware answers for the light bar that its record announces.
+/// Whether the firmware confirms the light bar that its record announces. Older firmware does so in one byte of its
+/// answer, for which the call must have gone well; newer firmware in any of four pairs of bytes.
 bool FirmwareHasLightBar(std::pair<std::uint8_t, std::uint8_t> version) {
   kLog(L"BIOS major version:%d - BIOS minor version::%d", version.first, version.second);
   std::array<std::uint8_t, 16> answer{};
-  const auto is_lit = [&answer](std::size_t i) { return answer.at(i) != 0 && answer.at(i) != 0xFF; };
+  const auto is_set = [&answer](std::size_t i) { return answer.at(i) != 0 && answer.at(i) != 0xFF; };
   if (version < std::pair<std::uint8_t, std::uint8_t>(2, 91)) {
     GetGamingLED(answer.data(), 11);
-    return answer[0] == 0 && is_lit(6);
+    return answer[0] == 0 && is_set(6);
   }
   GetGamingLED(answer.data(), 16);
   constexpr std::size_t kPairs[] = {6, 8, 10, 12};
-  return std::ranges::any_of(kPairs, [&](std::size_t first) { return is_lit(first) && is_lit(first + 1); });
+  return std::ranges::any_of(kPairs, [&](std::size_t first) { return is_set(first) && is_set(first + 1); });
 }
 
 /// How many devices the embedded controller has: 0, the keyboard, or the whole-device light as well.

@@ -17,13 +17,14 @@ extern "C" {
 /// whatever `deviceNames` holds: the HID keyboard's name where the service's HybridMode is on and there is one, else
 /// what it held before.
 ///
-/// Also turns the HID library's log to the log file, and builds the list of HID lighting devices as soon as there is
-/// one; that list stays, so that a keyboard unplugged later is still reported. Every call asks everything else anew.
+/// Also turns the HID library's log to the log file, if logging is on by then, and builds the list of HID lighting
+/// devices as soon as there is one; that list stays, so that a keyboard unplugged later is still reported. Every call
+/// asks everything else anew.
 ///
-/// Call it before creating controllers, and not while another thread calls it or drives a HID keyboard. It may take as
-/// long as the management service and the HID devices do. Throws nothing: failures show in the number alone, and when
-/// memory runs out the answer is 0 and the arguments are as they were. The strings are the standard library's, shared
-/// by host and plug-in; what they hold is the host's.
+/// Call it before creating controllers. Any thread may call; while a HID keyboard is driven the call waits for the
+/// report that is under way. It may take as long as the management service and the HID devices do. Throws nothing:
+/// failures show in the number alone, and when memory runs out the answer is 0 and the arguments are as they were. The
+/// strings are the standard library's, shared by host and plug-in; what they hold is the host's.
 ZARN_EXPORT std::int32_t CheckDeviceStatus(std::wstring& deviceNames, std::uint32_t& interfaceType,
                                            std::wstring& hardwareId, std::wstring& usagePageHex) noexcept;
 }

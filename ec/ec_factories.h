@@ -2,8 +2,8 @@
 ///
 /// Ownership: the host owns what a factory returns. The generic controller takes its device controller over, and
 /// destroys it, as soon as the second factory has returned; when that one throws, the device controller stays with
-/// the host. Errors: std::bad_alloc, and std::system_error when the worker thread cannot be started. Any thread may
-/// call.
+/// the host, which can hand it in again and in no other way give it back. Errors: std::bad_alloc, and std::system_error
+/// when the worker thread cannot be started. Any thread may call.
 #pragma once
 
 #include "platform/export.h"

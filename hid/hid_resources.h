@@ -5,6 +5,8 @@
 
 #include "platform/hid.h"
 
+inline bool IsOpen(HANDLE handle) { return handle != INVALID_HANDLE_VALUE && handle != nullptr; }
+
 /// An opened HID interface.
 class DeviceHandle {
  public:
@@ -17,7 +19,7 @@ class DeviceHandle {
 
   HANDLE Get() const { return handle_; }
   HANDLE Release() { return std::exchange(handle_, INVALID_HANDLE_VALUE); }
-  explicit operator bool() const { return handle_ != INVALID_HANDLE_VALUE && handle_ != nullptr; }
+  explicit operator bool() const { return IsOpen(handle_); }
 
  private:
   HANDLE handle_;

@@ -1,12 +1,14 @@
 /// The lighting HID devices of the machine, and the lighting reports.
 ///
 /// A lighting device is an interface with a vendor-defined usage page that answers the attribute report 0xA1 with the
-/// lighting device ids it serves. Where a value sits in its other reports is for the device to say: values are packed
-/// back to back in a fixed order, each as wide as the device declares its field, and undeclared ones take no room.
+/// lighting device ids it serves. Where a value sits in the other reports is for the devices to say: values are packed
+/// back to back in a fixed order, each as wide as its field is declared, and undeclared ones take no room. Devices that
+/// serve the same id are taken for alike: a field is as wide for all of them as the first one that has it declares.
 ///
 /// The list of devices is built once, as soon as there is one. Its handles stay open between reports; they are closed
 /// after an exchange that failed, after discovery's presence test, and when the HID keyboard's controller goes. The
-/// next exchange reopens a closed device by its identity.
+/// next exchange reopens a closed device by its vendor, product and usage, so that it may be plugged in elsewhere by
+/// then; of two devices that agree in all of them the first one gets the reports of both.
 ///
 /// Threads: `g_lightingDevicesLock` serialises all lighting traffic of the process, retries and waits included; see
 /// each operation for who takes it. Device errors are logged and answered, never thrown; std::bad_alloc may leave every
@@ -33,7 +35,8 @@ struct _HIDInfo : _HIDDevice {  // NOLINT(bugprone-reserved-identifier): as for 
   std::map<FieldKey, HIDP_VALUE_CAPS> fields;  // its feature value fields
 };
 
-/// What a lighting device says of itself. Fields it does not declare are 0.
+/// What a lighting device says of itself. Fields it does not declare are 0. What it means by those that are called by
+/// their usages is not known here.
 struct LightingDeviceBaseInfo {
   std::uint8_t deviceId = 0;
   std::uint8_t info34 = 0;
@@ -52,10 +55,34 @@ namespace zarn::WRV520::Lighting {
 /// The lighting device id of the keyboard.
 inline constexpr std::uint8_t kKeyboardId = 0x21;
 
+/// The lighting feature reports.
+inline constexpr std::uint8_t kAttributeReport = 0xA1;
+inline constexpr std::uint8_t kBaseInfoRequest = 0xA2;
+inline constexpr std::uint8_t kBaseInfoReply = 0xA3;
+inline constexpr std::uint8_t kUpdateReport = 0xA4;
+
+/// By which the fields of the base information and of the update are declared.
+namespace FieldUsage {
+inline constexpr std::uint8_t EffectMask = 0x31;
+inline constexpr std::uint8_t Info32 = 0x32;
+inline constexpr std::uint8_t Info33 = 0x33;
+inline constexpr std::uint8_t Info34 = 0x34;
+inline constexpr std::uint8_t ZoneCount = 0x35;
+inline constexpr std::uint8_t Mode = 0x41;
+inline constexpr std::uint8_t Speed = 0x42;
+inline constexpr std::uint8_t Brightness = 0x43;
+inline constexpr std::uint8_t Direction = 0x44;
+inline constexpr std::uint8_t Red = 0x45;
+inline constexpr std::uint8_t Green = 0x46;
+inline constexpr std::uint8_t Blue = 0x47;
+inline constexpr std::uint8_t ZoneMask = 0x48;
+}  // namespace FieldUsage
+
 class LightingHID {
  public:
   /// Rebuilds `g_lightingDevices` from the devices that are present, each with an open handle, and copies it to
-  /// `devices`, which may be that list itself. Takes the lock.
+  /// `devices`, which may be that list itself. The handles stay the list's, in copies too; close them before it is
+  /// built anew. Takes the lock.
   static void GetLightingDeviceList(std::vector<_HIDInfo>& devices);
   /// Reads the lighting device ids that `device` serves. For the building of the list, under the lock.
   static bool GetLightingDeviceAttributeReport(_HIDInfo& device);
@@ -64,14 +91,14 @@ class LightingHID {
   /// `width` is written on success alone. Takes no lock: the report operations ask while they hold it.
   static bool GetFieldSize(std::uint8_t device_id, std::uint8_t report_id, std::uint8_t usage, std::uint8_t& width);
 
-  /// The first listed device that serves the keyboard; `device` is written on success alone. Builds the list if it is
-  /// empty, and otherwise asks no device, so that an unplugged one is still found. Takes no lock of its own: not for
-  /// use while reports are exchanged.
+  /// The first listed device that serves the keyboard; `device` is written on success alone, and its handle stays the
+  /// list's. Builds the list if it is empty, and otherwise asks no device, so that an unplugged one is still found.
+  /// Takes the lock.
   static bool FindLightingDevice(_HIDInfo& device);
   /// The handle of a device, opened anew when it is closed; INVALID_HANDLE_VALUE when that fails. The caller stores
   /// it. Takes no lock.
   static HANDLE OpenLightingDevice(const _HIDDevice& device);
-  /// Closes the handles that listed devices have open. Takes no lock.
+  /// Closes the handles that listed devices have open. Under the lock.
   static void CloseLightingDevices();
 
   /// Asks the listed devices that serve `device_id` in turn, up to five times each, for what they say of themselves.

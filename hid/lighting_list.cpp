@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "hid/hid_log.h"
+#include "hid/hid_resources.h"
 #include "hid/lighting_hid.h"
 
 std::vector<_HIDInfo> g_lightingDevices;
@@ -12,9 +13,6 @@ namespace zarn::WRV520::Lighting {
 namespace {
 
 constexpr std::uint16_t kLightingUsagePage = 0xFF5A;
-constexpr std::uint8_t kAttributeReport = 0xA1;
-constexpr std::uint8_t kBaseInfoReport = 0xA3;
-constexpr std::uint8_t kOptionalUsage = 0x33;
 
 constexpr wchar_t kListTag[] = L"zarn::WRV520::Lighting::LightingHID::GetLightingDeviceList";
 constexpr wchar_t kAttributeTag[] = L"zarn::WRV520::Lighting::LightingHID::GetLightingDeviceAttributeReport";
@@ -23,8 +21,7 @@ constexpr wchar_t kFieldTag[] = L"zarn::WRV520::Lighting::LightingHID::GetFieldS
 template <typename Device>
 void CloseHandles(std::vector<Device>& devices) {
   for (Device& device : devices) {
-    if (device.handle == INVALID_HANDLE_VALUE) continue;
-    CloseHandle(device.handle);
+    if (IsOpen(device.handle)) CloseHandle(device.handle);
     device.handle = INVALID_HANDLE_VALUE;
   }
 }
@@ -52,10 +49,8 @@ void ReadFields(_HIDInfo& device) {
   }
 }
 
-}  // namespace
-
-void LightingHID::GetLightingDeviceList(std::vector<_HIDInfo>& devices) {
-  const std::lock_guard lock(g_lightingDevicesLock);
+/// Under the lock.
+void BuildList() {
   OpenDevices<_HIDDevice> found;
   TsHID::GetHIDDeviceHandle([](std::uint16_t, std::uint16_t) { return true; },
                             [](const HIDP_CAPS& caps) { return caps.UsagePage == kLightingUsagePage; }, found.list);
@@ -63,19 +58,26 @@ void LightingHID::GetLightingDeviceList(std::vector<_HIDInfo>& devices) {
   built.list.reserve(found.list.size());
   for (_HIDDevice& interface : found.list) {
     _HIDInfo device{interface, {}, {}};
-    if (!GetLightingDeviceAttributeReport(device)) continue;
+    if (!LightingHID::GetLightingDeviceAttributeReport(device)) continue;
     ReadFields(device);
     built.list.push_back(std::move(device));
     interface.handle = INVALID_HANDLE_VALUE;  // it is the list's from here on
   }
   std::swap(g_lightingDevices, built.list);
-  built.list.clear();  // handles of the list before are their owners' to close
+  built.list.clear();  // the handles of the list before are left alone: they belong to whoever has a copy of it
+}
+
+}  // namespace
+
+void LightingHID::GetLightingDeviceList(std::vector<_HIDInfo>& devices) {
+  const std::lock_guard lock(g_lightingDevicesLock);
+  BuildList();
   if (&devices != &g_lightingDevices) devices = g_lightingDevices;
 }
 
 bool LightingHID::GetLightingDeviceAttributeReport(_HIDInfo& device) {
   device.handle = OpenLightingDevice(device);
-  if (device.handle == INVALID_HANDLE_VALUE) {
+  if (!IsOpen(device.handle)) {
     HidLog(kAttributeTag).Error(L"GetHIDDeviceHandle fail");
     return false;
   }
@@ -97,17 +99,16 @@ bool LightingHID::GetFieldSize(std::uint8_t device_id, std::uint8_t report_id, s
     width = static_cast<std::uint8_t>(std::min(field->second.BitSize / 8, kWidest));
     return true;
   }
-  if (report_id != kBaseInfoReport && usage != kOptionalUsage) {
+  // What a device may well do without is missing without a word.
+  if (report_id != kBaseInfoReply && usage != FieldUsage::Info33) {
     HidLog(kFieldTag).Info(L"Field %02X,%02X not exist!", report_id, usage);
   }
   return false;
 }
 
 bool LightingHID::FindLightingDevice(_HIDInfo& device) {
-  if (g_lightingDevices.empty()) {
-    std::vector<_HIDInfo> discarded;
-    GetLightingDeviceList(discarded);
-  }
+  const std::lock_guard lock(g_lightingDevicesLock);
+  if (g_lightingDevices.empty()) BuildList();
   const auto keyboard = std::find_if(g_lightingDevices.begin(), g_lightingDevices.end(),
                                      [](const _HIDInfo& each) { return each.deviceIds.contains(kKeyboardId); });
   if (keyboard == g_lightingDevices.end()) return false;

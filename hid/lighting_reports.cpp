@@ -1,19 +1,16 @@
 #include <array>
-#include <cstring>
+#include <cinttypes>
 #include <optional>
 #include <span>
 
 #include "controller/millisecond_sleep.h"
 #include "hid/hid_log.h"
+#include "hid/hid_resources.h"
 #include "hid/lighting_hid.h"
 #include "platform/system.h"
 
 namespace zarn::WRV520::Lighting {
 namespace {
-
-constexpr std::uint8_t kBaseInfoRequest = 0xA2;
-constexpr std::uint8_t kBaseInfoReply = 0xA3;
-constexpr std::uint8_t kUpdate = 0xA4;
 
 constexpr int kAttempts = 5;
 constexpr int kPauseMilliseconds = 20;
@@ -56,14 +53,14 @@ class FieldCursor {
 /// The beginning of every attempt.
 bool Open(_HIDInfo& device, const HidLog& log) {
   device.handle = LightingHID::OpenLightingDevice(device);
-  if (device.handle != INVALID_HANDLE_VALUE && device.handle != nullptr) return true;
+  if (IsOpen(device.handle)) return true;
   log.Error(L"GetHIDDeviceHandle fail");
   return false;
 }
 
 /// The end of an attempt whose exchange failed. The next one opens the device anew.
 template <typename... Arguments>
-void GiveUp(_HIDInfo& device, const HidLog& log, const wchar_t* why, Arguments... arguments) {
+void CloseAndPause(_HIDInfo& device, const HidLog& log, const wchar_t* why, Arguments... arguments) {
   CloseHandle(device.handle);
   device.handle = INVALID_HANDLE_VALUE;
   log.Error(why, arguments...);
@@ -85,11 +82,11 @@ LightingDeviceBaseInfo DecodedBaseInfo(const Payload& reply) {
   const auto next = [&cursor](std::uint8_t usage) { return Decoded(cursor.Next(usage)); };
   LightingDeviceBaseInfo info;
   info.deviceId = reply[0];
-  info.info34 = static_cast<std::uint8_t>(next(0x34));
-  info.info32 = static_cast<std::uint8_t>(next(0x32));
-  info.zoneCount = static_cast<std::uint16_t>(next(0x35));
-  info.info33 = static_cast<std::uint16_t>(next(0x33));
-  info.effectMask = next(0x31);
+  info.info34 = static_cast<std::uint8_t>(next(FieldUsage::Info34));
+  info.info32 = static_cast<std::uint8_t>(next(FieldUsage::Info32));
+  info.zoneCount = static_cast<std::uint16_t>(next(FieldUsage::ZoneCount));
+  info.info33 = static_cast<std::uint16_t>(next(FieldUsage::Info33));
+  info.effectMask = next(FieldUsage::EffectMask);
   return info;
 }
 
@@ -101,7 +98,7 @@ struct UpdateValue {
 
 Payload UpdatePayload(std::uint8_t device_id, std::span<const UpdateValue> values) {
   Payload payload{device_id};
-  FieldCursor cursor(kUpdate, std::span(payload));
+  FieldCursor cursor(kUpdateReport, std::span(payload));
   for (const auto& [usage, value] : values) Encode(value, cursor.Next(usage));
   return payload;
 }
@@ -112,13 +109,14 @@ std::optional<Payload> AskForBaseInfo(_HIDInfo& device, std::uint8_t device_id, 
   log.Info(L"vid: %04X pid: %04X usage: %04X:%04X", device.vendorId, device.productId, device.usagePage, device.usage);
   const Payload request{device_id};
   if (!TsHID::SetHIDFeature(device.handle, kBaseInfoRequest, request.data(), request.size())) {
-    GiveUp(device, log, L"Error setting feature on HID device");
+    CloseAndPause(device, log, L"Error setting feature on HID device");
     return std::nullopt;
   }
   Sleep(kPauseMilliseconds);
   Payload reply{};
   if (!TsHID::GetHIDFeature(device.handle, kBaseInfoReply, reply.data())) {
-    GiveUp(device, log, L"Error %X: getting feature from HID device", GetLastError());
+    CloseAndPause(device, log, L"Error %" PRIX32 L": getting feature from HID device",
+                  static_cast<std::uint32_t>(GetLastError()));
     return std::nullopt;
   }
   return reply;
@@ -130,8 +128,8 @@ bool SendUpdate(_HIDInfo& device, std::uint8_t device_id, std::span<const Update
   const Payload payload = UpdatePayload(device_id, values);
   log.Info(L"%02X,%02X,%02X,%02X,%02X,%02X,%02X,%02X,%02X,%02X", payload[0], payload[1], payload[2], payload[3],
            payload[4], payload[5], payload[6], payload[7], payload[8], payload[9]);
-  if (TsHID::SetHIDFeature(device.handle, kUpdate, payload.data(), payload.size())) return true;
-  GiveUp(device, log, L"Error setting feature on HID device");
+  if (TsHID::SetHIDFeature(device.handle, kUpdateReport, payload.data(), payload.size())) return true;
+  CloseAndPause(device, log, L"Error setting feature on HID device");
   return false;
 }
 
@@ -161,8 +159,10 @@ void LightingHID::SetLightingDeviceUpdateReport(std::uint8_t device_id, std::uin
                                                 std::uint8_t direction, std::uint8_t brightness, std::uint8_t red,
                                                 std::uint8_t green, std::uint8_t blue, std::uint16_t zone_mask) {
   // Brightness comes before speed.
-  const UpdateValue values[] = {{0x41, mode}, {0x43, brightness}, {0x42, speed}, {0x44, direction},
-                                {0x45, red},  {0x46, green},      {0x47, blue},  {0x48, zone_mask}};
+  const UpdateValue values[] = {{FieldUsage::Mode, mode},   {FieldUsage::Brightness, brightness},
+                                {FieldUsage::Speed, speed}, {FieldUsage::Direction, direction},
+                                {FieldUsage::Red, red},     {FieldUsage::Green, green},
+                                {FieldUsage::Blue, blue},   {FieldUsage::ZoneMask, zone_mask}};
   const HidLog log(kUpdateTag);
   const std::lock_guard lock(g_lightingDevicesLock);
   for (_HIDInfo& device : g_lightingDevices) {

@@ -5,7 +5,6 @@
 #include <memory>
 #include <new>
 #include <optional>
-#include <utility>
 
 #include "hid/hid_log.h"
 #include "hid/hid_resources.h"
@@ -90,12 +89,16 @@ bool IsWanted(Candidate& candidate, const TsHID::IdentityPredicate& identity,
   return capability(candidate.caps);
 }
 
-/// Calls `take(candidate)` for each present interface that both predicates accept, until it answers false.
+/// Calls `take(candidate)` for each present interface that both predicates accept, until it answers false. Whether the
+/// platform could tell what is present.
 template <typename Take>
-void ForEachMatch(const TsHID::IdentityPredicate& identity, const TsHID::CapabilityPredicate& capability, Take take) {
+bool ForEachMatch(const TsHID::IdentityPredicate& identity, const TsHID::CapabilityPredicate& capability, Take take) {
   const GUID interface_class = HidInterfaceClass();
   const PresentInterfaces present(interface_class);
-  if (!present) return HidLog(kFindTag).Error(L"Error getting device information set");
+  if (!present) {
+    HidLog(kFindTag).Error(L"Error getting device information set");
+    return false;
+  }
 
   SP_DEVICE_INTERFACE_DATA interface {};
   interface.cbSize = sizeof(interface);
@@ -104,8 +107,9 @@ void ForEachMatch(const TsHID::IdentityPredicate& identity, const TsHID::Capabil
     const std::wstring path = InterfacePath(present.Get(), interface);
     if (path.empty()) continue;
     Candidate candidate{path, OpenInterface(path)};
-    if (IsWanted(candidate, identity, capability) && !take(candidate)) return;
+    if (IsWanted(candidate, identity, capability) && !take(candidate)) break;
   }
+  return true;
 }
 
 /// The length of the device's feature reports; 0, with a line in the log under the caller's tag, when none can be
@@ -146,7 +150,7 @@ HANDLE TsHID::GetHIDDeviceHandle(std::uint16_t vendor_id, std::uint16_t product_
 
 bool TsHID::GetHIDDeviceHandle(const IdentityPredicate& identity, const CapabilityPredicate& capability,
                                std::vector<_HIDDevice>& devices) {
-  ForEachMatch(identity, capability, [&](Candidate& match) {
+  const bool told = ForEachMatch(identity, capability, [&](Candidate& match) {
     const auto& [path, handle, attributes, caps] = match;
     HidLog(kFindTag).Info(L"HID device(%04X, %04X) UsagePage find: %04X:%04X", attributes.VendorID,
                           attributes.ProductID, caps.UsagePage, caps.Usage);
@@ -154,14 +158,14 @@ bool TsHID::GetHIDDeviceHandle(const IdentityPredicate& identity, const Capabili
     devices.back().handle = match.handle.Release();  // now that nothing can fail any more
     return true;
   });
-  return !devices.empty();
+  return told && !devices.empty();
 }
 
 bool TsHID::SetHIDFeature(HANDLE handle, std::uint8_t report_id, const std::uint8_t* data, std::uint16_t length) {
   const HidLog log(kSetTag);
   const std::size_t report_length = FeatureReportLength(handle, log);
   if (report_length == 0) return false;
-  std::vector<std::uint8_t> report(std::max<std::size_t>(report_length, kFeatureBufferSize));
+  std::vector<std::uint8_t> report(report_length);
   report[0] = report_id;
   std::copy_n(data, std::min<std::size_t>(length, report_length - 1), report.begin() + 1);
   if (HidD_SetFeature(handle, report.data(), static_cast<ULONG>(report_length)) != FALSE) return true;

@@ -41,7 +41,7 @@ class TsHID {
   static HANDLE GetHIDDeviceHandle(std::uint16_t vendor_id, std::uint16_t product_id, std::uint16_t usage_page,
                                    std::uint16_t usage);
   /// Appends all of them to `devices`, each with a handle of its own that the caller closes. Whether `devices` holds
-  /// any afterwards.
+  /// any afterwards; false when the platform cannot tell what is present.
   static bool GetHIDDeviceHandle(const IdentityPredicate& identity, const CapabilityPredicate& capability,
                                  std::vector<_HIDDevice>& devices);
 
@@ -53,7 +53,8 @@ class TsHID {
                             std::size_t* received = nullptr);
 
   static bool GetHIDCapability(HANDLE handle, HIDP_CAPS& caps);
-  /// Makes `caps` the feature value capabilities, in the platform's order. Failures go to the standard error stream.
+  /// Makes `caps` the feature value capabilities, in the platform's order. Failures go to the standard error stream and
+  /// not to the log: it is a diagnosis for developers, and a device without such capabilities is no fault.
   static bool GetHIDValueCapability(HANDLE handle, std::vector<HIDP_VALUE_CAPS>& caps);
 };
 

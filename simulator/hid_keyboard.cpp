@@ -1,6 +1,8 @@
 #include "simulator/hid_keyboard.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <chrono>
 #include <initializer_list>
 #include <map>
@@ -99,6 +101,12 @@ std::map<std::uint16_t, std::uint32_t> Unpacked(std::span<const std::uint8_t> da
   return values;
 }
 
+std::string InHex(std::uint32_t value) {
+  std::array<char, 8> digits{};
+  const auto end = std::to_chars(digits.begin(), digits.end(), value, 16).ptr;
+  return "0x" + std::string(digits.begin(), end);
+}
+
 Answer Refuse(const std::string& why) { return {Result::Refused, why, {}}; }
 
 }  // namespace
@@ -110,36 +118,36 @@ HidKeyboard::HidKeyboard(const Settings& settings)
 
 std::optional<std::uint64_t> HidKeyboard::Connect() const {
   const std::lock_guard lock(lock_);
-  return plugged_ ? std::optional(plugging_) : std::nullopt;
+  return plugged_ ? std::optional(connection_) : std::nullopt;
 }
 
-Answer HidKeyboard::SetFeature(std::uint64_t plugging, std::span<const std::uint8_t> report) {
+Answer HidKeyboard::SetFeature(std::uint64_t connection, std::span<const std::uint8_t> report) {
   std::unique_lock lock(lock_);
-  if (auto hindrance = Hindrance(plugging, lock)) return *std::move(hindrance);
+  if (auto ended = BeginExchange(connection, lock)) return *std::move(ended);
   if (report.size() != settings_.report_length) {
     return Refuse("the report has " + std::to_string(report.size()) + " bytes, must have " +
                   std::to_string(settings_.report_length));
   }
   const bool known = std::ranges::count(settings_.device_ids, report[1]) != 0;
-  if (!known) return Refuse("the report is for device id " + std::to_string(report[1]) + ", which is not served here");
+  if (!known) return Refuse("the report is for device id " + InHex(report[1]) + ", which is not served here");
   if (report[0] == kUpdate) return Update(report.subspan(2));
-  if (report[0] != kBaseInfoRequest) return Refuse("report " + std::to_string(report[0]) + " cannot be set");
+  if (report[0] != kBaseInfoRequest) return Refuse("report " + InHex(report[0]) + " cannot be set");
   asked_id_ = report[1];
   return {};
 }
 
-Answer HidKeyboard::GetFeature(std::uint64_t plugging, std::uint8_t report_id) {
+Answer HidKeyboard::GetFeature(std::uint64_t connection, std::uint8_t report_id) {
   std::unique_lock lock(lock_);
-  if (auto hindrance = Hindrance(plugging, lock)) return *std::move(hindrance);
+  if (auto ended = BeginExchange(connection, lock)) return *std::move(ended);
   Answer answer;
   if (report_id == kAttributes && settings_.answers) {
     answer.report = Attributes();
   } else if (report_id == kBaseInfo) {
     answer.report = BaseInfo();
   } else {
-    return Refuse("report " + std::to_string(report_id) + " cannot be read");
+    return Refuse("report " + InHex(report_id) + " cannot be read");
   }
-  const bool is_short = Befallen() && misbehaviour_.kind == Misbehaviour::Kind::Short;
+  const bool is_short = Misbehaves() && misbehaviour_.kind == Misbehaviour::Kind::Short;
   answer.report.resize(is_short ? kShortReport : settings_.report_length);
   return answer;
 }
@@ -157,7 +165,7 @@ void HidKeyboard::Plug() {
 void HidKeyboard::Unplug() {
   const std::lock_guard lock(lock_);
   plugged_ = false;
-  ++plugging_;
+  ++connection_;
   changed_.notify_all();
 }
 
@@ -169,19 +177,19 @@ void HidKeyboard::Misbehave(const Misbehaviour& misbehaviour) {
   changed_.notify_all();
 }
 
-std::optional<Answer> HidKeyboard::Hindrance(std::uint64_t plugging, std::unique_lock<std::mutex>& lock) {
-  const auto is_gone = [&] { return !plugged_ || plugging_ != plugging; };
+std::optional<Answer> HidKeyboard::BeginExchange(std::uint64_t connection, std::unique_lock<std::mutex>& lock) {
+  const auto is_gone = [&] { return !plugged_ || connection_ != connection; };
   const Answer gone{Result::Gone, "the keyboard was unplugged", {}};
   if (is_gone()) return gone;
   ++exchanges_;
-  if (!Befallen() || misbehaviour_.kind == Misbehaviour::Kind::Short) return std::nullopt;
+  if (!Misbehaves() || misbehaviour_.kind == Misbehaviour::Kind::Short) return std::nullopt;
   if (misbehaviour_.kind == Misbehaviour::Kind::Fail) return Refuse("the keyboard misbehaves");
   changed_.wait_for(lock, std::chrono::milliseconds(misbehaviour_.stall_ms),
                     [&, behaviour = behaviour_] { return is_gone() || behaviour_ != behaviour; });
   return is_gone() ? gone : Answer{Result::NoAnswer, "the keyboard did not answer", {}};
 }
 
-bool HidKeyboard::Befallen() const {
+bool HidKeyboard::Misbehaves() const {
   const std::uint32_t first = misbehaviour_.first;
   return first != 0 && (misbehaviour_.once ? exchanges_ == first : exchanges_ >= first);
 }
@@ -197,8 +205,9 @@ Answer HidKeyboard::Update(std::span<const std::uint8_t> data) {
     return Refuse("there is no effect " + std::to_string(mode));
   }
   const std::uint32_t mask = value(0x48, kAllZones);
-  const bool has_stranger = settings_.zones < 16 && mask >> settings_.zones != 0;
-  if (mask != kAllZones && has_stranger) return Refuse("zone mask " + std::to_string(mask) + " names zones not there");
+  const bool names_missing_zones = settings_.zones < 16 && mask >> settings_.zones != 0;
+  if (mask != kAllZones && names_missing_zones)
+    return Refuse("zone mask " + InHex(mask) + " names zones that are not there");
   for (std::size_t i = 0; i < std::min<std::size_t>(lights_.zones.size(), 16); ++i) {
     if ((mask >> i & 1) == 0) continue;
     HidLights::Zone& zone = lights_.zones[i];

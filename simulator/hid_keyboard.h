@@ -47,7 +47,7 @@ class HidKeyboard {
     std::uint16_t product = 0x0001;
     std::uint16_t usage_page = 0xFF5A;
     std::uint16_t usage = 1;
-    /// Of feature reports in bytes, with the report id.
+    /// Of feature reports in bytes, with the report id; from 3, and with room for a device id and the fields below.
     std::uint32_t report_length = 65;
     /// An ordinary keyboard's collection in front of the lighting collection.
     bool other_collection = false;
@@ -88,7 +88,7 @@ class HidKeyboard {
       Short   // of a report that is read only the first two bytes come
     };
     Kind kind = Kind::Fail;
-    /// The first exchange that it befalls, counted from 1; 0: none.
+    /// The first exchange that goes wrong, counted from 1; 0: none.
     std::uint32_t first = 1;
     bool once = false;
     std::uint32_t stall_ms = 5000;
@@ -99,11 +99,10 @@ class HidKeyboard {
   const Settings& settings() const { return settings_; }
   const std::vector<std::uint8_t>& report_descriptor() const { return report_descriptor_; }
 
-  /// Names the present plugging for exchanges; nothing while it is unplugged.
+  /// A connection for exchanges, which ends with the next unplug; nothing while it is unplugged.
   std::optional<std::uint64_t> Connect() const;
-  /// Exchanges with the keyboard as long as it has not been unplugged since `plugging` was named.
-  Answer SetFeature(std::uint64_t plugging, std::span<const std::uint8_t> report);
-  Answer GetFeature(std::uint64_t plugging, std::uint8_t report_id);
+  Answer SetFeature(std::uint64_t connection, std::span<const std::uint8_t> report);
+  Answer GetFeature(std::uint64_t connection, std::uint8_t report_id);
 
   HidLights Lights() const;
 
@@ -114,10 +113,10 @@ class HidKeyboard {
   void Misbehave(const Misbehaviour& misbehaviour);
 
  private:
-  /// Waits as a stall demands; an answer when the exchange ends there.
-  std::optional<Answer> Hindrance(std::uint64_t plugging, std::unique_lock<std::mutex>& lock);
-  /// Whether the exchange that was just counted is one that misbehaves.
-  bool Befallen() const;
+  /// Counts an exchange and answers it where the keyboard will not: unplugged, failing, or, after a wait, stalling.
+  std::optional<Answer> BeginExchange(std::uint64_t connection, std::unique_lock<std::mutex>& lock);
+  /// Whether the exchange that was counted last is one that misbehaves.
+  bool Misbehaves() const;
   /// Takes an update's data behind the device id.
   Answer Update(std::span<const std::uint8_t> data);
   std::vector<std::uint8_t> Attributes() const;
@@ -130,7 +129,7 @@ class HidKeyboard {
   std::condition_variable changed_;
   // Guarded by lock_.
   bool plugged_;
-  std::uint64_t plugging_ = 1;
+  std::uint64_t connection_ = 1;
   Misbehaviour misbehaviour_{.first = 0};
   std::uint64_t behaviour_ = 0;  // counts calls of Misbehave
   std::uint32_t exchanges_ = 0;  // since then

@@ -32,15 +32,15 @@ EcFirmware::Answer Notebook::CallFirmware(const std::string& method, const EcFir
   return answer;
 }
 
-HidKeyboard::Answer Notebook::SetFeature(std::size_t keyboard, std::uint64_t plugging,
+HidKeyboard::Answer Notebook::SetFeature(std::size_t keyboard, std::uint64_t connection,
                                          std::span<const std::uint8_t> report) {
   return Record({"SetFeature", keyboard, std::vector<std::uint8_t>(report.begin(), report.end()), {}},
-                [&] { return hid_keyboards_.at(keyboard)->SetFeature(plugging, report); });
+                [&] { return hid_keyboards_.at(keyboard)->SetFeature(connection, report); });
 }
 
-HidKeyboard::Answer Notebook::GetFeature(std::size_t keyboard, std::uint64_t plugging, std::uint8_t report_id) {
+HidKeyboard::Answer Notebook::GetFeature(std::size_t keyboard, std::uint64_t connection, std::uint8_t report_id) {
   return Record({"GetFeature", keyboard, std::vector<std::uint8_t>{report_id}, {}},
-                [&] { return hid_keyboards_.at(keyboard)->GetFeature(plugging, report_id); });
+                [&] { return hid_keyboards_.at(keyboard)->GetFeature(connection, report_id); });
 }
 
 /// A keyboard may take its time, and others must not wait for it: the record's place is kept until then.

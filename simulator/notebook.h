@@ -41,9 +41,9 @@ class Notebook {
   EcFirmware::Answer CallFirmware(const std::string& method, const EcFirmware::Input& input);
 
   /// Exchanges with a HID keyboard, and keeps a record of it. The records stand in the order in which the
-  /// exchanges began; a failure shows in its record once it has ended.
-  HidKeyboard::Answer SetFeature(std::size_t keyboard, std::uint64_t plugging, std::span<const std::uint8_t> report);
-  HidKeyboard::Answer GetFeature(std::size_t keyboard, std::uint64_t plugging, std::uint8_t report_id);
+  /// exchanges began; a failure shows in its record once it has ended, unless the record was taken before.
+  HidKeyboard::Answer SetFeature(std::size_t keyboard, std::uint64_t connection, std::span<const std::uint8_t> report);
+  HidKeyboard::Answer GetFeature(std::size_t keyboard, std::uint64_t connection, std::uint8_t report_id);
 
   KeyboardLights Lights() const { return firmware_.Lights(); }
   std::optional<LightBarLights> LightBar() const { return firmware_.LightBar(); }
@@ -65,7 +65,7 @@ class Notebook {
 
   const Profile profile_;
   EcFirmware firmware_;
-  std::vector<std::unique_ptr<HidKeyboard>> hid_keyboards_;  // they do not change
+  std::vector<std::unique_ptr<HidKeyboard>> hid_keyboards_;  // the list does not change
   mutable std::mutex lock_;
   std::vector<WireRecord> wire_;  // guarded by lock_
   std::uint64_t taken_ = 0;       // records taken so far; guarded by lock_

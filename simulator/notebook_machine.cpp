@@ -49,15 +49,15 @@ LONG CodeOf(HidKeyboard::Result result) {
 
 class KeyboardConnection final : public platform::HidConnection {
  public:
-  KeyboardConnection(std::shared_ptr<Notebook> notebook, std::size_t keyboard, std::uint64_t plugging)
-      : notebook_(std::move(notebook)), keyboard_(keyboard), plugging_(plugging) {}
+  KeyboardConnection(std::shared_ptr<Notebook> notebook, std::size_t keyboard, std::uint64_t connection)
+      : notebook_(std::move(notebook)), keyboard_(keyboard), connection_(connection) {}
 
   LONG SetFeature(std::span<const std::uint8_t> report) override {
-    return CodeOf(notebook_->SetFeature(keyboard_, plugging_, report).result);
+    return CodeOf(notebook_->SetFeature(keyboard_, connection_, report).result);
   }
 
   LONG GetFeature(std::span<std::uint8_t> report) override {
-    const HidKeyboard::Answer answer = notebook_->GetFeature(keyboard_, plugging_, report.front());
+    const HidKeyboard::Answer answer = notebook_->GetFeature(keyboard_, connection_, report.front());
     std::copy_n(answer.report.begin(), std::min(answer.report.size(), report.size()), report.begin());
     return CodeOf(answer.result);
   }
@@ -65,7 +65,7 @@ class KeyboardConnection final : public platform::HidConnection {
  private:
   const std::shared_ptr<Notebook> notebook_;
   const std::size_t keyboard_;
-  const std::uint64_t plugging_;
+  const std::uint64_t connection_;
 };
 
 class NotebookMachine final : public platform::EmptyMachine {
@@ -136,9 +136,9 @@ class NotebookMachine final : public platform::EmptyMachine {
   platform::OpenedHidDevice OpenHidDevice(const std::wstring& path) override {
     for (std::size_t i = 0; i < notebook_->HidKeyboardCount(); ++i) {
       platform::HidDevice device = DeviceAt(i);
-      const auto plugging = notebook_->HidKeyboardAt(i).Connect();
-      if (!plugging || device.path != path) continue;
-      return {ERROR_SUCCESS, std::move(device), std::make_shared<KeyboardConnection>(notebook_, i, *plugging)};
+      const auto connection = notebook_->HidKeyboardAt(i).Connect();
+      if (!connection || device.path != path) continue;
+      return {ERROR_SUCCESS, std::move(device), std::make_shared<KeyboardConnection>(notebook_, i, *connection)};
     }
     return {};
   }

@@ -234,13 +234,11 @@ constexpr Field kHidKeyboard[] = {
      ReadHidFields<&Hid::update, HidKeyboard::kUpdateUsages>},
 };
 
-bool FitsIntoReports(const HidKeyboard::Settings& keyboard) {
-  const auto fits = [&](const std::vector<HidKeyboard::Field>& fields) {
-    std::uint32_t bits = 8;  // the device id
-    for (const HidKeyboard::Field& field : fields) bits += field.bits;
-    return bits <= 8 * (keyboard.report_length - 1);
-  };
-  return fits(keyboard.base_info) && fits(keyboard.update);
+/// The bytes that a report with these fields needs.
+std::uint32_t NeededLength(const std::vector<HidKeyboard::Field>& fields) {
+  std::uint32_t bits = 0;
+  for (const HidKeyboard::Field& field : fields) bits += field.bits;
+  return 2 + (bits + 7) / 8;  // behind the report id and the device id
 }
 
 bool ReadHidKeyboards(const toml::node& node, Profile& profile) {
@@ -249,8 +247,10 @@ bool ReadHidKeyboards(const toml::node& node, Profile& profile) {
   for (const toml::node& table : *tables) {
     profile.hid_keyboards.emplace_back();
     if (!ReadFields(table, kHidKeyboard, profile)) return false;
-    if (!FitsIntoReports(profile.hid_keyboards.back())) {
-      Fail(table.source(), {"the fields do not fit into report_length"});
+    const HidKeyboard::Settings& keyboard = profile.hid_keyboards.back();
+    const std::uint32_t needed = std::max(NeededLength(keyboard.base_info), NeededLength(keyboard.update));
+    if (needed > keyboard.report_length) {
+      Fail(table.source(), {"report_length is too short, base_info and update need ", std::to_string(needed)});
     }
   }
   return true;

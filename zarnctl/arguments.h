@@ -26,11 +26,13 @@ struct LedsCommand {
 };
 struct DemoCommand {};
 
+using Command = std::variant<DevicesCommand, ShowCommand, SetCommand, LedsCommand, DemoCommand>;
+
 struct Arguments {
   std::string machine;  // empty: this computer
   std::filesystem::path plugin;
   bool trace = false;
-  std::variant<DevicesCommand, ShowCommand, SetCommand, LedsCommand, DemoCommand> command;
+  Command command;
 };
 
 /// Nothing when --help or --version was all that was asked for, and has been answered. Throws Complaint.

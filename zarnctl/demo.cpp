@@ -87,14 +87,14 @@ std::vector<Step> StepsFor(const ControllerRecords& records, bool lights_leds) {
 
 class Demo {
  public:
-  Demo(Device& device, const std::string& name, simulator::Notebook& notebook, std::size_t animated)
+  Demo(Device& device, const std::string& name, simulator::Notebook& notebook, std::size_t animated_devices)
       : device_(device),
         name_(name),
         notebook_(notebook),
         records_(device.Describe()),
         steps_(StepsFor(records_, LightsLeds(name))) {
-    if (animated == 0) return;
-    hold_ = std::min(kLongestHold, kAllHolds / static_cast<int>(steps_.size() * animated));
+    if (animated_devices == 0 || steps_.empty()) return;
+    hold_ = std::min(kLongestHold, kAllHolds / static_cast<int>(steps_.size() * animated_devices));
     screen_.emplace();
   }
 
@@ -104,7 +104,7 @@ class Demo {
     if (Report(FindFaults(notebook_, name_, records_))) return ExitCode::LightsDiffer;
     for (const Step& step : steps_) {
       Begin(step);
-      if (!WaitForLights()) return GiveUp(step);
+      if (!WaitForLights(step)) return GiveUp(step);
       // On this thread, as a service ends a drag: whatever the worker was doing, the last value is the one that stays.
       device_.Push();
       if (Report(FindFaults(notebook_, name_, records_))) return ExitCode::LightsDiffer;
@@ -120,6 +120,10 @@ class Demo {
     records_ = device_.Describe();
     title_ = name_ + ": " + step.mode.label + (step.colors.empty() ? "" : ", a colour per LED");
     began_ = Clock::now();
+    Request(step);
+  }
+
+  void Request(const Step& step) {
     if (step.only_colors) {
       device_.RequestColorPush();
     } else {
@@ -127,7 +131,7 @@ class Demo {
     }
   }
 
-  bool WaitForLights() {
+  bool WaitForLights(const Step& step) {
     const auto deadline = began_ + kDeadline + kCallsPerStep * milliseconds(notebook_.profile().firmware_latency_ms);
     auto ask_again = began_ + kAskAgain;
     while (!Shows(notebook_, name_, records_)) {
@@ -135,7 +139,7 @@ class Demo {
       if (now > deadline) return false;
       if (now > ask_again) {
         // A request is absorbed by a push of its kind that is still running.
-        device_.RequestModePush();
+        Request(step);
         ask_again = now + kAskAgain;
       }
       Draw();
@@ -182,8 +186,8 @@ class Demo {
 
 }  // namespace
 
-ExitCode RunDemo(Device& device, const std::string& name, simulator::Notebook& notebook, std::size_t animated) {
-  return Demo(device, name, notebook, animated).Run();
+ExitCode RunDemo(Device& device, const std::string& name, simulator::Notebook& notebook, std::size_t animated_devices) {
+  return Demo(device, name, notebook, animated_devices).Run();
 }
 
 }  // namespace zarnctl

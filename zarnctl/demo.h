@@ -11,9 +11,9 @@
 namespace zarnctl {
 
 /// Walks through all modes of the device called `name`, and its colours per LED where it has any, and checks the lights
-/// after each step; ends at the first step whose lights are not as expected. When it is one of `animated` devices, of
-/// which 0 means none, each step is shown on the terminal for a while, for all devices together less than half a minute
-/// beside the hardware's own time.
-ExitCode RunDemo(Device& device, const std::string& name, simulator::Notebook& notebook, std::size_t animated);
+/// after each step; ends at the first step whose lights are not as expected. `animated_devices` counts
+/// the devices that are shown on the terminal one after another, each step for a while, for all of them together less
+/// than half a minute beside the hardware's own time; 0 when the steps are printed instead.
+ExitCode RunDemo(Device& device, const std::string& name, simulator::Notebook& notebook, std::size_t animated_devices);
 
 }  // namespace zarnctl

@@ -30,7 +30,6 @@ class Device {
 
   /// What the worker does in its own time.
   void Choose(std::int32_t mode_index) { controller_->ChooseMode(mode_index); }
-  void RequestModePush() { controller_->RequestModePush(); }
   void RequestColorPush() { controller_->RequestColorPush(); }
 
  private:

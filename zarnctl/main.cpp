@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -30,6 +29,12 @@ class Session {
       : notebook_(OpenNotebook(arguments.machine)), plugin_(arguments.plugin), trace_(arguments.trace) {
     if (trace_) TraceExchanges();
     discovery_ = plugin_.Discover();
+  }
+
+  /// Runs one. What was refused or not answered on the way makes it fail even if nothing else does.
+  ExitCode Run(const Command& command) {
+    const ExitCode code = std::visit(*this, command);
+    return code == ExitCode::Done && refused_ ? ExitCode::LightsDiffer : code;
   }
 
   ExitCode operator()(const DevicesCommand& /*command*/) {
@@ -86,8 +91,9 @@ class Session {
 
  private:
   /// Never empty.
-  const std::vector<std::string>& Names() const {
+  const std::vector<std::string>& Names() {
     if (discovery_.names.empty()) {
+      Report(FindRefusals(*notebook_));
       std::string lights;
       for (const Panel& panel : PanelsOf(*notebook_)) lights += (lights.empty() ? "" : ", ") + panel.name;
       throw Complaint(ExitCode::NothingThere,
@@ -97,7 +103,7 @@ class Session {
     return discovery_.names;
   }
 
-  Device Open(const std::string& wanted) const {
+  Device Open(const std::string& wanted) {
     const std::vector<std::string>& names = Names();
     for (const std::string& name : names) {
       if (name == wanted) return Create(name);
@@ -105,9 +111,10 @@ class Session {
     throw Complaint(ExitCode::NothingThere, wanted + ": no such device; there is " + Alternatives(names));
   }
 
-  Device Create(const std::string& name) const {
+  Device Create(const std::string& name) {
     Device device(plugin_.CreateDevice(name));
-    Report(FindRefusals(*notebook_));  // for what it could not be asked it shows less than it might
+    // For what it could not be asked it shows less than it might.
+    if (Report(FindRefusals(*notebook_))) refused_ = true;
     return device;
   }
 
@@ -138,12 +145,13 @@ class Session {
   Plugin plugin_;
   bool trace_;
   Discovery discovery_;
+  bool refused_ = false;
 };
 
 ExitCode Run(int argc, const char* const* argv) {
   try {
     const auto arguments = ReadArguments(argc, argv);
-    const ExitCode code = arguments ? std::visit(Session(*arguments), arguments->command) : ExitCode::Done;
+    const ExitCode code = arguments ? Session(*arguments).Run(arguments->command) : ExitCode::Done;
     if (!std::cout.flush()) throw Complaint(ExitCode::Failed, "the output cannot be written");
     return code;
   } catch (const Complaint& complaint) {

@@ -55,11 +55,18 @@ Discovery Plugin::Discover() const {
 }
 
 std::unique_ptr<RGBControllerInterface> Plugin::CreateDevice(const std::string& name) const {
-  // The factories are called after the device; a host need not know what kind of controller passes between them.
+  if (name == "ZarnECGlobal") return Create<ZarnECGlobalController>(name);
+  if (name == "ZarnECKeyboard") return Create<ZarnECKeyboardController>(name);
+  if (name == "ZarnHIDKeyboard") return Create<ZarnHIDKeyboardController>(name);
+  throw Complaint(ExitCode::Failed, "the plug-in reports a device of an unknown kind: " + name);
+}
+
+template <typename Controller>
+std::unique_ptr<RGBControllerInterface> Plugin::Create(const std::string& name) const {
   const std::string device_factory = "CreateRGBController_" + name + "ClassInstance";
   const auto make_controller =
-      reinterpret_cast<void* (*)()>(Find(("Create" + name + "ControllerClassInstance").c_str()));
-  const auto make_device = reinterpret_cast<RGBControllerInterface* (*)(void*)>(Find(device_factory.c_str()));
+      reinterpret_cast<Controller* (*)()>(Find(("Create" + name + "ControllerClassInstance").c_str()));
+  const auto make_device = reinterpret_cast<RGBControllerInterface* (*)(Controller*)>(Find(device_factory.c_str()));
   std::unique_ptr<RGBControllerInterface> device(make_device(make_controller()));
   if (device == nullptr) throw Complaint(ExitCode::Failed, device_factory + " created nothing");
   return device;

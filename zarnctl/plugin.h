@@ -32,10 +32,11 @@ class Plugin {
   /// Creates a device by its name. Throws Complaint, and what the factories throw.
   std::unique_ptr<RGBControllerInterface> CreateDevice(const std::string& name) const;
 
-  /// The address of an export; throws Complaint when there is none of that name.
-  void* Find(const char* name) const;
-
  private:
+  void* Find(const char* name) const;
+  template <typename Controller>
+  std::unique_ptr<RGBControllerInterface> Create(const std::string& name) const;
+
   void* library_;
 };
 

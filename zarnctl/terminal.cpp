@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
@@ -22,12 +23,9 @@ extern "C" void RestoreTerminalAndEnd(int signal) {
   std::raise(signal);
 }
 
-void OnEndingSignals(void (*handler)(int), int flags) {
-  struct sigaction action {};
-  action.sa_handler = handler;
-  action.sa_flags = flags;
-  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) sigaction(signal, &action, nullptr);
-}
+constexpr std::array kEndingSignals = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
+/// What they did before.
+std::array<struct sigaction, kEndingSignals.size()> g_dispositions;
 
 }  // namespace
 
@@ -39,13 +37,22 @@ bool StdoutShowsColors() {
 }
 
 LiveDrawing::LiveDrawing() {
-  OnEndingSignals(RestoreTerminalAndEnd, static_cast<int>(SA_RESETHAND));
+  struct sigaction action {};
+  action.sa_handler = RestoreTerminalAndEnd;
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  for (std::size_t i = 0; i < kEndingSignals.size(); ++i) {
+    sigaction(kEndingSignals.at(i), nullptr, &g_dispositions.at(i));
+    // One that is ignored, as by nohup, does not end the process.
+    if (g_dispositions.at(i).sa_handler != SIG_IGN) sigaction(kEndingSignals.at(i), &action, nullptr);
+  }
   std::cout << kHideCursor << std::flush;
 }
 
 LiveDrawing::~LiveDrawing() {
   std::cout << kShowCursor << std::flush;
-  OnEndingSignals(SIG_DFL, 0);
+  for (std::size_t i = 0; i < kEndingSignals.size(); ++i) {
+    sigaction(kEndingSignals.at(i), &g_dispositions.at(i), nullptr);
+  }
 }
 
 void LiveDrawing::Show(const std::string& text) {

@@ -8,7 +8,8 @@ namespace zarnctl {
 /// Whether stdout is a terminal that shows colours, and the person wants them (NO_COLOR is not set).
 bool StdoutShowsColors();
 
-/// Hides the cursor while it lives and shows it again at the end, be it the end of the process by SIGINT or SIGTERM.
+/// Hides the cursor while it lives and shows it again at the end, be it the end of the process by a signal of
+/// those that a terminal or a user sends to end it.
 /// One at a time.
 class LiveDrawing {
  public:

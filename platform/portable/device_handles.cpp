@@ -1,10 +1,8 @@
-#include <optional>
+#include "platform/portable/device_handles.h"
 
-#include "platform/portable/hid_interfaces.h"
 #include "platform/portable/live_counters.h"
 #include "platform/portable/no_destructor.h"
 #include "platform/portable/open_things.h"
-#include "platform/portable/platform_call.h"
 
 namespace platform {
 namespace {
@@ -27,15 +25,13 @@ HANDLE Open(LPCWSTR path, DWORD disposition) {
 
 BOOL Close(HANDLE handle) {
   if (OpenHandles().Remove(handle)) {
-    SetThreadError(ERROR_SUCCESS);
+    SetThreadError(ERROR_SUCCESS);  // so that a code read too late is seen
     return TRUE;
   }
   Complain("CloseHandle of a handle that is not open");
   SetThreadError(ERROR_INVALID_HANDLE);
   return FALSE;
 }
-
-std::string HandleText(HANDLE handle) { return handle == INVALID_HANDLE_VALUE ? "invalid" : "done"; }
 
 }  // namespace
 
@@ -50,12 +46,8 @@ extern "C" {
 
 HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share_mode, LPSECURITY_ATTRIBUTES /*security*/, DWORD disposition,
                    DWORD /*flags*/, HANDLE /*template_file*/) {
-  const Call<HANDLE> call = {.name = "CreateFileW",
-                             .failure = INVALID_HANDLE_VALUE,
-                             .out_of_memory = INVALID_HANDLE_VALUE,
-                             .answer_text = HandleText,
-                             .last_error = ERROR_ACCESS_DENIED,
-                             .hands_back_object = true};
+  Call<HANDLE> call = HandleCall("CreateFileW", ERROR_ACCESS_DENIED);
+  call.hands_back_object = true;
   return Pass(call, Asked(path, access, share_mode, disposition), [&] { return Open(path, disposition); });
 }
 

@@ -1,12 +1,9 @@
-#include <algorithm>
 #include <cstring>
-#include <optional>
 
-#include "platform/portable/hid_interfaces.h"
+#include "platform/portable/device_handles.h"
 #include "platform/portable/live_counters.h"
 #include "platform/portable/no_destructor.h"
 #include "platform/portable/open_things.h"
-#include "platform/portable/platform_call.h"
 
 namespace platform {
 namespace {
@@ -72,8 +69,6 @@ BOOL GetDetail(HDEVINFO set, PSP_DEVICE_INTERFACE_DATA data, PSP_DEVICE_INTERFAC
   return TRUE;
 }
 
-std::string SetText(HDEVINFO set) { return set == INVALID_HANDLE_VALUE ? "invalid" : "done"; }
-
 }  // namespace
 
 extern "C" {
@@ -83,11 +78,7 @@ void HidD_GetHidGuid(LPGUID guid) {
 }
 
 HDEVINFO SetupDiGetClassDevsW(const GUID* class_guid, PCWSTR /*enumerator*/, HWND /*parent*/, DWORD flags) {
-  const Call<HDEVINFO> call = {.name = "SetupDiGetClassDevsW",
-                               .failure = INVALID_HANDLE_VALUE,
-                               .out_of_memory = INVALID_HANDLE_VALUE,
-                               .answer_text = SetText,
-                               .last_error = ERROR_INVALID_DATA};
+  const Call<HDEVINFO> call = HandleCall("SetupDiGetClassDevsW", ERROR_INVALID_DATA);
   return Pass(call, Asked(flags), [&] { return MakeSet(class_guid, flags); });
 }
 

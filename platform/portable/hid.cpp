@@ -1,12 +1,10 @@
 #include <algorithm>
 #include <cstddef>
-#include <optional>
 
-#include "platform/portable/hid_interfaces.h"
+#include "platform/portable/device_handles.h"
 #include "platform/portable/live_counters.h"
 #include "platform/portable/no_destructor.h"
 #include "platform/portable/open_things.h"
-#include "platform/portable/platform_call.h"
 
 namespace platform {
 namespace {

@@ -175,9 +175,12 @@ HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share_mode, LPSECURITY_ATTR
 /// FALSE with ERROR_INVALID_HANDLE, and a complaint (see instruments.h), for a handle that is not open.
 BOOL CloseHandle(HANDLE handle);
 
+/// `attributes->Size` must be set: FALSE with ERROR_INVALID_PARAMETER when it is not the record's size.
 BOOLEAN HidD_GetAttributes(HANDLE handle, PHIDD_ATTRIBUTES attributes);
+/// The caller frees what it gets, once; the data may outlive the handle. FALSE with the last error on failure.
 BOOLEAN HidD_GetPreparsedData(HANDLE handle, PHIDP_PREPARSED_DATA* preparsed);
 BOOLEAN HidD_FreePreparsedData(PHIDP_PREPARSED_DATA preparsed);
+/// HIDP_STATUS_INVALID_PREPARSED_DATA for data that was freed.
 NTSTATUS HidP_GetCaps(PHIDP_PREPARSED_DATA preparsed, PHIDP_CAPS caps);
 /// Fills as many records as there are and `*length` has room for, and sets `*length` to their number.
 /// HIDP_STATUS_USAGE_NOT_FOUND when there is none of that type.
@@ -185,7 +188,9 @@ NTSTATUS HidP_GetValueCaps(HIDP_REPORT_TYPE type, PHIDP_VALUE_CAPS caps, PUSHORT
                            PHIDP_PREPARSED_DATA preparsed);
 
 /// Exchange one feature report, of exactly the interface's FeatureReportByteLength; byte 0 is the report id. They
-/// return when the device has answered or failed. What a device leaves out of its answer stays as it was.
+/// return when the device has answered or failed. What a device leaves out of its answer stays as it was. FALSE with
+/// ERROR_INVALID_PARAMETER for another length, else with the device's error: ERROR_GEN_FAILURE where it refused,
+/// ERROR_SEM_TIMEOUT where it did not answer, ERROR_DEVICE_NOT_CONNECTED where it is gone.
 BOOLEAN HidD_SetFeature(HANDLE handle, PVOID report, ULONG length);
 BOOLEAN HidD_GetFeature(HANDLE handle, PVOID report, ULONG length);
 }

@@ -1,8 +1,6 @@
 #include "platform/portable/hid_interfaces.h"
 
-#include <charconv>
 #include <cstddef>
-#include <optional>
 #include <string_view>
 #include <utility>
 

@@ -26,10 +26,4 @@ std::vector<std::wstring> HidInterfacePaths();
 /// Opens one; null, with the calling thread's last error set, when it cannot be opened.
 std::shared_ptr<const HidInterface> OpenHidInterface(const std::wstring& path);
 
-/// The interface that an open handle stands for; null for one that is not open.
-std::shared_ptr<const HidInterface> InterfaceOf(HANDLE handle);
-
-/// A handle as the journal has it: by the path it opened.
-std::string DescribedHandle(HANDLE handle);
-
 }  // namespace platform

@@ -15,6 +15,8 @@ constexpr Call<Nothing> kSetLastError = SureCall("SetLastError");
 
 }  // namespace
 
+LONG ThreadError() noexcept { return static_cast<LONG>(t_last_error); }
+
 void SetThreadError(LONG error) noexcept { t_last_error = static_cast<DWORD>(error); }
 
 void SetThreadErrorFromErrno(int code) noexcept {

@@ -5,6 +5,7 @@
 
 namespace platform {
 
+LONG ThreadError() noexcept;
 void SetThreadError(LONG error) noexcept;
 /// Sets it from a value of errno.
 void SetThreadErrorFromErrno(int code) noexcept;

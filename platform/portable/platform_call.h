@@ -124,6 +124,16 @@ std::string Composed(const Compose& compose) noexcept {
   }
 }
 
+/// An answer as the journal has it: with the last error, if it is a failure that sets one.
+template <typename Answer>
+std::string OutcomeText(const Call<Answer>& call, Answer answer) {
+  std::string text = call.answer_text(answer);
+  if constexpr (!std::is_same_v<Answer, Nothing>) {
+    if (call.last_error != ERROR_SUCCESS && answer == call.failure) text += ", error " + std::to_string(ThreadError());
+  }
+  return text;
+}
+
 /// Makes the call `body` does. For the journal `arguments()` tells what was asked, before the body runs, and
 /// `handed_back(answer)` what came of it beside the answer; neither is called while nobody listens.
 template <typename Answer, typename Arguments, typename Body, typename HandedBack>
@@ -135,7 +145,7 @@ Answer Pass(const Call<Answer>& call, const Arguments& arguments, const Body& bo
   std::string asked = Composed(arguments);
   const Answer answer = Attempt(call, body, (armed & kFaultsArmed) != 0);
   try {
-    Deliver({call.name, std::move(asked), Listed({call.answer_text(answer), handed_back(answer)})});
+    Deliver({call.name, std::move(asked), Listed({OutcomeText(call, answer), handed_back(answer)})});
   } catch (...) {
     // An entry that cannot be composed, or that its listener will not have, is lost; the call has been made.
   }

@@ -42,6 +42,7 @@ class DiscoveryCase : public Case {
 
 TEST_F(DiscoveryCase, FollowsTheDecisionTable) {
   NEEDS(Need::Firmware);
+  NEEDS(Need::HidKeyboards);
   const Discovered kHid{1, L"ZarnHIDKeyboard", 1, L"USB\\VID_1209&PID_0001", L"FF5A"};
   const Lines kHidLog = {"Enter!!", "Number of Device: 1, DeviceName: ZarnHIDKeyboard"};
   const Lines kNoEcLog = {"Enter!!", "Is EC Keyboard: 1", "Is RGB Keyboard: 0", "Number of Device:0, DeviceName:"};
@@ -120,6 +121,7 @@ TEST_F(DiscoveryCase, TheFirmwareHasTheLastWordOnTheLightBar) {
 
 TEST_F(DiscoveryCase, HybridModeIsTheNumberOneInFourBytes) {
   NEEDS(Need::Firmware);
+  NEEDS(Need::HidKeyboards);
   const std::pair<std::vector<std::uint8_t>, std::int32_t> values[] = {
       {{1, 0, 0, 0}, 2}, {{2, 0, 0, 0}, 1}, {{0xFF, 0xFF, 0xFF, 0xFF}, 1}, {{1}, 1}, {{1, 0, 0, 0, 0, 0, 0, 0}, 1}};
   for (const auto& [bytes, count] : values) {
@@ -131,6 +133,7 @@ TEST_F(DiscoveryCase, HybridModeIsTheNumberOneInFourBytes) {
 }
 
 TEST_F(DiscoveryCase, KnowsAHidKeyboardByItsUsagePageAndItsAnswer) {
+  NEEDS(Need::HidKeyboards);
   simulator::Profile profile = HidProfile(4, 0);
   profile.hid_keyboards[0].usage_page = 0xFF59;
   profile.hid_keyboards.push_back(HidSettings(4, 0));
@@ -139,7 +142,7 @@ TEST_F(DiscoveryCase, KnowsAHidKeyboardByItsUsagePageAndItsAnswer) {
   profile.hid_keyboards[2].device_ids = {0x22};
   Start(profile);
   EXPECT_EQ(Discover().count, 0);
-  EXPECT_EQ(Wire(), (Lines{"GetFeature 1 a1: report 161 cannot be read", "GetFeature 2 a1"}));
+  EXPECT_EQ(Wire(), (Lines{"GetFeature 1 a1: report 0xa1 cannot be read", "GetFeature 2 a1"}));
 
   profile.hid_keyboards.push_back(HidSettings(4, 0));
   profile.hid_keyboards[3].vendor = 0xABCD;
@@ -149,7 +152,13 @@ TEST_F(DiscoveryCase, KnowsAHidKeyboardByItsUsagePageAndItsAnswer) {
 }
 
 TEST_F(DiscoveryCase, AKeyboardOnceFoundIsReportedEvenWhenItIsGone) {
+  NEEDS(Need::HidKeyboards);
   Start("hid-keyboard");
+  Keyboard().Misbehave({.kind = HidKeyboard::Misbehaviour::Kind::Stall, .stall_ms = 1});
+  EXPECT_EQ(Discover().count, 0);
+  EXPECT_EQ(Wire(), Lines{"GetFeature 0 a1: the keyboard did not answer"});
+  Keyboard().Misbehave({.first = 0});
+  Log();
   const Discovered first = Discover();
   EXPECT_EQ(first.count, 1);
   const Lines lines = Log();

@@ -10,6 +10,8 @@ using simulator::LightBarLights;
 
 class EcGlobalCase : public Case {
  protected:
+  void SetUp() override { NEEDS(Need::Firmware); }
+
   Device CreateGlobal(const std::string& profile) {
     Start(profile);
     Device global = Create("ZarnECGlobal");
@@ -20,7 +22,6 @@ class EcGlobalCase : public Case {
 };
 
 TEST_F(EcGlobalCase, DescribesOneLightWithTheModesOfTheEcKeyboard) {
-  NEEDS(Need::Firmware);
   const Device global = CreateGlobal("light-bar");
   const ControllerRecords records = Describe(global);
   EXPECT_EQ(records.title, "Zarn Global Device");
@@ -30,6 +31,7 @@ TEST_F(EcGlobalCase, DescribesOneLightWithTheModesOfTheEcKeyboard) {
   ASSERT_TRUE(records.zone_list.size() == 1 && records.led_list.size() == 1 && records.color_table.size() == 1);
   EXPECT_EQ(records.zone_list[0].label, "Global Backlight zone");
   EXPECT_EQ(records.zone_list[0].zone_kind, 1);
+  EXPECT_TRUE(records.zone_list[0].led_total_min == 1 && records.zone_list[0].led_total_max == 1);
   EXPECT_EQ(records.led_list[0].label, "Global Backlight zone 1");
 
   const Device keyboard = Create("ZarnECKeyboard");
@@ -50,7 +52,6 @@ TEST_F(EcGlobalCase, DescribesOneLightWithTheModesOfTheEcKeyboard) {
 }
 
 TEST_F(EcGlobalCase, EveryModeButDirectIsOneEffectForAllLights) {
-  NEEDS(Need::Firmware);
   const Device global = CreateGlobal("light-bar");
   Choose(global, "STATIC", {.colors = {0xFF0000}});
   EXPECT_EQ(Wire(), Lines{"SetGamingKBBacklight 00 05 32 00 02 00 00 ff 03 03"});
@@ -69,7 +70,6 @@ TEST_F(EcGlobalCase, EveryModeButDirectIsOneEffectForAllLights) {
 }
 
 TEST_F(EcGlobalCase, HasNoColourPath) {
-  NEEDS(Need::Firmware);
   const Device global = CreateGlobal("light-bar");
   global->StoreLedColor(0, 0xFF);
   Choose(global, "Direct");
@@ -85,7 +85,6 @@ TEST_F(EcGlobalCase, HasNoColourPath) {
 }
 
 TEST_F(EcGlobalCase, WithoutALightBarThePacketIsForTheKeyboard) {
-  NEEDS(Need::Firmware);
   const Device global = CreateGlobal("four-zone");
   Choose(global, "STATIC", {.colors = {0xFF0000}});
   EXPECT_EQ(Wire(), Lines{"SetGamingKBBacklight 00 05 32 00 02 00 00 ff 03 01"});

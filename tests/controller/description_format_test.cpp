@@ -25,21 +25,20 @@ Bytes ExampleBytes(const std::string& size, bool maker, bool brightness) {
 }
 
 Bytes Packed(const ControllerRecords& records, std::uint32_t version) {
-  const PackedBuffer buffer = PackDescription(records, version);
-  return {buffer.view().begin(), buffer.view().end()};
+  return Copy(PackDescription(records, version));
+}
+
+/// A buffer whose first field claims what it holds, if it has room to.
+Bytes Sized(Bytes bytes) {
+  const std::size_t size = bytes.size();
+  for (std::size_t i = 0; i < 4 && size >= 4; ++i) bytes[i] = static_cast<std::uint8_t>(size >> (8 * i));
+  return bytes;
 }
 
 /// A description with no texts, modes or LEDs but these zones, LED and colour sections.
 Bytes Description(const std::string& zones_and_rest) {
-  Bytes bytes = Hex("00 00 00 00 05 00 00 00 01 00 00 01 00 00 01 00 00 01 00 00 01 00 00 01 00 00 00 00 00 00 00 00 " +
-                    zones_and_rest);
-  bytes[0] = static_cast<std::uint8_t>(bytes.size());
-  bytes[1] = static_cast<std::uint8_t>(bytes.size() >> 8);
-  return bytes;
-}
-
-void SetTotalSize(Bytes& bytes, std::size_t size) {
-  for (int i = 0; i < 4; ++i) bytes[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(size >> (8 * i));
+  return Sized(Hex("00 00 00 00 05 00 00 00 01 00 00 01 00 00 01 00 00 01 00 00 01 00 00 01 00 00 00 00 00 00 00 00 " +
+                   zones_and_rest));
 }
 
 TEST(DescriptionFormat, ExampleHasItsBytesAtEveryVersion) {
@@ -94,18 +93,18 @@ TEST(DescriptionFormat, FieldsOfOneWidthKeepTheirOrder) {
 
 TEST(DescriptionFormat, ColourTableTakesTheLengthOfTheZones) {
   const std::string zone_of_4 = "01 00 01 00 00 01 00 00 00 04 00 00 00 04 00 00 00 04 00 00 00 00 00 00 00 ";
-  ControllerRecords two_colors;
-  ASSERT_TRUE(UnpackDescription(two_colors, Description(zone_of_4 + "02 00 0a 00 00 00 0b 00 00 00"), 3));
-  EXPECT_EQ(two_colors.color_table, (std::vector<PackedColor>{10, 11, 0, 0}));
-  ControllerRecords six_colors;
-  ASSERT_TRUE(UnpackDescription(
-      six_colors,
-      Description(zone_of_4 + "06 00 01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00 05 00 00 00 06 00 00 00"), 3));
-  EXPECT_EQ(six_colors.color_table, (std::vector<PackedColor>{1, 2, 3, 4}));
-  EXPECT_EQ(six_colors.zone_list[0].led_view, nullptr);  // four LEDs, but none in the list
+  const auto table_of = [&](const std::string& colors) {
+    ControllerRecords records;
+    EXPECT_TRUE(UnpackDescription(records, Description(zone_of_4 + colors), 3));
+    EXPECT_EQ(records.zone_list[0].led_view, nullptr);  // four LEDs, but none in the list
+    return records.color_table;
+  };
+  EXPECT_EQ(table_of("02 00 0a 00 00 00 0b 00 00 00"), (std::vector<PackedColor>{10, 11, 0, 0}));
+  EXPECT_EQ(table_of("06 00 01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00 05 00 00 00 06 00 00 00"),
+            (std::vector<PackedColor>{1, 2, 3, 4}));
 }
 
-TEST(DescriptionFormat, GridTravelsWithItsZoneAndIsSharedByCopies) {
+TEST(DescriptionFormat, GridTravelsWithItsZone) {
   const Bytes bytes = Description(
       "01 00 01 00 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 20 00 02 00 00 00 03 00 00 00 "
       "01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00 05 00 00 00 06 00 00 00 00 00 00 00");
@@ -113,21 +112,18 @@ TEST(DescriptionFormat, GridTravelsWithItsZoneAndIsSharedByCopies) {
   ASSERT_TRUE(UnpackDescription(records, ExactBlock(bytes).view(), 3));
   EXPECT_EQ(records.zone_list[0].grid->cells, (std::vector<std::uint32_t>{1, 2, 3, 4, 5, 6}));
   EXPECT_EQ(Packed(records, 3), bytes);
-  const ControllerRecords copy = records;
-  EXPECT_EQ(copy.zone_list[0].grid, records.zone_list[0].grid);
 }
 
 TEST(DescriptionFormat, EveryTruncationIsRefusedWhole) {
   for (const std::uint32_t version : {0U, 1U, 3U}) {
-    const Bytes whole = Packed(ExampleRecords(), version);
-    for (std::size_t size = 0; size < whole.size(); ++size) {
-      Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+    Bytes cut = Packed(ExampleRecords(), version);
+    while (!cut.empty()) {
+      cut.pop_back();
       ControllerRecords records = TwoZones();
-      const Bytes before = Snapshot(records);
-      EXPECT_FALSE(UnpackDescription(records, ExactBlock(cut).view(), version)) << size;
-      if (size >= 4) SetTotalSize(cut, size);  // and when it does not even claim more
-      EXPECT_FALSE(UnpackDescription(records, ExactBlock(cut).view(), version)) << size;
-      EXPECT_EQ(Snapshot(records), before);
+      for (const Bytes& bytes : {cut, Sized(cut)}) {  // and when it does not even claim more
+        EXPECT_FALSE(UnpackDescription(records, ExactBlock(bytes).view(), version)) << cut.size();
+      }
+      EXPECT_EQ(Snapshot(records), Snapshot(TwoZones()));
     }
   }
 }
@@ -135,9 +131,8 @@ TEST(DescriptionFormat, EveryTruncationIsRefusedWhole) {
 TEST(DescriptionFormat, BytesBehindTheLastFieldAreAccepted) {
   Bytes bytes = Packed(ExampleRecords(), 3);
   bytes.resize(bytes.size() + 5, 0xEE);
-  SetTotalSize(bytes, bytes.size());
   ControllerRecords records;
-  EXPECT_TRUE(UnpackDescription(records, ExactBlock(bytes).view(), 3));
+  EXPECT_TRUE(UnpackDescription(records, ExactBlock(Sized(bytes)).view(), 3));
   EXPECT_EQ(records.title, "AB");
 }
 
@@ -146,24 +141,20 @@ TEST(DescriptionFormat, NulDecidesTheTextAndLengthMovesTheCursor) {
   Bytes bytes =
       Hex("00 00 00 00 05 00 00 00 01 00 41 42 00 04 00 43 00 99 99 01 00 00 01 00 00 01 00 00 "
           "00 00 00 00 00 00 00 00 00 00 00 00");
-  SetTotalSize(bytes, bytes.size());
   ControllerRecords records;
   // The cursor stands behind the A: the next length is 42 00, which the buffer cannot hold.
-  EXPECT_FALSE(UnpackDescription(records, bytes, 0));
+  EXPECT_FALSE(UnpackDescription(records, Sized(bytes), 0));
   bytes.erase(bytes.begin() + 11, bytes.begin() + 13);
-  SetTotalSize(bytes, bytes.size());
-  ASSERT_TRUE(UnpackDescription(records, bytes, 0));
+  ASSERT_TRUE(UnpackDescription(records, Sized(bytes), 0));
   EXPECT_EQ(records.title, "A\x04");
   EXPECT_EQ(records.caption, "C");
 
   // A length of 0 leaves the cursor in front of the text. A text without any NUL is refused.
-  Bytes no_length =
-      Hex("00 00 00 00 05 00 00 00 00 00 01 00 00 01 00 00 01 00 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
-  SetTotalSize(no_length, no_length.size());
+  const Bytes no_length =
+      Hex("22 00 00 00 05 00 00 00 00 00 01 00 00 01 00 00 01 00 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
   ASSERT_TRUE(UnpackDescription(records, no_length, 0));
   EXPECT_EQ(records.title, "\x01");
-  Bytes no_nul = Hex("0d 00 00 00 05 00 00 00 03 00 41 42 43");
-  EXPECT_FALSE(UnpackDescription(records, ExactBlock(no_nul).view(), 0));
+  EXPECT_FALSE(UnpackDescription(records, ExactBlock(Hex("0d 00 00 00 05 00 00 00 03 00 41 42 43")).view(), 0));
 }
 
 TEST(DescriptionFormat, WhatCouldNotBeWrittenAgainIsRefusedWhole) {
@@ -171,9 +162,8 @@ TEST(DescriptionFormat, WhatCouldNotBeWrittenAgainIsRefusedWhole) {
   const std::string no_leds = " 00 00 00 00 00 00";
   const auto refused = [](const ControllerRecords& there, const Bytes& bytes) {
     ControllerRecords records = there;
-    const Bytes before = Snapshot(records);
     EXPECT_FALSE(UnpackDescription(records, bytes, 3));
-    EXPECT_EQ(Snapshot(records), before);
+    EXPECT_EQ(Snapshot(records), Snapshot(there));
   };
   ControllerRecords records;
   EXPECT_TRUE(UnpackDescription(records, Description(led_total + "ff ff 00 00" + no_leds), 3));
@@ -190,8 +180,7 @@ TEST(DescriptionFormat, WhatCouldNotBeWrittenAgainIsRefusedWhole) {
   const std::string zone = "01 00 01 00 00 01 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 08 00 ";
   Bytes big_grid = Description(zone + "fe 3f 00 00 01 00 00 00");
   big_grid.resize(big_grid.size() + std::size_t{4} * 16382 + 6);
-  SetTotalSize(big_grid, big_grid.size());
-  refused(ControllerRecords(), big_grid);
+  refused(ControllerRecords(), Sized(big_grid));
   refused(ControllerRecords(), Description(zone + "00 00 01 00 00 00 01 00 00 00 00 00 00 00"));
 }
 
@@ -224,8 +213,7 @@ TEST(DescriptionFormat, SmallBufferCannotAskForMuchMemory) {
   // The smallest LED blocks, whose texts have length 0.
   Bytes leds = Description("00 00 ff ff");
   leds.resize(leds.size() + std::size_t{65535} * 6 + 2);
-  SetTotalSize(leds, leds.size());
-  requested_for(leds, true);
+  requested_for(Sized(leds), true);
 
   // LED blocks of 263 bytes without a NUL between them: each text would run to the buffer's end.
   Bytes overlapping = Description("00 00 e8 03");
@@ -234,8 +222,7 @@ TEST(DescriptionFormat, SmallBufferCannotAskForMuchMemory) {
     overlapping.resize(overlapping.size() + 261, 'x');
   }
   overlapping.resize(overlapping.size() + 3, 0);
-  SetTotalSize(overlapping, overlapping.size());
-  requested_for(overlapping, false);
+  requested_for(Sized(overlapping), false);
 }
 
 }  // namespace

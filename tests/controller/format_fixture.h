@@ -54,10 +54,9 @@ inline ControllerRecords TwoZones() {
   return records;
 }
 
+inline Bytes Copy(const PackedBuffer& buffer) { return {buffer.view().begin(), buffer.view().end()}; }
+
 /// Everything that travels, to compare records by.
-inline Bytes Snapshot(const ControllerRecords& records) {
-  const PackedBuffer buffer = PackDescription(records, 3);
-  return {buffer.view().begin(), buffer.view().end()};
-}
+inline Bytes Snapshot(const ControllerRecords& records) { return Copy(PackDescription(records, 3)); }
 
 }  // namespace test

@@ -75,10 +75,14 @@ TEST_F(TsHidTest, EveryFailureOfTheEnumerationCostsOneInterface) {
     lines.pop_back();
     EXPECT_EQ(lines, text.empty() ? Lines{} : Lines{kFind + text});
   }
+  std::vector<_HIDDevice> one_before(1);
   platform::ArmFaults({.first = 1});
   EXPECT_EQ(OpenFirst(), INVALID_HANDLE_VALUE);
   EXPECT_EQ(platform::DisarmFaults(), 1U);
-  EXPECT_EQ(TakeLines(), Lines{std::string(kFind) + "Error getting device information set"});
+  platform::ArmFaults({.first = 1});
+  EXPECT_FALSE(TsHID::GetHIDDeviceHandle(AnyIdentity, AnyCapability, one_before));
+  EXPECT_EQ(platform::DisarmFaults(), 1U);
+  EXPECT_EQ(TakeLines(), Lines(2, std::string(kFind) + "Error getting device information set"));
 }
 
 TEST_F(TsHidTest, ReportsTakeTheLengthOfTheDevice) {

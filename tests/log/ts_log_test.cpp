@@ -17,9 +17,11 @@ namespace {
 
 using zarn::WRV520::Logger;
 
-/// A process keeps its log for ever, so each case that may create one runs in a process of its own.
+/// A process keeps its log for ever, so each case that may create one runs in a process of its own. Logging is on.
 class TsLogTest : public MachineTest {
  protected:
+  TsLogTest() { SwitchLogOn(); }
+
   template <typename Body>
   void InOwnProcess(Body body) {
     EXPECT_EXIT(
@@ -39,9 +41,8 @@ class TsLogTest : public MachineTest {
   const TemporaryFolder folder;
 };
 
-TEST_F(TsLogTest, LinesCarryLevelTimeModuleTagAndMessage) {
+TEST_F(TsLogTest, LinesCarryLevelTimeModuleTagAndMessageAndComeByTheAdapterToo) {
   InOwnProcess([&] {
-    SwitchLogOn();
     TsLog* const log = TsLog::GetInstance();
     ASSERT_NE(log, nullptr);
     EXPECT_TRUE(log->WriteLine(TsLog::Info, L"CheckDeviceStatus", L"Enter!!"));
@@ -50,26 +51,27 @@ TEST_F(TsLogTest, LinesCarryLevelTimeModuleTagAndMessage) {
     EXPECT_TRUE(log->WriteLine(TsLog::Error, L"A::B", L"x"));
     EXPECT_TRUE(log->WriteLine(TsLog::Exception, L"A::B", L"x"));
     EXPECT_TRUE(log->WriteLine(9, L"A::B", L"x"));
+    zarn::WRV520::TsLogAdapter adapter(log);
+    adapter.Log(Logger::Error, L"A::B", L"first");
+    adapter.Log(static_cast<Logger::Level>(9), L"A::B", L"second");
+    zarn::WRV520::TsLogAdapter(nullptr).Log(Logger::Info, L"A::B", L"third");
     EXPECT_EQ(Lines(),
               "[INFO]      20240131_14:05:09.042 | ZarnECKeyboard | CheckDeviceStatus | Enter!!\r\n"
               "[WARNING]   20240205_00:00:00.005 | ZarnECKeyboard |  | \r\n"
               "[ERROR]     20240205_00:00:00.005 | ZarnECKeyboard | A::B | x\r\n"
               "[EXCEPTION] 20240205_00:00:00.005 | ZarnECKeyboard | A::B | x\r\n"
-              " 20240205_00:00:00.005 | ZarnECKeyboard | A::B | x\r\n");
+              " 20240205_00:00:00.005 | ZarnECKeyboard | A::B | x\r\n"
+              "[ERROR]     20240205_00:00:00.005 | ZarnECKeyboard | A::B | first\r\n"
+              "[INFO]      20240205_00:00:00.005 | ZarnECKeyboard | A::B | second\r\n");
   });
 }
 
 TEST_F(TsLogTest, SwitchIsReadAgainUntilTheLogIsThereAndNeverAfter) {
   InOwnProcess([&] {
-    machine->environment[L"PROGRAMDATA"] = folder.path().wstring();
-    const std::vector<std::map<std::wstring, Bytes>> off = {
-        {},                                                    // no key
-        {{L"SomethingElse", {1, 0, 0, 0}}},                    // no value
-        {{L"ZarnLightingService", {0, 0, 0, 0}}},              //
-        {{L"ZarnLightingService", {2, 0, 0, 0}}},              //
-        {{L"ZarnLightingService", {1}}},                       // reads as FFFFFF01
-        {{L"ZarnLightingService", {1, 0, 0, 0, 0, 0, 0, 0}}},  // does not fit
-        {{L"ZarnLightingService", {'1', 0, 0, 0}}}};           // a text
+    const std::vector<std::map<std::wstring, Bytes>> off = {{},                                           // no key
+                                                            {{L"SomethingElse", {1, 0, 0, 0}}},           // no value
+                                                            {{L"ZarnLightingService", {0, 0, 0, 0}}},     //
+                                                            {{L"ZarnLightingService", {'1', 0, 0, 0}}}};  // a text
     for (const auto& values : off) {
       machine->log_switch = values;
       EXPECT_EQ(TsLog::GetInstance(), nullptr);
@@ -87,7 +89,6 @@ TEST_F(TsLogTest, SwitchIsReadAgainUntilTheLogIsThereAndNeverAfter) {
 
 TEST_F(TsLogTest, FirstCallsFromManyThreadsCreateOneLogAndLinesStayWhole) {
   InOwnProcess([&] {
-    SwitchLogOn();
     std::vector<TsLog*> seen(4);
     {
       std::vector<std::thread> threads;
@@ -109,24 +110,11 @@ TEST_F(TsLogTest, FirstCallsFromManyThreadsCreateOneLogAndLinesStayWhole) {
   });
 }
 
-TEST_F(TsLogTest, CharacterThatCannotBeConvertedEndsItsLineOnly) {
-  InOwnProcess([&] {
-    SwitchLogOn();
-    TsLog* const log = TsLog::GetInstance();
-    EXPECT_TRUE(log->WriteLine(TsLog::Info, L"T", L"before \x20AC after"));
-    EXPECT_TRUE(log->WriteLine(TsLog::Info, L"T", L"next"));
-    EXPECT_EQ(Lines(),
-              "[INFO]      20240131_14:05:09.042 | ZarnECKeyboard | T | before \r\n"
-              "[INFO]      20240131_14:05:09.042 | ZarnECKeyboard | T | next\r\n");
-  });
-}
-
 TEST_F(TsLogTest, PathThatDoesNotFitLeavesLoggingOff) {
   InOwnProcess([&] {
     const std::string base = folder.path().string() + "/";
     // \OEM\ZarnLightingService\Log\ + user1_ZarnECKeyboard_20240131.log are 62 characters behind the folder.
     for (const std::size_t length : {260U - 62U, 259U, 260U, 300U}) {
-      SwitchLogOn();
       machine->environment[L"PROGRAMDATA"] =
           std::wstring(base.begin(), base.end()) + std::wstring(length - base.size(), L'd');
       EXPECT_EQ(TsLog::GetInstance(), nullptr) << length;
@@ -140,17 +128,14 @@ TEST_F(TsLogTest, PathThatDoesNotFitLeavesLoggingOff) {
 
 TEST_F(TsLogTest, MissingUserNameLeavesItsPlaceEmpty) {
   InOwnProcess([&] {
-    SwitchLogOn();
     machine->user.reset();
-    TsLog* const log = TsLog::GetInstance();
-    EXPECT_TRUE(log->WriteLine(TsLog::Info, L"T", L"m"));
+    EXPECT_TRUE(TsLog::GetInstance()->WriteLine(TsLog::Info, L"T", L"m"));
     EXPECT_NE(Lines("_ZarnECKeyboard_20240131.log"), "");
   });
 }
 
 TEST_F(TsLogTest, LogWhoseFolderCannotBeMadeDropsItsLinesAndTriesAgain) {
   InOwnProcess([&] {
-    SwitchLogOn();
     std::ofstream(folder.path() / "OEM") << "a file in the way";
     TsLog* const log = TsLog::GetInstance();
     ASSERT_NE(log, nullptr);
@@ -162,29 +147,17 @@ TEST_F(TsLogTest, LogWhoseFolderCannotBeMadeDropsItsLinesAndTriesAgain) {
   });
 }
 
-TEST_F(TsLogTest, MessagesAreFormattedAndCutAtTheirBuffer) {
+TEST_F(TsLogTest, MessagesAreFormattedAndCutAtTheirBufferOrWhereTheyCannotBeConverted) {
   InOwnProcess([&] {
-    SwitchLogOn();
     const InfoLog log(L"T");
+    log(L"before \x20AC after");
     log(L"%d 0x%02X %ls", -1, 10, L"text");
     log(L"%ls", std::wstring(2000, L'x').c_str());
     EXPECT_EQ(Lines(),
+              "[INFO]      20240131_14:05:09.042 | ZarnECKeyboard | T | before \r\n"
               "[INFO]      20240131_14:05:09.042 | ZarnECKeyboard | T | -1 0x0A text\r\n"
               "[INFO]      20240131_14:05:09.042 | ZarnECKeyboard | T | " +
                   std::string(999, 'x') + "\r\n");
-  });
-}
-
-TEST_F(TsLogTest, AdapterForwardsWithItsLevelAndDropsWithoutALog) {
-  InOwnProcess([&] {
-    SwitchLogOn();
-    zarn::WRV520::TsLogAdapter adapter(TsLog::GetInstance());
-    adapter.Log(Logger::Error, L"A::B", L"first");
-    adapter.Log(static_cast<Logger::Level>(9), L"A::B", L"second");
-    zarn::WRV520::TsLogAdapter(nullptr).Log(Logger::Info, L"A::B", L"third");
-    EXPECT_EQ(Lines(),
-              "[ERROR]     20240131_14:05:09.042 | ZarnECKeyboard | A::B | first\r\n"
-              "[INFO]      20240131_14:05:09.042 | ZarnECKeyboard | A::B | second\r\n");
   });
 }
 

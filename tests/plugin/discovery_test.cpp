@@ -22,12 +22,15 @@ class Discovery : public PluginTest {
 TEST_F(Discovery, ItemsCountInTheirOrderUpToTheFirstLightBar) {
   EXPECT_EQ(CountWith({{8, 1}, {10, 2}, {23, 1}, {8, 0}}), 2);
   EXPECT_EQ(CountWith({{8, 1}, {10, 2}, {23, 2}, {23, 1}}), 1);
+  EXPECT_EQ(CountWith({{8, 1}, {10, 2}, {23, 5}, {23, 1}}), 1);
   EXPECT_EQ(CountWith({{23, 1}, {8, 1}, {10, 2}}), 0);
   EXPECT_EQ(CountWith({{8, 1}, {10, 2}}), 1);
   EXPECT_EQ(CountWith({{8, 4}, {10, 2}, {23, 5}}), 1);
   EXPECT_EQ(CountWith({{8, 0}, {10, 1}, {9, 9}, {8, 3}, {10, 2}}), 1);  // later ones override
   EXPECT_EQ(CountWith({{8, 3}, {10, 2}, {8, 2}, {10, 3}}), 1);          // other values change nothing
   EXPECT_EQ(CountWith({{8, 2}, {10, 2}}), 0);
+  EXPECT_EQ(CountWith({{8, 0x0101}, {10, 2}}), 0);
+  EXPECT_EQ(CountWith({{8, 1}, {10, 2}, {10, 1}}), 0);
   EXPECT_EQ(CountWith({{8, 1}, {10, 2}, {8, 0}}), 0);
 }
 

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "tests/plugin/plugin_fixture.h"
@@ -14,48 +16,55 @@ namespace {
 
 class Faults : public PluginTest {
  protected:
-  Faults() { machine->SetSmbios(TableWithItems(2, 91, {{8, 4}})); }
+  Faults() { machine->SetSmbios(TableWithItems(2, 91, {{8, 4}, {23, 1}})); }
 
-  /// How many zones the keyboard around `controller` has, which it takes over.
-  static std::size_t ZonesOf(ZarnECKeyboardController* controller) {
-    const std::unique_ptr<RGBControllerInterface> keyboard(plugin().CreateKeyboard(controller));
+  /// What shows that a controller, which is taken over, has read the firmware's record: the keyboard's zones, or the
+  /// target of the whole-device light's packets.
+  std::size_t ReadFromRecord(const std::string& name, void* controller) {
+    const auto device = plugin().CreateAround(name, controller);
     ControllerRecords records;
-    UnpackDescription(records, Take(keyboard->PackDescription(3)), 3);
-    return records.led_list.size();
+    UnpackDescription(records, Take(device->PackDescription(3)), 3);
+    if (name == "ZarnECKeyboard") return records.led_list.size();
+    device->UnpackModePacket(Take(device->PackModePacket(1, 3)).data(), 3);
+    device->WriteModeToDevice();
+    return std::get<Bytes>(machine->TakeCalls().at(0).input).at(9);
   }
 };
 
-TEST_F(Faults, KeyboardControllerWhoseRecordCannotBeReadHasNoZones) {
-  ZarnECKeyboardController* controller = nullptr;
-  FailInTurn([&] { controller = plugin().CreateKeyboardController(); },
-             [&](const FaultRun& run) {
-               if (run.threw_bad_alloc) {
-                 EXPECT_EQ(run.fault.source, Fault::Source::Memory);
-                 EXPECT_EQ(controller, nullptr);
-                 return;
-               }
-               EXPECT_EQ(ZonesOf(std::exchange(controller, nullptr)), run.met ? 0U : 4U);
-             });
+TEST_F(Faults, ControllersWhoseRecordCannotBeReadDoWithoutIt) {
+  const std::tuple<const char*, std::size_t, std::size_t> kinds[] = {{"ZarnECKeyboard", 4, 0}, {"ZarnECGlobal", 3, 1}};
+  for (const auto& [name, with_record, without] : kinds) {
+    void* controller = nullptr;
+    FailInTurn([&, &name = name] { controller = plugin().CreateController(name); },
+               [&, &name = name, &with_record = with_record, &without = without](const FaultRun& run) {
+                 if (run.threw_bad_alloc) {
+                   EXPECT_EQ(run.fault.source, Fault::Source::Memory);
+                   EXPECT_EQ(controller, nullptr);
+                   return;
+                 }
+                 EXPECT_EQ(ReadFromRecord(name, std::exchange(controller, nullptr)), run.met ? without : with_record);
+               });
+  }
 }
 
-TEST_F(Faults, KeyboardThatCannotBeBuiltLeavesItsControllerWithTheHost) {
-  ZarnECKeyboardController* controller = plugin().CreateKeyboardController();
-  RGBControllerInterface* keyboard = nullptr;
-  FailInTurn([&] { keyboard = plugin().CreateKeyboard(controller); },
-             [&](const FaultRun& run) {
-               EXPECT_EQ(run.threw_bad_alloc, run.met);  // construction calls no platform
-               EXPECT_EQ(keyboard == nullptr, run.met);
-               if (keyboard == nullptr) return;
-               std::unique_ptr<RGBControllerInterface>(std::exchange(keyboard, nullptr))->WriteColorsToDevice();
-               EXPECT_EQ(machine->TakeCalls().size(), 6U);
-               controller = plugin().CreateKeyboardController();
-             });
-  ZonesOf(controller);
+TEST_F(Faults, DevicesThatCannotBeBuiltLeaveTheirControllersWithTheHost) {
+  for (const std::string name : {"ZarnECKeyboard", "ZarnECGlobal"}) {
+    void* controller = plugin().CreateController(name);
+    std::unique_ptr<RGBControllerInterface> device;
+    FailInTurn([&] { device = plugin().CreateAround(name, controller); },
+               [&](const FaultRun& run) {
+                 EXPECT_EQ(run.threw_bad_alloc, run.met);  // construction calls no platform
+                 EXPECT_EQ(device == nullptr, run.met);
+                 device.reset();
+                 if (!run.met) controller = plugin().CreateController(name);
+               });
+    EXPECT_GT(ReadFromRecord(name, controller), 2U);  // and it is still sound
+  }
 }
 
 TEST_F(Faults, PushesUnderFaultsReturnAndLeaveTheRecordsAsTheyWere) {
   SwitchLogOn();  // so that the log's calls fail in turn as well
-  const auto keyboard = plugin().CreateKeyboard();
+  const auto keyboard = plugin().Create("ZarnECKeyboard");
   keyboard->StoreLedColor(2, 0x00FF00);
   const auto before = Take(keyboard->PackDescription(3));
   std::size_t calls_without_fault = 6;
@@ -82,6 +91,9 @@ TEST_F(Faults, PushesUnderFaultsReturnAndLeaveTheRecordsAsTheyWere) {
   keyboard->UnpackModePacket(Take(keyboard->PackModePacket(2, 3)).data(), 3);
   calls_without_fault = 1;
   FailInTurn([&] { keyboard->WriteModeToDevice(); }, check);
+  const auto light = plugin().Create("ZarnECGlobal");
+  light->UnpackModePacket(Take(light->PackModePacket(1, 3)).data(), 3);
+  FailInTurn([&] { light->WriteModeToDevice(); }, check);
 }
 
 /// A plug-in whose list of lighting devices is built, with one keyboard of one zone.
@@ -98,6 +110,15 @@ class HidFaults : public MachineTest {
     return fresh->CreateAround("ZarnHIDKeyboard", controller);
   }
   std::unique_ptr<RGBControllerInterface> Create() { return CreateAround(CreateController()); }
+  /// Takes all keyboards out after so many platform calls of `operation`, or at its end.
+  void UnplugAfter(std::uint64_t calls, const std::function<void()>& operation) {
+    platform::SetJournal([this, &calls](const platform::JournalEntry&) {
+      if (calls-- == 0) machine->hid_devices.clear();
+    });
+    operation();
+    platform::SetJournal({});
+    machine->hid_devices.clear();
+  }
 
   ScriptedHid& keyboard = machine->Plug(VendorCollection(0xFF5A, {{0xA3, 0x35, 8}, {0xA4, 0x41, 8}, {0xA4, 0x45, 8}}));
   FreshPlugin fresh;
@@ -160,29 +181,41 @@ TEST_F(HidFaults, PushesUnderFaultsReturnAndReachTheKeyboardOnceThereAreNone) {
 
 TEST_F(HidFaults, UnpluggedBeforeAnyCallItComesBackWithTheNextPush) {
   const auto device = Create();
-  for (std::uint64_t calls = 0; calls < 16; ++calls) {
-    std::uint64_t left = calls;
-    platform::SetJournal([&](const platform::JournalEntry&) {
-      if (left-- == 0) machine->hid_devices.clear();
-    });
-    device->WriteLedToDevice(0);
-    platform::SetJournal({});
-    machine->hid_devices.clear();
-    ScriptedHid& replugged = machine->Plug(VendorCollection(0xFF5A, {}));
-    device->WriteLedToDevice(0);
-    EXPECT_EQ(replugged.TakeReports().size(), 1U) << "unplugged after call " << calls;
-    EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{});
+  const std::function<void()> operations[] = {[&] { device->WriteLedToDevice(0); },
+                                              [&] { device->WriteColorsToDevice(); },
+                                              [&] { device->WriteModeToDevice(); }, [&] { Create(); }};
+  for (const auto& operation : operations) {
+    for (std::uint64_t calls = 0; calls < 20; ++calls) {
+      UnplugAfter(calls, operation);
+      ScriptedHid& replugged = machine->Plug(VendorCollection(0xFF5A, {}));
+      device->WriteLedToDevice(0);
+      EXPECT_EQ(replugged.TakeReports().size(), 1U) << "unplugged after call " << calls;
+      EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{});
+    }
   }
 }
 
+TEST_F(HidFaults, UnpluggedDuringDiscoveryItIsFoundOrNotAndNothingStaysOpen) {
+  Create();  // closes the list's handles
+  int found = 0;
+  for (std::uint64_t calls = 0; calls < 40; ++calls) {
+    machine->Plug(VendorCollection(0xFF5A, {})).answers[0xA1] = {0xA1, 1, 0x21};
+    FreshPlugin another;
+    UnplugAfter(calls, [&] { found += another->Discover().count; });
+    EXPECT_EQ(platform::CountLive(), platform::LiveCounts{}) << "unplugged after call " << calls;
+    EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{});
+  }
+  EXPECT_TRUE(0 < found && found < 40) << found;
+}
+
 TEST_F(Faults, SlotsThatRunOutOfMemoryChangeNothing) {
-  auto keyboard = plugin().CreateKeyboard();
+  auto keyboard = plugin().Create("ZarnECKeyboard");
   const auto before = Take(keyboard->PackDescription(3));
   const auto mode_packet = Take(keyboard->PackModePacket(5, 3));
   const auto check = [&](const FaultRun& run) {
     EXPECT_EQ(run.threw_bad_alloc, run.met);
     EXPECT_EQ(Take(keyboard->PackDescription(3)) == before, run.met);
-    if (!run.met) keyboard = plugin().CreateKeyboard();
+    if (!run.met) keyboard = plugin().Create("ZarnECKeyboard");
   };
   FailInTurn([&] { keyboard->UnpackModePacket(mode_packet.data(), 3); }, check);
   FailInTurn([&] { keyboard->UnpackDescription(before.data(), 3); }, check);

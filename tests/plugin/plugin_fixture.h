@@ -1,7 +1,6 @@
 /// A fixture that holds the plug-in as a host does, over a scripted machine.
 #pragma once
 
-#include <cstdio>
 #include <string>
 #include <utility>
 
@@ -36,17 +35,6 @@ class PluginTest : public MachineTest {
   static std::string LogLine(const std::string& operation, const std::string& message) {
     return "[INFO]      20240131_14:05:09.042 | ZarnECKeyboard | ZarnECKeyboardController::" + operation + " | " +
            message + "\r\n";
-  }
-
-  static std::string InWords(const Value& value) {
-    if (const auto* text = std::get_if<std::wstring>(&value)) return " " + std::string(text->begin(), text->end());
-    std::string words;
-    for (const std::uint8_t byte : std::get<Bytes>(value)) {
-      char word[4];
-      std::snprintf(word, sizeof(word), " %02x", byte);
-      words += word;
-    }
-    return words;
   }
 
  private:

@@ -75,7 +75,7 @@ TEST_F(Loading, RunsNothingAndUnloadingLeavesNothing) {
     EXPECT_TRUE(IsLoaded(path));
     EXPECT_EQ(calls, 0);
     EXPECT_EQ(ThreadCount(), threads);
-    plugin.CreateKeyboard()->RequestColorPush();
+    plugin.Create("ZarnECKeyboard")->RequestColorPush();
   }
   platform::SetJournal(nullptr);
   // Gone from the process means that its destructors have run; what they had left would be found as a leak.
@@ -86,7 +86,7 @@ class Slots : public PluginTest {
  protected:
   void SetUp() override {
     machine->SetSmbios(TableWithItems(2, 91, {{8, 4}}));
-    keyboard = plugin().CreateKeyboard(plugin().CreateKeyboardController());
+    keyboard = plugin().Create("ZarnECKeyboard").release();
   }
   void TearDown() override {
     if (keyboard != nullptr) CallSlot(keyboard, 34);  // the deleting twin of slot 33
@@ -192,7 +192,11 @@ TEST_F(Slots, HardwareOperationsAnswerAtTheirPositions) {
   EXPECT_EQ(Methods(), std::vector<std::wstring>{L"SetGamingKBBacklight"});
 }
 
-TEST_F(Slots, NullForAFactoryGivesNull) { EXPECT_EQ(plugin().CreateKeyboard(nullptr), nullptr); }
+TEST_F(Slots, NullForAFactoryGivesNull) {
+  for (const char* const name : {"ZarnECGlobal", "ZarnECKeyboard", "ZarnHIDKeyboard"}) {
+    EXPECT_EQ(plugin().CreateAround(name, nullptr), nullptr);
+  }
+}
 
 }  // namespace
 }  // namespace test

@@ -34,7 +34,7 @@ class Stress : public PluginTest {
 TEST_F(Stress, RequestRightAfterCreationIsCarriedOutEveryTime) {
   const int rounds = Rounds();
   for (int i = 0; i < rounds; ++i) {
-    const auto keyboard = plugin().CreateKeyboard();
+    const auto keyboard = plugin().Create("ZarnECKeyboard");
     keyboard->RequestColorPush();
   }
   EXPECT_EQ(color_pushes, rounds);
@@ -43,7 +43,7 @@ TEST_F(Stress, RequestRightAfterCreationIsCarriedOutEveryTime) {
 TEST_F(Stress, CreatedDrivenAndDestroyedOverAndOver) {
   const int rounds = Rounds();
   for (int i = 0; i < rounds; ++i) {
-    const auto keyboard = plugin().CreateKeyboard();
+    const auto keyboard = plugin().Create("ZarnECKeyboard");
     keyboard->ChooseMode(i % 9);
     keyboard->PaintAllZones(static_cast<PackedColor>(i));
     keyboard->RequestColorPush();
@@ -55,7 +55,7 @@ TEST_F(Stress, CreatedDrivenAndDestroyedOverAndOver) {
 }
 
 TEST_F(Stress, RecordsMayBeChangedFromManyThreadsWhilePushesRun) {
-  const auto keyboard = plugin().CreateKeyboard();
+  const auto keyboard = plugin().Create("ZarnECKeyboard");
   keyboard->AddChangeListener([](void* heard) { ++*static_cast<std::atomic<int>*>(heard); }, &other_calls);
   const auto description = Take(keyboard->PackDescription(3));
   const auto work = [&](int rounds) {

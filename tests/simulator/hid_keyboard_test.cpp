@@ -25,18 +25,18 @@ Bytes Padded(const std::string& beginning, std::size_t length = 65) {
 class HidKeyboardTest : public ::testing::Test {
  protected:
   explicit HidKeyboardTest(const HidKeyboard::Settings& settings = {.zones = 4, .effects = 0x7FF8})
-      : keyboard(settings), plugging(keyboard.Connect().value()) {}
+      : keyboard(settings), connection(keyboard.Connect().value()) {}
 
   std::string Refusal(const std::string& report) {
     const HidLights before = keyboard.Lights();
-    const HidKeyboard::Answer answer = keyboard.SetFeature(plugging, Padded(report));
+    const HidKeyboard::Answer answer = keyboard.SetFeature(connection, Padded(report));
     EXPECT_EQ(keyboard.Lights(), before);
     EXPECT_EQ(answer.result, Result::Refused);
     return answer.refusal;
   }
 
   HidKeyboard keyboard;
-  const std::uint64_t plugging;
+  const std::uint64_t connection;
 };
 
 TEST_F(HidKeyboardTest, ItsDescriptorDeclaresEveryFieldOfItsReports) {
@@ -57,9 +57,9 @@ TEST_F(HidKeyboardTest, ItsDescriptorDeclaresEveryFieldOfItsReports) {
 }
 
 TEST_F(HidKeyboardTest, AnswersWhatItIsAndForWhichId) {
-  EXPECT_EQ(keyboard.GetFeature(plugging, 0xA1).report, Padded("a1 01 21"));
-  EXPECT_EQ(keyboard.SetFeature(plugging, Padded("a2 21")).refusal, "");
-  EXPECT_EQ(keyboard.GetFeature(plugging, 0xA3).report, Padded("a3 21 01 02 04 00 05 00 f8 7f 00 00"));
+  EXPECT_EQ(keyboard.GetFeature(connection, 0xA1).report, Padded("a1 01 21"));
+  EXPECT_EQ(keyboard.SetFeature(connection, Padded("a2 21")).refusal, "");
+  EXPECT_EQ(keyboard.GetFeature(connection, 0xA3).report, Padded("a3 21 01 02 04 00 05 00 f8 7f 00 00"));
 
   HidKeyboard liar({.report_length = 6,
                     .claimed_ids = 200,
@@ -69,14 +69,14 @@ TEST_F(HidKeyboardTest, AnswersWhatItIsAndForWhichId) {
   EXPECT_EQ(liar.GetFeature(1, 0xA1).report, Hex("a1 c8 21 00 00 00"));
   EXPECT_EQ(liar.GetFeature(1, 0xA3).report, Hex("a3 22 02 05 00 00"));
   HidKeyboard silent({.answers = false});
-  EXPECT_EQ(silent.GetFeature(1, 0xA1).refusal, "report 161 cannot be read");
+  EXPECT_EQ(silent.GetFeature(1, 0xA1).refusal, "report 0xa1 cannot be read");
 }
 
 TEST_F(HidKeyboardTest, UpdatesReachTheZonesOfTheMask) {
-  EXPECT_EQ(keyboard.SetFeature(plugging, Padded("a4 21 04 64 09 02 01 02 03 05 00")).refusal, "");
+  EXPECT_EQ(keyboard.SetFeature(connection, Padded("a4 21 04 64 09 02 01 02 03 05 00")).refusal, "");
   const HidLights::Zone breathing{4, 100, 9, 2, {1, 2, 3}};
   EXPECT_EQ(keyboard.Lights(), (HidLights{{breathing, {}, breathing, {}}}));
-  EXPECT_EQ(keyboard.SetFeature(plugging, Padded("a4 21 02 32 00 00 ff 00 00 ff ff")).refusal, "");
+  EXPECT_EQ(keyboard.SetFeature(connection, Padded("a4 21 02 32 00 00 ff 00 00 ff ff")).refusal, "");
   const HidLights::Zone red{2, 50, 0, 0, {255, 0, 0}};
   EXPECT_EQ(keyboard.Lights(), (HidLights{{red, red, red, red}}));
 
@@ -86,24 +86,24 @@ TEST_F(HidKeyboardTest, UpdatesReachTheZonesOfTheMask) {
 }
 
 TEST_F(HidKeyboardTest, RefusalsSayWhyAndChangeNothing) {
-  EXPECT_EQ(Refusal("a4 22"), "the report is for device id 34, which is not served here");
-  EXPECT_EQ(Refusal("a5 21"), "report 165 cannot be set");
+  EXPECT_EQ(Refusal("a4 22"), "the report is for device id 0x22, which is not served here");
+  EXPECT_EQ(Refusal("a5 21"), "report 0xa5 cannot be set");
   EXPECT_EQ(Refusal("a4 21 03 00 00 00 00 00 00 01"), "there is no effect 3");
-  EXPECT_EQ(Refusal("a4 21 02 00 00 00 00 00 00 10"), "zone mask 16 names zones not there");
-  EXPECT_EQ(keyboard.SetFeature(plugging, Hex("a4 21")).refusal, "the report has 2 bytes, must have 65");
+  EXPECT_EQ(Refusal("a4 21 02 00 00 00 00 00 00 10"), "zone mask 0x10 names zones that are not there");
+  EXPECT_EQ(keyboard.SetFeature(connection, Hex("a4 21")).refusal, "the report has 2 bytes, must have 65");
 }
 
-TEST_F(HidKeyboardTest, APluggingEndsForGood) {
+TEST_F(HidKeyboardTest, AConnectionEndsWithTheUnplug) {
   keyboard.Unplug();
   EXPECT_EQ(keyboard.Connect(), std::nullopt);
-  EXPECT_EQ(keyboard.GetFeature(plugging, 0xA1).result, Result::Gone);
+  EXPECT_EQ(keyboard.GetFeature(connection, 0xA1).result, Result::Gone);
   keyboard.Plug();
-  EXPECT_EQ(keyboard.GetFeature(plugging, 0xA1).result, Result::Gone);
+  EXPECT_EQ(keyboard.GetFeature(connection, 0xA1).result, Result::Gone);
   EXPECT_EQ(keyboard.GetFeature(keyboard.Connect().value(), 0xA1).result, Result::Done);
 }
 
 TEST_F(HidKeyboardTest, MisbehavesFromTheExchangeThatWasNamed) {
-  const auto get = [this] { return keyboard.GetFeature(plugging, 0xA1); };
+  const auto get = [this] { return keyboard.GetFeature(connection, 0xA1); };
   keyboard.Misbehave({.kind = Kind::Fail, .first = 2, .once = true});
   EXPECT_EQ(get().result, Result::Done);
   EXPECT_EQ(get().refusal, "the keyboard misbehaves");
@@ -118,7 +118,7 @@ TEST_F(HidKeyboardTest, MisbehavesFromTheExchangeThatWasNamed) {
 
 TEST_F(HidKeyboardTest, AnUnplugEndsAStall) {
   keyboard.Misbehave({.kind = Kind::Stall, .stall_ms = 600'000});
-  std::thread stalled([this] { EXPECT_EQ(keyboard.GetFeature(plugging, 0xA1).result, Result::Gone); });
+  std::thread stalled([this] { EXPECT_EQ(keyboard.GetFeature(connection, 0xA1).result, Result::Gone); });
   keyboard.Unplug();
   stalled.join();
 }
@@ -149,7 +149,7 @@ TEST(HidNotebookTest, ExchangesAreOnTheWireInTheOrderInWhichTheyBegan) {
   EXPECT_EQ(wire[0].input, EcFirmware::Input(Hex("a1")));
   EXPECT_EQ(wire[1].method, "SetFeature");
   EXPECT_EQ(wire[1].input, EcFirmware::Input(Padded("a4 22")));
-  EXPECT_EQ(wire[1].refusal, "the report is for device id 34, which is not served here");
+  EXPECT_EQ(wire[1].refusal, "the report is for device id 0x22, which is not served here");
   EXPECT_EQ(wire[2].refusal, "the keyboard was unplugged");
 }
 

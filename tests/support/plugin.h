@@ -2,11 +2,11 @@
 #pragma once
 
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -33,15 +33,17 @@ struct Discovered {
 class Plugin {
  public:
   explicit Plugin(const char* path = ZARN_LIGHTING_PATH) : library_(dlopen(path, RTLD_NOW | RTLD_LOCAL)) {
-    if (library_ == nullptr) ADD_FAILURE() << dlerror();
+    if (library_ == nullptr) throw std::runtime_error(dlerror());
   }
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
   ~Plugin() { dlclose(library_); }
 
   template <typename Function>
-  Function* Find(const char* name) const {
-    return reinterpret_cast<Function*>(dlsym(library_, name));
+  Function* Find(const std::string& name) const {
+    void* const address = dlsym(library_, name.c_str());
+    if (address == nullptr) throw std::runtime_error("no export " + name);
+    return reinterpret_cast<Function*>(address);
   }
 
   Discovered Discover() const {
@@ -66,26 +68,14 @@ class Plugin {
     return CreateAround(name, CreateController(name));
   }
 
-  ZarnECKeyboardController* CreateKeyboardController() const {
-    return Find<ZarnECKeyboardController*()>("CreateZarnECKeyboardControllerClassInstance")();
-  }
-  RGBControllerInterface* CreateKeyboard(ZarnECKeyboardController* controller) const {
-    return Find<RGBControllerInterface*(ZarnECKeyboardController*)>("CreateRGBController_ZarnECKeyboardClassInstance")(
-        controller);
-  }
-  std::unique_ptr<RGBControllerInterface> CreateKeyboard() const {
-    return std::unique_ptr<RGBControllerInterface>(CreateKeyboard(CreateKeyboardController()));
-  }
-
  private:
   template <typename Controller>
   void* MakeController(const std::string& name) const {
-    return Find<Controller*()>(("Create" + name + "ControllerClassInstance").c_str())();
+    return Find<Controller*()>("Create" + name + "ControllerClassInstance")();
   }
   template <typename Controller>
   std::unique_ptr<RGBControllerInterface> MakeDevice(const std::string& name, void* controller) const {
-    const auto make =
-        Find<RGBControllerInterface*(Controller*)>(("CreateRGBController_" + name + "ClassInstance").c_str());
+    const auto make = Find<RGBControllerInterface*(Controller*)>("CreateRGBController_" + name + "ClassInstance");
     return std::unique_ptr<RGBControllerInterface>(make(static_cast<Controller*>(controller)));
   }
 

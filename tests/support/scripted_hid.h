@@ -18,9 +18,9 @@ namespace test {
 
 /// A feature value field: `count` values of `bits` bits.
 struct DeclaredField {
-  std::uint8_t report_id;
-  std::uint8_t usage;
-  std::uint8_t bits;
+  std::uint8_t report_id = 0;
+  std::uint8_t usage = 0;
+  std::uint8_t bits = 0;
   std::uint8_t count = 1;
 };
 

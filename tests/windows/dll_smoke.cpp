@@ -2,16 +2,17 @@
 // There is no such keyboard where this runs, so what is seen is the device that a missing firmware record gives.
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <string>
 
-#include "controller/rgb_controller_interface.h"
-
-class ZarnECKeyboardController;
+#include "controller/description_format.h"
+#include "discovery/lighting_plugin.h"
 
 namespace {
 
@@ -56,58 +57,28 @@ constexpr std::size_t kWriteModeToDevice = 30;
 constexpr std::size_t kSelectFirstMode = 32;
 constexpr std::size_t kDeletingDestructor = 34;
 
-class Reader {
- public:
-  explicit Reader(const std::uint8_t* bytes) : bytes_(bytes) {}
-
-  std::uint32_t Number(std::size_t width) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < width; ++i) value |= static_cast<std::uint32_t>(bytes_[position_++]) << (8 * i);
-    return value;
-  }
-  std::string Text() {
-    const std::size_t length = Number(2);
-    const std::string text(reinterpret_cast<const char*>(bytes_ + position_), length - 1);
-    position_ += length;
-    return text;
-  }
-  void Skip(std::size_t bytes) { position_ += bytes; }
-  std::size_t position() const { return position_; }
-
- private:
-  const std::uint8_t* bytes_;
-  std::size_t position_ = 0;
-};
-
 void CheckDescription(const std::uint8_t* bytes) {
-  constexpr std::size_t kTotalSize = 689;
-  constexpr std::array kModes = {"Direct",   "STATIC", "BREATHING", "NEON",     "WAVE",
-                                 "SHIFTING", "ZOOM",   "METEOR",    "TWINKLING"};
-  Reader reader(bytes);
-  if (!CHECK(reader.Number(4) == kTotalSize)) return;
-  CHECK(reader.Number(4) == 5);
-  CHECK(reader.Text() == "Zarn EC Keyboard Device");
-  CHECK(reader.Text() == "Zarn");
-  CHECK(reader.Text() == "Zarn EC Keyboard Device");
-  for (int info = 1; info <= 3; ++info) CHECK(reader.Text().empty());
+  ControllerRecords records;
+  if (!CHECK(UnpackDescription(records, {bytes, 689}, 3))) return;
+  CHECK(records.title == "Zarn EC Keyboard Device" && records.maker_name == "Zarn");
+  std::string modes;
+  for (const ModeRecord& mode : records.mode_list) modes += mode.label + " ";
+  CHECK(modes == "Direct STATIC BREATHING NEON WAVE SHIFTING ZOOM METEOR TWINKLING ");
+  CHECK(records.zone_list.size() == 1 && records.zone_list[0].label == "Keyboard Backlight zone");
+  CHECK(records.led_list.empty() && records.color_table.empty());
+  const PackedBuffer again = PackDescription(records, 3);
+  CHECK(again.size == 689 && std::equal(again.bytes.get(), again.bytes.get() + again.size, bytes));
+}
 
-  if (!CHECK(reader.Number(2) == kModes.size())) return;
-  CHECK(reader.Number(4) == 0);
-  for (const char* const label : kModes) {
-    CHECK(reader.Text() == label);
-    reader.Skip(std::size_t{12} * 4);
-    reader.Skip(reader.Number(2) * std::size_t{4});
-  }
-
-  if (!CHECK(reader.Number(2) == 1)) return;
-  CHECK(reader.Text() == "Keyboard Backlight zone");
-  CHECK(reader.Number(4) == 1);
-  for (int led_count = 0; led_count < 3; ++led_count) CHECK(reader.Number(4) == 0);
-  CHECK(reader.Number(2) == 0);
-
-  CHECK(reader.Number(2) == 0);
-  CHECK(reader.Number(2) == 0);
-  CHECK(reader.position() == kTotalSize);
+void CheckDiscovery(HMODULE library) {
+  const auto check = Export<decltype(&CheckDeviceStatus)>(library, "CheckDeviceStatus");
+  if (!CHECK(check != nullptr)) return;
+  std::wstring names = L"as it was";
+  std::wstring hardware_id = names;
+  std::wstring usage_page = names;
+  std::uint32_t interface_type = 0;
+  CHECK(check(names, interface_type, hardware_id, usage_page) == 0);
+  CHECK(names == L"as it was" && interface_type == 3 && hardware_id.empty() && usage_page.empty());
 }
 
 void DriveController(RGBControllerInterface* controller) {
@@ -125,12 +96,7 @@ void DriveController(RGBControllerInterface* controller) {
 
   const std::unique_ptr<std::uint8_t[]> mode(
       CallSlot<std::uint8_t*>(controller, kPackModePacket, std::int32_t{2}, std::uint32_t{3}));
-  if (CHECK(mode != nullptr)) {
-    Reader reader(mode.get());
-    reader.Skip(4);
-    CHECK(reader.Number(4) == 2);
-    CHECK(reader.Text() == "BREATHING");
-  }
+  CHECK(mode != nullptr && mode[4] == 2 && std::memcmp(&mode[8], "\x0A\0BREATHING", 12) == 0);
 
   CallSlot<void>(controller, kStoreLedColor, std::uint32_t{0}, std::uint32_t{0xFF});
   CHECK(CallSlot<std::uint32_t>(controller, kFetchLedColor, std::uint32_t{0}) == 0);
@@ -145,9 +111,10 @@ void LoadDriveUnload() {
   const HMODULE library = LoadLibraryW(path.c_str());
   if (!CHECK(library != nullptr)) return;
 
-  const auto create_controller =
-      Export<ZarnECKeyboardController* (*)()>(library, "CreateZarnECKeyboardControllerClassInstance");
-  const auto create_generic_controller = Export<RGBControllerInterface* (*)(ZarnECKeyboardController*)>(
+  CheckDiscovery(library);
+  const auto create_controller = Export<decltype(&CreateZarnECKeyboardControllerClassInstance)>(
+      library, "CreateZarnECKeyboardControllerClassInstance");
+  const auto create_generic_controller = Export<decltype(&CreateRGBController_ZarnECKeyboardClassInstance)>(
       library, "CreateRGBController_ZarnECKeyboardClassInstance");
   if (!CHECK(create_controller != nullptr) || !CHECK(create_generic_controller != nullptr)) return;
 

@@ -81,8 +81,12 @@ TEST_F(CommandLine, NothingToLightExitsWithThree) {
       "devices --machine " + WriteProfile("title = 'Plain'\nfirmware.version = '2.91'\nkeyboard = {zones = "
                                           "4, rgb = false}\n[[hid_keyboard]]\nzones = 4\nanswers = false\n"),
       3,
-      "discovery reports no lighting device on the notebook \"Plain\" (keyboard, HID keyboard); use another "
-      "--machine");
+      "HID keyboard 1, GetFeature: report 0xa1 cannot be read\nzarnctl: discovery reports no lighting device on the "
+      "notebook \"Plain\" (keyboard, HID keyboard); use another --machine");
+  const Outcome halved = Run("devices --machine " + WriteProfile("title = 'Halved'\n[[hid_keyboard]]\nzones = 4\n"
+                                                                 "[[hid_keyboard]]\nzones = 4\nanswers = false\n"));
+  EXPECT_EQ(halved.exit_code, 4);
+  EXPECT_EQ(halved.err, "zarnctl: HID keyboard 2, GetFeature: report 0xa1 cannot be read\n");
 }
 
 TEST_F(CommandLine, WhatCannotBeLoadedOrWrittenExitsWithOne) {

@@ -1,0 +1,113 @@
+/// The EC devices where a profile cannot lead: odd records, odd answers, firmware that holds a call.
+
+#include <gtest/gtest.h>
+
+#include <latch>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/plugin/plugin_fixture.h"
+
+namespace test {
+namespace {
+
+class EcKeyboard : public PluginTest {
+ protected:
+  using Items = std::vector<std::pair<int, int>>;
+
+  EcKeyboard() { UseFirmware(2, 91, {{8, 4}}); }
+
+  void UseFirmware(std::uint8_t major, std::uint8_t minor, const Items& items) {
+    machine->SetSmbios(TableWithItems(major, minor, items));
+    keyboard = plugin().Create("ZarnECKeyboard");
+  }
+  ControllerRecords Describe() const {
+    ControllerRecords records;
+    EXPECT_TRUE(UnpackDescription(records, Take(keyboard->PackDescription(3)), 3));
+    return records;
+  }
+
+  std::unique_ptr<RGBControllerInterface> keyboard;
+};
+
+TEST_F(EcKeyboard, ZonesFollowTheFirmwaresRecord) {
+  const std::pair<Items, std::size_t> cases[] = {
+      {{{8, 1}}, 1}, {{{10, 2}, {8, 3}, {8, 4}}, 3},  // the first item counts
+      {{{8, 0}}, 0}, {{{8, 2}}, 0},                   //
+      {{{8, 5}}, 0}, {{{8, 0x0104}}, 0},              //
+      {{}, 0}};
+  for (const auto& [items, leds] : cases) {
+    UseFirmware(3, 0, items);
+    const ControllerRecords records = Describe();
+    EXPECT_EQ(records.zone_list.size(), 1U);
+    EXPECT_EQ(records.led_list.size(), leds);
+    EXPECT_EQ(records.color_table.size(), leds);
+  }
+}
+
+TEST_F(EcKeyboard, TheFirstLightBarItemMakesTheGlobalLightsTarget) {
+  const std::pair<Items, std::uint8_t> cases[] = {
+      {{{23, 1}}, 3}, {{{8, 4}, {23, 1}, {23, 2}}, 3}, {{{23, 2}, {23, 1}}, 1}, {{{23, 5}}, 1}, {{}, 1}};
+  for (const auto& [items, target] : cases) {
+    machine->SetSmbios(TableWithItems(2, 91, items));
+    const auto light = plugin().Create("ZarnECGlobal");
+    light->UnpackModePacket(Take(light->PackModePacket(3, 3)).data(), 3);
+    machine->TakeCalls();
+    light->WriteModeToDevice();
+    EXPECT_EQ(std::get<Bytes>(machine->TakeCalls().at(0).input).at(9), target);
+  }
+}
+
+TEST_F(EcKeyboard, RecordsMayBeChangedWhileTheFirmwareHoldsAPush) {
+  std::latch inside(1);
+  std::latch go_on(1);
+  machine->answer = [&](const FirmwareCall&) {
+    inside.count_down();
+    go_on.wait();
+    return FirmwareAnswer{S_OK, {{L"gmOutput", std::uint32_t{0}}}};
+  };
+  keyboard->UnpackModePacket(Take(keyboard->PackModePacket(2, 3)).data(), 3);
+  std::thread host([&] { keyboard->WriteModeToDevice(); });
+  inside.wait();
+  keyboard->StoreLedColor(0, 5);
+  keyboard->UnpackDescription(Take(keyboard->PackDescription(3)).data(), 3);
+  keyboard->SelectFirstMode();
+  EXPECT_EQ(Describe().mode_list.size(), 18U);
+  go_on.count_down();
+  host.join();
+}
+
+TEST_F(EcKeyboard, ColourPathLogsItsStepsBytesAndOutcomes) {
+  UseFirmware(2, 85, {{8, 1}});
+  SwitchLogOn();
+  keyboard->StoreLedColor(0, 0xC0B0A0);
+  machine->answer = [](const FirmwareCall& call) {
+    return FirmwareAnswer{S_OK, {{L"gmOutput", std::uint32_t{call.method == L"SetGamingLED" ? 0xABCU : 0x80000001U}}}};
+  };
+  keyboard->WriteColorsToDevice();
+  std::string switches = LogLine("SendColors", "WMI stSMBiosType172: 2.85");
+  for (std::size_t i = 0; const char* const byte : {"0x08", "0x00", "0x00", "0x00", "0x00", "0x01", "0x00", "0x00"}) {
+    switches +=
+        LogLine("SetKeyboardOnOff", "WMI SetGamingLEDBehaviorFunction input[" + std::to_string(i++) + "]: " + byte);
+  }
+  std::string brightness;
+  for (std::size_t i = 0;
+       const char* const byte : {"0x0", "0x0", "0x32", "0x0", "0x0", "0x0", "0x0", "0x0", "0x3", "0x1"}) {
+    brightness += LogLine("SetKeyboardBrightness",
+                          "ECKeyboard::SetGamingKbbacklightFunction() input[" + std::to_string(i++) + "]:" + byte);
+  }
+  const std::string color =
+      LogLine("SetKeyboardColor", "ECKeyboard::SetGamingRgbKbSettingFunction() Zone1, input: 0xC0B0A001");
+  EXPECT_EQ(NewLog(),
+            switches + LogLine("SetKeyboardOnOff", "WMI SetGamingLEDBehaviorFunction output : 0xABC") + brightness +
+                LogLine("SetKeyboardBrightness", "WMI SetGamingKbbacklightFunction output : 0xFFFFFFFF80000001") +
+                color);
+  machine->has_firmware = false;
+  keyboard->WriteColorsToDevice();
+  EXPECT_EQ(NewLog(), switches + LogLine("SetKeyboardOnOff", "SetGamingLEDBehaviorFunction is fail!!") + brightness +
+                          LogLine("SetKeyboardBrightness", "SetGamingKbbacklightFunction is fail!!") + color);
+}
+
+}  // namespace
+}  // namespace test
