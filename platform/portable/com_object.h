@@ -5,7 +5,6 @@
 #pragma once
 
 #include <atomic>
-#include <memory>
 
 #include "platform/portable/live_counters.h"
 #include "platform/portable/platform_call.h"

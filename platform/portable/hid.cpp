@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 
 #include "platform/portable/device_handles.h"
 #include "platform/portable/live_counters.h"
@@ -58,15 +59,22 @@ BOOLEAN GetPreparsedData(HANDLE handle, PHIDP_PREPARSED_DATA* preparsed) {
   return TRUE;
 }
 
+/// The interface that `preparsed` describes, or nothing with a complaint.
+std::optional<Interface> RequireData(const char* call, PHIDP_PREPARSED_DATA preparsed) {
+  auto interface = Preparsed().Find(preparsed);
+  if (!interface) Complain(std::string(call) + " of data that is not there");
+  return interface;
+}
+
 NTSTATUS GetCaps(PHIDP_PREPARSED_DATA preparsed, PHIDP_CAPS caps) {
-  const auto interface = Preparsed().Find(preparsed);
+  const auto interface = RequireData("HidP_GetCaps", preparsed);
   if (!interface || caps == nullptr) return HIDP_STATUS_INVALID_PREPARSED_DATA;
   *caps = (*interface)->collection.caps;
   return HIDP_STATUS_SUCCESS;
 }
 
 NTSTATUS GetValueCaps(HIDP_REPORT_TYPE type, PHIDP_VALUE_CAPS caps, PUSHORT length, PHIDP_PREPARSED_DATA preparsed) {
-  const auto interface = Preparsed().Find(preparsed);
+  const auto interface = RequireData("HidP_GetValueCaps", preparsed);
   if (!interface || length == nullptr) return HIDP_STATUS_INVALID_PREPARSED_DATA;
   const auto& kinds = (*interface)->collection.values;
   const auto kind = static_cast<std::size_t>(type);

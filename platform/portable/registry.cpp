@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <optional>
 #include <string>
 
 #include "platform/portable/live_counters.h"

@@ -77,26 +77,6 @@ struct UsageRun {
   std::optional<USAGE> page;  // when the item named it; otherwise the main item's page counts
 };
 
-/// String or designator indexes.
-struct IndexRuns {
-  std::vector<Run> runs;
-  std::uint32_t minimum = 0;
-
-  /// They only decorate, and a kernel does not look at them: what makes no sense is passed over.
-  void Add(std::uint32_t first, std::uint32_t last) {
-    if (first <= last && last <= kMost16Bits) runs.push_back({first, last - first + 1});
-  }
-
-  /// The indexes of up to `count` controls from `control` on, as far as they are consecutive.
-  Run For(std::uint32_t control, std::uint32_t count) const {
-    for (const Run& run : runs) {
-      if (control < run.count) return {run.first + control, std::min(count, run.count - control)};
-      control -= run.count;
-    }
-    return {};
-  }
-};
-
 struct Globals {
   USAGE usage_page = 0;
   std::int32_t logical_min = 0;
@@ -114,8 +94,6 @@ struct Locals {
   std::vector<UsageRun> usages;
   std::uint32_t usage_count = 0;
   Item usage_minimum;
-  IndexRuns strings;
-  IndexRuns designators;
   bool delimited = false;
   std::size_t alternatives = 0;  // in the open delimiter, so far
 
@@ -148,7 +126,7 @@ constexpr std::array<KindCaps, 3> kKindCaps = {{
 
 class Parser {
  public:
-  Refusal Heed(const Item& item);
+  Refusal Take(const Item& item);
   Refusal Finish() const;
   std::vector<HidCollection> TakeCollections() { return std::move(collections_); }
 
@@ -160,7 +138,7 @@ class Parser {
   };
   struct ItemRow {
     std::uint8_t kind;
-    Refusal (Parser::*heed)(const Item&);
+    Refusal (Parser::*take)(const Item&);
   };
   static const ItemRow kItems[];
 
@@ -191,21 +169,6 @@ class Parser {
   Refusal AddUsage(const Item& item);
   Refusal SetUsageMinimum(const Item& item);
   Refusal SetUsageMaximum(const Item& item);
-  template <auto kIndexes>
-  Refusal AddIndex(const Item& item) {
-    if (!locals_.Surplus()) (locals_.*kIndexes).Add(item.value, item.value);
-    return kSound;
-  }
-  template <auto kIndexes>
-  Refusal SetIndexMinimum(const Item& item) {
-    (locals_.*kIndexes).minimum = item.value;
-    return kSound;
-  }
-  template <auto kIndexes>
-  Refusal SetIndexMaximum(const Item& item) {
-    if (!locals_.Surplus()) (locals_.*kIndexes).Add((locals_.*kIndexes).minimum, item.value);
-    return kSound;
-  }
   Refusal Delimit(const Item& item);
 
   Refusal AddUsages(const UsageRun& run);
@@ -247,21 +210,16 @@ const Parser::ItemRow Parser::kItems[] = {
     {0x08, &Parser::AddUsage},
     {0x18, &Parser::SetUsageMinimum},
     {0x28, &Parser::SetUsageMaximum},
-    {0x38, &Parser::AddIndex<&Locals::designators>},
-    {0x48, &Parser::SetIndexMinimum<&Locals::designators>},
-    {0x58, &Parser::SetIndexMaximum<&Locals::designators>},
-    {0x78, &Parser::AddIndex<&Locals::strings>},
-    {0x88, &Parser::SetIndexMinimum<&Locals::strings>},
-    {0x98, &Parser::SetIndexMaximum<&Locals::strings>},
     {0xA8, &Parser::Delimit},
 };
 
-Refusal Parser::Heed(const Item& item) {
+Refusal Parser::Take(const Item& item) {
   const auto* const row = std::ranges::find(kItems, item.kind, &ItemRow::kind);
-  // A kernel passes over what it does not know, but for global items: these may change what the rest means.
+  // A kernel passes over what it does not know, designators and strings among it, which only decorate; but not over
+  // unknown global items, which may change what the rest means.
   const bool known = row != std::end(kItems);
   if (!known && item.Type() == ItemType::Global) return "unknown global item";
-  const Refusal refusal = known ? (this->*row->heed)(item) : kSound;
+  const Refusal refusal = known ? (this->*row->take)(item) : kSound;
   if (item.Type() == ItemType::Main) locals_ = {};
   return refusal;
 }
@@ -396,23 +354,14 @@ Refusal Parser::TakeBits(HIDP_REPORT_TYPE kind) {
 }
 
 /// A single number lies where a run's first does, with nothing where its last would be.
-void SetRun(const Run& run, USHORT& first, USHORT& last, bool is_range) {
-  if (run.count == 0) return;
-  first = Low16(run.first);
-  if (is_range) last = Low16(run.first + run.count - 1);
-}
-
-void SetRuns(HIDP_VALUE_CAPS& caps, const Run& usages, const Run& data_indexes, const Run& strings,
-             const Run& designators) {
-  const bool is_range = usages.count > 1;
+void SetRuns(HIDP_VALUE_CAPS& caps, const Run& usages, const Run& data_indexes) {
   caps.Range = {};
-  caps.IsRange = Flag(is_range);
-  caps.IsStringRange = Flag(strings.count > 1);
-  caps.IsDesignatorRange = Flag(designators.count > 1);
-  SetRun(usages, caps.Range.UsageMin, caps.Range.UsageMax, is_range);
-  SetRun(data_indexes, caps.Range.DataIndexMin, caps.Range.DataIndexMax, is_range);
-  SetRun(strings, caps.Range.StringMin, caps.Range.StringMax, strings.count > 1);
-  SetRun(designators, caps.Range.DesignatorMin, caps.Range.DesignatorMax, designators.count > 1);
+  caps.IsRange = Flag(usages.count > 1);
+  caps.Range.UsageMin = Low16(usages.first);
+  caps.Range.DataIndexMin = Low16(data_indexes.first);
+  if (usages.count == 1) return;
+  caps.Range.UsageMax = Low16(usages.first + usages.count - 1);
+  caps.Range.DataIndexMax = Low16(data_indexes.first + data_indexes.count - 1);
 }
 
 /// Shares the field's values out among the usages: each usage has one, the last has all that are left. In an array
@@ -437,8 +386,7 @@ Refusal Parser::AddControls(HIDP_REPORT_TYPE kind, std::uint32_t flags) {
       ++(collection.caps.*kKindCaps[kind].values);
       caps.UsagePage = PageOf(usage);
       caps.ReportCount = Low16(share);
-      SetRuns(caps, {usage.ids.first, usages}, {data_indexes, usages}, locals_.strings.For(done, share),
-              locals_.designators.For(done, share));
+      SetRuns(caps, {usage.ids.first, usages}, {data_indexes, usages});
       collection.values[kind].push_back(caps);
     }
     data_indexes = Low16(data_indexes + usages);
@@ -479,7 +427,7 @@ ReportDescriptor ParseReportDescriptor(std::span<const std::uint8_t> descriptor)
     const std::size_t offset = descriptor.size() - rest.size();
     const std::optional<Item> item = TakeItem(rest);
     if (!item) return refused(offset, "item that runs past the end");
-    if (const Refusal refusal = parser.Heed(*item)) return refused(offset, refusal);
+    if (const Refusal refusal = parser.Take(*item)) return refused(offset, refusal);
   }
   if (const Refusal refusal = parser.Finish()) return refused(descriptor.size(), refusal);
   return {parser.TakeCollections(), {}};

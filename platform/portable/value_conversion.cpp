@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <limits>
-#include <utility>
 #include <variant>
 
 #include "platform/portable/variant_value.h"

@@ -75,6 +75,29 @@ class Case : public ::testing::Test {
     return labels;
   }
 
+  /// Label, code, capabilities, ranges of speed, brightness and colours, the settings, the colour source and the
+  /// colours.
+  static Lines ModesInNumbers(const Device& device) {
+    Lines lines;
+    for (const ModeRecord& mode : Describe(device).mode_list) {
+      std::string line = mode.label;
+      for (const std::uint32_t number :
+           {static_cast<std::uint32_t>(mode.hw_code), mode.capabilities, mode.speed_lowest, mode.speed_highest,
+            mode.brightness_lowest, mode.brightness_highest, mode.color_count_least, mode.color_count_most,
+            mode.speed_setting, mode.brightness_setting, mode.direction_setting, mode.color_source}) {
+        line += " " + std::to_string(number);
+      }
+      for (const PackedColor color : mode.mode_colors) line += " #" + std::to_string(color);
+      lines.push_back(line);
+    }
+    return lines;
+  }
+  /// Title, maker and caption; the other texts must be empty.
+  static Lines Names(const ControllerRecords& records) {
+    EXPECT_EQ(records.info_text_1 + records.info_text_2 + records.info_text_3, "");
+    return {records.title, records.maker_name, records.caption};
+  }
+
   /// Sends a mode packet and applies the mode on this thread.
   static void Choose(const Device& device, const std::string& label, const Setting& setting = {}) {
     ControllerRecords records = Describe(device);

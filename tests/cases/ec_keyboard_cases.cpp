@@ -3,7 +3,6 @@
 #include <limits>
 
 #include "tests/cases/case.h"
-#include "tests/support/hex.h"
 
 namespace test {
 namespace {
@@ -26,53 +25,26 @@ class EcKeyboardCase : public Case {
   Device keyboard;
 };
 
-/// The description of the four-zone keyboard behind its total_size; what stands between <1 and > is there from version
-/// 1 on, between <3 and > from version 3 on.
-std::string DescriptionText() {
-  const std::string speed_and_brightness = "01 00 00 00 09 00 00 00 <3 00 00 00 00 64 00 00 00 > ";
-  const std::string settings = "05 00 00 00 <3 32 00 00 00 > 00 00 00 00 ";
-  const std::string no_colors = speed_and_brightness + "00 00 00 00 00 00 00 00 " + settings + "00 00 00 00 00 00 ";
-  const std::string one_color =
-      speed_and_brightness + "01 00 00 00 01 00 00 00 " + settings + "02 00 00 00 01 00 00 00 00 00 ";
-  const std::string led = "1a 00 4b 65 79 62 6f 61 72 64 20 42 61 63 6b 6c 69 67 68 74 20 7a 6f 6e 65 20 ";
-  return "05 00 00 00 18 00 5a 61 72 6e 20 45 43 20 4b 65 79 62 6f 61 72 64 20 44 65 76 69 63 65 00 "
-         "<1 05 00 5a 61 72 6e 00 > 18 00 5a 61 72 6e 20 45 43 20 4b 65 79 62 6f 61 72 64 20 44 65 76 69 63 65 00 "
-         "01 00 00 01 00 00 01 00 00 09 00 00 00 00 00 "
-         "07 00 44 69 72 65 63 74 00 ff 00 00 00 30 00 00 00 00 00 00 00 00 00 00 00 <3 00 00 00 00 64 00 00 00 > "
-         "00 00 00 00 00 00 00 00 00 00 00 00 <3 32 00 00 00 > 00 00 00 00 01 00 00 00 00 00 "
-         "07 00 53 54 41 54 49 43 00 00 00 00 00 51 00 00 00 " +
-         one_color + "0a 00 42 52 45 41 54 48 49 4e 47 00 01 00 00 00 51 00 00 00 " + one_color +
-         "05 00 4e 45 4f 4e 00 02 00 00 00 11 00 00 00 " + no_colors + "05 00 57 41 56 45 00 03 00 00 00 1f 00 00 00 " +
-         no_colors + "09 00 53 48 49 46 54 49 4e 47 00 04 00 00 00 53 00 00 00 " + one_color +
-         "05 00 5a 4f 4f 4d 00 05 00 00 00 51 00 00 00 " + one_color +
-         "07 00 4d 45 54 45 4f 52 00 06 00 00 00 51 00 00 00 " + one_color +
-         "0a 00 54 57 49 4e 4b 4c 49 4e 47 00 07 00 00 00 51 00 00 00 " + one_color +
-         "01 00 18 00 4b 65 79 62 6f 61 72 64 20 42 61 63 6b 6c 69 67 68 74 20 7a 6f 6e 65 00 "
-         "01 00 00 00 04 00 00 00 04 00 00 00 04 00 00 00 00 00 04 00 " +
-         led + "31 00 00 00 00 00 " + led + "32 00 00 00 00 00 " + led + "33 00 00 00 00 00 " + led +
-         "34 00 00 00 00 00 04 00 ff 00 00 00 00 ff 00 00 00 00 ff 00 ff ff ff 00 ";
-}
-
-std::vector<std::uint8_t> DescriptionAt(std::uint32_t version, const std::string& total_size) {
-  std::string text = DescriptionText();
-  for (std::size_t open = text.find('<'); open != std::string::npos; open = text.find('<')) {
-    const std::size_t close = text.find('>', open);
-    const bool there = version >= static_cast<std::uint32_t>(text[open + 1] - '0');
-    text.replace(open, close - open + 1, there ? text.substr(open + 2, close - open - 2) : "");
-  }
-  return Hex(total_size + " " + text);
-}
-
-TEST_F(EcKeyboardCase, DescriptionHasItsBytesAtEveryVersion) {
+TEST_F(EcKeyboardCase, DescribesItsZonesAndModes) {
   CreateKeyboard("four-zone");
-  keyboard->StoreLedColor(0, 0x0000FF);
-  keyboard->StoreLedColor(1, 0x00FF00);
-  keyboard->StoreLedColor(2, 0xFF0000);
-  keyboard->StoreLedColor(3, 0xFFFFFF);
-  EXPECT_EQ(Take(keyboard->PackDescription(0)), DescriptionAt(0, "ce 02 00 00"));
-  EXPECT_EQ(Take(keyboard->PackDescription(1)), DescriptionAt(1, "d5 02 00 00"));
-  EXPECT_EQ(Take(keyboard->PackDescription(3)), DescriptionAt(3, "41 03 00 00"));
-  EXPECT_EQ(Wire(), Lines{});
+  const ControllerRecords records = Describe(keyboard);
+  EXPECT_EQ(Names(records), (Lines{"Zarn EC Keyboard Device", "Zarn", "Zarn EC Keyboard Device"}));
+  EXPECT_EQ(records.hw_kind, 5);
+  EXPECT_EQ(ModesInNumbers(keyboard),
+            (Lines{"Direct 255 48 0 0 0 100 0 0 0 50 0 1", "STATIC 0 81 1 9 0 100 1 1 5 50 0 2 #0",
+                   "BREATHING 1 81 1 9 0 100 1 1 5 50 0 2 #0", "NEON 2 17 1 9 0 100 0 0 5 50 0 0",
+                   "WAVE 3 31 1 9 0 100 0 0 5 50 0 0", "SHIFTING 4 83 1 9 0 100 1 1 5 50 0 2 #0",
+                   "ZOOM 5 81 1 9 0 100 1 1 5 50 0 2 #0", "METEOR 6 81 1 9 0 100 1 1 5 50 0 2 #0",
+                   "TWINKLING 7 81 1 9 0 100 1 1 5 50 0 2 #0"}));
+  ASSERT_EQ(records.zone_list.size(), 1U);
+  const ZoneRecord& zone = records.zone_list[0];
+  EXPECT_TRUE(zone.label == "Keyboard Backlight zone" && zone.zone_kind == 1 && zone.grid == nullptr);
+  EXPECT_TRUE(zone.led_total == 4 && zone.led_total_min == 4 && zone.led_total_max == 4);
+  ASSERT_EQ(records.led_list.size(), 4U);
+  EXPECT_TRUE(records.led_list[3].label == "Keyboard Backlight zone 4" && records.led_list[3].hw_code == 0);
+  EXPECT_EQ(records.color_table, std::vector<PackedColor>(4));
+  const std::pair<std::uint32_t, std::size_t> sizes[] = {{0, 0x2CE}, {1, 0x2D5}, {2, 0x2D5}, {3, 0x341}};
+  for (const auto& [version, size] : sizes) EXPECT_EQ(Take(keyboard->PackDescription(version)).size(), size);
 }
 
 TEST_F(EcKeyboardCase, ColourPathSwitchesZonesThenSetsBrightnessThenColours) {

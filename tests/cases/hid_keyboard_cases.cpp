@@ -23,39 +23,23 @@ class HidKeyboardCase : public Case {
   }
   void CreateKeyboard(std::uint16_t zones, std::uint32_t effects) { CreateKeyboard(HidProfile(zones, effects)); }
 
-  static std::string InNumbers(const ModeRecord& mode) {
-    std::string text = mode.label;
-    for (const std::uint32_t number :
-         {static_cast<std::uint32_t>(mode.hw_code), mode.capabilities, mode.speed_lowest, mode.speed_highest,
-          mode.brightness_lowest, mode.brightness_highest, mode.color_count_least, mode.color_count_most,
-          mode.speed_setting, mode.brightness_setting, mode.direction_setting, mode.color_source}) {
-      text += " " + std::to_string(number);
-    }
-    for (const PackedColor color : mode.mode_colors) text += " #" + std::to_string(color);
-    return text;
-  }
-
   Device keyboard;
 };
 
 TEST_F(HidKeyboardCase, DescribesItselfByWhatTheKeyboardSupports) {
   CreateKeyboard(4, 0x7FF8);
   const ControllerRecords records = Describe(keyboard);
-  EXPECT_EQ(records.title, "Zarn HID Keyboard Device");
-  EXPECT_EQ(records.maker_name, "zarn");
-  EXPECT_EQ(records.caption, "zarn HID Keyboard Device");
-  EXPECT_EQ(records.info_text_1 + records.info_text_2 + records.info_text_3, "");
+  EXPECT_EQ(Names(records), (Lines{"Zarn HID Keyboard Device", "zarn", "zarn HID Keyboard Device"}));
   EXPECT_EQ(records.hw_kind, 5);
   EXPECT_EQ(records.current_mode, 0);
-  Lines modes;
-  for (const ModeRecord& mode : records.mode_list) modes.push_back(InNumbers(mode));
-  EXPECT_EQ(modes, (Lines{"Direct 255 48 0 0 0 100 0 0 0 50 0 1", "STATIC 0 80 0 0 0 100 1 1 0 50 0 2 #0",
-                          "BREATHING 1 81 1 9 0 100 1 1 5 50 0 2 #0", "NEON 2 17 1 9 0 100 1 1 5 50 0 0 #0",
-                          "OPMODE 34 64 0 0 0 0 1 1 0 0 0 2 #0", "WAVE 3 19 1 9 0 100 1 1 5 50 0 0 #0",
-                          "SHIFTING 4 83 1 9 0 100 1 1 5 50 0 2 #0", "ZOOM 5 81 1 9 0 100 1 1 5 50 0 2 #0",
-                          "METEOR 6 81 1 9 0 100 1 1 5 50 0 2 #0", "TWINKLING 7 81 1 9 0 100 1 1 5 50 0 2 #0",
-                          "RIPPLE 8 17 1 9 0 100 0 0 5 50 0 0", "SNAKE 9 17 1 9 0 100 0 0 5 50 0 0",
-                          "DISCO 10 17 1 9 0 100 0 0 5 50 0 0", "COMBO 11 17 1 9 0 100 0 0 5 50 0 0"}));
+  EXPECT_EQ(ModesInNumbers(keyboard),
+            (Lines{"Direct 255 48 0 0 0 100 0 0 0 50 0 1", "STATIC 0 80 0 0 0 100 1 1 0 50 0 2 #0",
+                   "BREATHING 1 81 1 9 0 100 1 1 5 50 0 2 #0", "NEON 2 17 1 9 0 100 1 1 5 50 0 0 #0",
+                   "OPMODE 34 64 0 0 0 0 1 1 0 0 0 2 #0", "WAVE 3 19 1 9 0 100 1 1 5 50 0 0 #0",
+                   "SHIFTING 4 83 1 9 0 100 1 1 5 50 0 2 #0", "ZOOM 5 81 1 9 0 100 1 1 5 50 0 2 #0",
+                   "METEOR 6 81 1 9 0 100 1 1 5 50 0 2 #0", "TWINKLING 7 81 1 9 0 100 1 1 5 50 0 2 #0",
+                   "RIPPLE 8 17 1 9 0 100 0 0 5 50 0 0", "SNAKE 9 17 1 9 0 100 0 0 5 50 0 0",
+                   "DISCO 10 17 1 9 0 100 0 0 5 50 0 0", "COMBO 11 17 1 9 0 100 0 0 5 50 0 0"}));
   ASSERT_EQ(records.zone_list.size(), 1U);
   const ZoneRecord& zone = records.zone_list[0];
   EXPECT_EQ(zone.label, "Keyboard Backlight zone");

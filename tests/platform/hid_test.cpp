@@ -149,6 +149,7 @@ TEST_F(Hid, ValueCapabilitiesOutliveTheHandleAndEndWithTheirData) {
   EXPECT_EQ(HidP_GetValueCaps(HidP_Input, caps, &count, preparsed), MakeNtStatus(0xC0110004));
   EXPECT_TRUE(HidD_FreePreparsedData(preparsed));
   EXPECT_EQ(HidP_GetValueCaps(HidP_Feature, caps, &count, preparsed), MakeNtStatus(0xC0110001));
+  EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{"HidP_GetValueCaps of data that is not there"});
 }
 
 TEST_F(Hid, WhatIsClosedCannotBeUsedOrClosedAgain) {

@@ -1,7 +1,5 @@
-#include <atomic>
 #include <filesystem>
 #include <stdexcept>
-#include <thread>
 
 #include "platform/registry.h"
 #include "platform/system.h"
@@ -51,20 +49,6 @@ TEST_F(InstrumentsTest, EmptySuccessHandsNothingBack) {
   EXPECT_EQ(session.Query(L"SELECT * FROM ZarnGamingFunction"), nullptr);
   EXPECT_EQ(session.status, S_OK);
   EXPECT_EQ(platform::DisarmFaults(), 1U);
-}
-
-TEST_F(InstrumentsTest, FaultsAreCountedOverAllThreads) {
-  platform::ArmFaults({.first = 10, .reach = FaultPlan::Reach::FromThere});
-  std::atomic<unsigned> failed = 0;
-  std::thread callers[4];
-  for (std::thread& caller : callers) {
-    caller = std::thread([&] {
-      for (int i = 0; i < 25; ++i) failed += test::MakeText(L"x") == nullptr ? 1 : 0;
-    });
-  }
-  for (std::thread& caller : callers) caller.join();
-  EXPECT_EQ(failed, 91U);
-  EXPECT_EQ(platform::DisarmFaults(), 91U);
 }
 
 TEST_F(InstrumentsTest, WhatMachineOrJournalThrowsDoesNotReachTheCaller) {

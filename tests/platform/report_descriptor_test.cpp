@@ -172,9 +172,9 @@ TEST(ReportDescriptorParser, UsagesShareTheValuesOfAField) {
       {"09 30 05 0c b1 02", {"0 c:30 8x1 @0"}},  // the page in force at the main item
       {"a9 01 09 30 09 31 19 01 29 09 a9 00 09 32 95 02 b1 02", {"0 ff00:30 8x1 @0", "0 ff00:32 8x1 @1"}},
       {"a9 01 09 30 a9 00 a9 01 09 31 09 32 a9 00 95 02 b1 02", {"0 ff00:30 8x1 @0", "0 ff00:31 8x1 @1"}},
-      {"fe 03 c0 c0 c0 c0 09 30 fe 00 00 b1 02 fc", {"0 ff00:30 8x1 @0"}},  // long and reserved items
-      {"09 30 d0 09 31 b1 02 fb 01 02 03 04 c9 05", {"0 ff00:31 8x1 @0"}},  // unknown main and local items
-      {"08 b1 02", {"0 ff00:0 8x1 @0"}},                                    // items without data
+      {"fe 03 c0 c0 c0 c0 09 30 39 07 79 04 fe 00 00 b1 02 fc", {"0 ff00:30 8x1 @0"}},  // long, reserved, decoration
+      {"09 30 d0 09 31 b1 02 fb 01 02 03 04 c9 05", {"0 ff00:31 8x1 @0"}},              // unknown main and local items
+      {"08 b1 02", {"0 ff00:0 8x1 @0"}},                                                // items without data
   };
   for (const auto& c : kCases) EXPECT_EQ(Values(Around(c.items)), c.values) << c.items;
   EXPECT_EQ(Around("b1 02").caps.FeatureReportByteLength, 2);
@@ -202,24 +202,6 @@ TEST(ReportDescriptorParser, GlobalsReachTheRecordAndReturnAfterPop) {
             (std::vector{-128, -1, -1, 1}));
   EXPECT_EQ(wide.BitField, 0x106);
   EXPECT_EQ(wide.IsAbsolute, 0);
-}
-
-TEST(ReportDescriptorParser, StringsAndDesignatorsFollowTheirControls) {
-  const auto values =
-      Around(
-          "09 30 7b 05 00 01 00 79 04 39 07 09 31 79 09 b1 02 95 02 b1 02 95 03 09 32 09 33 79 02 89 10 99 12 b1 02 "
-          "19 40 29 42 49 05 59 07 89 09 99 03 a9 01 09 50 79 01 09 51 79 02 a9 00 b1 02")
-          .values[HidP_Feature];
-  ASSERT_EQ(values.size(), 4U);
-  const auto names = [&](std::size_t i) {
-    const HIDP_VALUE_CAPS& caps = values.at(i);
-    return Indexes(caps.Range.StringMin, caps.Range.StringMax, caps.IsStringRange != FALSE) + " " +
-           Indexes(caps.Range.DesignatorMin, caps.Range.DesignatorMax, caps.IsDesignatorRange != FALSE);
-  };
-  EXPECT_EQ(names(0), "4 7");  // no index has more than 16 bits
-  EXPECT_EQ(names(1), "2 0");
-  EXPECT_EQ(names(2), "10-11 0");  // the last usage has two of the values, and the strings of both
-  EXPECT_EQ(names(3), "1 5-7");    // a backward range names nothing, nor does an alternative
 }
 
 TEST(ReportDescriptorParser, LimitsHoldAndOneBeyondIsRefused) {

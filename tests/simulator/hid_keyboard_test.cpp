@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "platform/portable/hid_api.h"
 #include "simulator/notebook_machine.h"
 #include "tests/support/hex.h"
@@ -39,16 +37,7 @@ class HidKeyboardTest : public ::testing::Test {
   const std::uint64_t connection;
 };
 
-TEST_F(HidKeyboardTest, ItsDescriptorDeclaresEveryFieldOfItsReports) {
-  EXPECT_EQ(keyboard.report_descriptor(),
-            Hex("06 5a ff 0a 01 00 a1 01 15 00 26 ff 00 "
-                "85 a1 09 11 75 08 95 40 b1 02 "
-                "85 a2 09 21 75 08 95 01 b1 02 75 08 95 3f b1 03 "
-                "85 a3 09 30 75 08 95 01 b1 02 09 34 75 08 95 01 b1 02 09 32 75 08 95 01 b1 02 "
-                "09 35 75 10 95 01 b1 02 09 33 75 10 95 01 b1 02 09 31 75 20 95 01 b1 02 75 08 95 35 b1 03 "
-                "85 a4 09 40 75 08 95 01 b1 02 09 41 75 08 95 01 b1 02 09 43 75 08 95 01 b1 02 "
-                "09 42 75 08 95 01 b1 02 09 44 75 08 95 01 b1 02 09 45 75 08 95 01 b1 02 "
-                "09 46 75 08 95 01 b1 02 09 47 75 08 95 01 b1 02 09 48 75 10 95 01 b1 02 75 08 95 36 b1 03 c0"));
+TEST_F(HidKeyboardTest, ItsDescriptorDeclaresTheFieldsOfItsReportsAndPadding) {
   const Bytes narrow = HidKeyboard({.report_length = 4, .base_info = {{0x35, 12}}, .update = {}}).report_descriptor();
   const Bytes end =
       Hex("85 a3 09 30 75 08 95 01 b1 02 09 35 75 0c 95 01 b1 02 75 01 95 04 b1 03 "
@@ -116,13 +105,6 @@ TEST_F(HidKeyboardTest, MisbehavesFromTheExchangeThatWasNamed) {
   EXPECT_EQ(get().result, Result::Done);
 }
 
-TEST_F(HidKeyboardTest, AnUnplugEndsAStall) {
-  keyboard.Misbehave({.kind = Kind::Stall, .stall_ms = 600'000});
-  std::thread stalled([this] { EXPECT_EQ(keyboard.GetFeature(connection, 0xA1).result, Result::Gone); });
-  keyboard.Unplug();
-  stalled.join();
-}
-
 TEST(HidNotebookTest, ExchangesAreOnTheWireInTheOrderInWhichTheyBegan) {
   Profile profile;
   profile.hid_keyboards = {{.zones = 1}, {.product = 7, .plugged = false, .zones = 2}};
@@ -142,15 +124,11 @@ TEST(HidNotebookTest, ExchangesAreOnTheWireInTheOrderInWhichTheyBegan) {
   EXPECT_EQ(opened.connection->SetFeature(Padded("a4 22")), ERROR_GEN_FAILURE);
   notebook->HidKeyboardAt(1).Unplug();
   EXPECT_EQ(opened.connection->GetFeature(report), ERROR_DEVICE_NOT_CONNECTED);
-  const std::vector<WireRecord> wire = notebook->TakeWire();
-  ASSERT_EQ(wire.size(), 3U);
-  EXPECT_EQ(wire[0].method, "GetFeature");
-  EXPECT_EQ(wire[0].hid_keyboard, 1U);
-  EXPECT_EQ(wire[0].input, EcFirmware::Input(Hex("a1")));
-  EXPECT_EQ(wire[1].method, "SetFeature");
-  EXPECT_EQ(wire[1].input, EcFirmware::Input(Padded("a4 22")));
-  EXPECT_EQ(wire[1].refusal, "the report is for device id 0x22, which is not served here");
-  EXPECT_EQ(wire[2].refusal, "the keyboard was unplugged");
+  std::vector<std::string> wire;
+  for (const WireRecord& record : notebook->TakeWire()) wire.push_back(record.method + ": " + record.refusal);
+  EXPECT_EQ(wire, (std::vector<std::string>{
+                      "GetFeature: ", "SetFeature: the report is for device id 0x22, which is not served here",
+                      "GetFeature: the keyboard was unplugged"}));
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 /// A machine for tests of the product: settable, recording, with a clock of its own.
 #pragma once
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>

@@ -138,6 +138,9 @@ TEST_F(CommandLine, TracePrintsHidReports) {
             "trace: HidD_SetFeature \\\\?\\hid#vid_1209&pid_0001#0, a2 21 00 00 00 00 00 00 00 00 00 00 -> 1\n"
             "trace: HidD_GetFeature \\\\?\\hid#vid_1209&pid_0001#0, a3 -> 1, a3 21 01 00 00 00 00 00 00 00 00 00\n"
             "trace: HidD_SetFeature \\\\?\\hid#vid_1209&pid_0001#0, a4 21 02 32 00 00 01 80 ff 01 00 00 -> 1\n");
+  const std::string silent = WriteProfile("title = 'Silent'\n[[hid_keyboard]]\nzones = 1\nanswers = false\n");
+  EXPECT_TRUE(Run("--trace devices --machine " + silent)
+                  .err.starts_with("trace: HidD_GetFeature \\\\?\\hid#vid_1209&pid_0001#0, a1 -> 0, error 31\n"));
 }
 
 TEST_F(CommandLine, PacketLogAndLightsOfOneSetAgree) {
