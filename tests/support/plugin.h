@@ -88,13 +88,14 @@ class FreshPlugin {
   Plugin* operator->() { return &plugin_; }
 
  private:
-  static std::string Copy(const std::filesystem::path& folder) {
-    std::filesystem::copy_file(ZARN_LIGHTING_PATH, folder / "plugin.so");
-    return folder / "plugin.so";
+  static Plugin LoadCopy() {
+    const TemporaryFolder folder;  // which the file that was loaded does not need any more
+    const std::filesystem::path copy = folder.path() / "plugin.so";
+    std::filesystem::copy_file(ZARN_LIGHTING_PATH, copy);
+    return Plugin(copy.c_str());
   }
 
-  const TemporaryFolder folder_;
-  Plugin plugin_{Copy(folder_.path()).c_str()};
+  Plugin plugin_ = LoadCopy();
 };
 
 /// Calls a slot by its position in the virtual table, with the arguments as they are typed here.
