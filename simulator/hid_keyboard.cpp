@@ -103,8 +103,8 @@ std::map<std::uint16_t, std::uint32_t> Unpacked(std::span<const std::uint8_t> da
 
 std::string InHex(std::uint32_t value) {
   std::array<char, 8> digits{};
-  const auto end = std::to_chars(digits.begin(), digits.end(), value, 16).ptr;
-  return "0x" + std::string(digits.begin(), end);
+  const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value, 16).ptr;
+  return "0x" + std::string(digits.data(), static_cast<std::size_t>(end - digits.data()));
 }
 
 Answer Refuse(const std::string& why) { return {Result::Refused, why, {}}; }
@@ -184,9 +184,12 @@ std::optional<Answer> HidKeyboard::BeginExchange(std::uint64_t connection, std::
   ++exchanges_;
   if (!Misbehaves() || misbehaviour_.kind == Misbehaviour::Kind::Short) return std::nullopt;
   if (misbehaviour_.kind == Misbehaviour::Kind::Fail) return Refuse("the keyboard misbehaves");
+  const Misbehaviour::Kind kind = misbehaviour_.kind;
   changed_.wait_for(lock, std::chrono::milliseconds(misbehaviour_.stall_ms),
                     [&, behaviour = behaviour_] { return is_gone() || behaviour_ != behaviour; });
-  return is_gone() ? gone : Answer{Result::NoAnswer, "the keyboard did not answer", {}};
+  if (is_gone()) return gone;
+  if (kind == Misbehaviour::Kind::Late) return std::nullopt;
+  return Answer{Result::NoAnswer, "the keyboard did not answer", {}};
 }
 
 bool HidKeyboard::Misbehaves() const {

@@ -85,6 +85,7 @@ class HidKeyboard {
     enum class Kind {
       Fail,   // the exchange is refused
       Stall,  // it takes `stall_ms` and ends without an answer, sooner by an unplug or by other behaviour
+      Late,   // it is carried out after `stall_ms`
       Short   // of a report that is read only the first two bytes come
     };
     Kind kind = Kind::Fail;

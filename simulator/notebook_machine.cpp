@@ -10,28 +10,15 @@
 
 #include "platform/portable/empty_machine.h"
 #include "platform/portable/hid_api.h"
+#include "platform/portable/registry_values.h"
 #include "platform/portable/text.h"
 #include "platform/portable/wmi_api.h"
-#include "simulator/wide_text.h"
 
 namespace simulator {
 namespace {
 
 using platform::Bytes;
-using platform::EqualsWithoutCase;
-
-/// The entry of `map` called `name`, whatever the case; null when there is none.
-template <typename Map>
-const typename Map::mapped_type* Find(const Map& map, std::wstring_view name) {
-  const auto found =
-      std::ranges::find_if(map, [name](const auto& entry) { return EqualsWithoutCase(entry.first, name); });
-  return found == map.end() ? nullptr : &found->second;
-}
-
-bool IsKeyOrBelow(std::wstring_view key, std::wstring_view parent) {
-  if (key.size() > parent.size() && key[parent.size()] != L'\\') return false;
-  return EqualsWithoutCase(key.substr(0, parent.size()), parent);
-}
+using platform::FindWithoutCase;
 
 LONG CodeOf(HidKeyboard::Result result) {
   switch (result) {
@@ -72,20 +59,16 @@ class NotebookMachine final : public platform::EmptyMachine {
  public:
   explicit NotebookMachine(std::shared_ptr<Notebook> notebook) : notebook_(std::move(notebook)) {}
 
-  bool HasRegistryKey(std::wstring_view key) override {
-    return std::ranges::any_of(profile().registry, [key](const auto& entry) { return IsKeyOrBelow(entry.first, key); });
-  }
+  bool HasRegistryKey(std::wstring_view key) override { return platform::HasKey(profile().registry, key); }
 
   std::optional<Bytes> RegistryValue(std::wstring_view key, std::wstring_view name) override {
-    const auto* const values = Find(profile().registry, key);
-    const auto* const value = values == nullptr ? nullptr : Find(*values, name);
-    return value == nullptr ? std::nullopt : std::optional(*value);
+    return platform::FindValue(profile().registry, key, name);
   }
 
   std::optional<std::wstring> EnvironmentVariable(std::wstring_view name) override {
-    if (const auto* const value = Find(profile().environment, name)) return *value;
+    if (const auto* const value = FindWithoutCase(profile().environment, name)) return *value;
     const char* const own = std::getenv(platform::ReadableUtf8(name).c_str());
-    return own == nullptr ? std::nullopt : std::optional(WideFromUtf8(own));
+    return own == nullptr ? std::nullopt : std::optional(platform::WideFromUtf8(own));
   }
 
   std::optional<std::wstring> UserName() override {
@@ -108,7 +91,7 @@ class NotebookMachine final : public platform::EmptyMachine {
   platform::FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,
                                         const platform::NamedValues& in) override {
     if (instance_name != profile().firmware_instance) return {WBEM_E_NOT_FOUND, {}};
-    const auto* const value = Find(in, L"gmInput");
+    const auto* const value = FindWithoutCase(in, L"gmInput");
     EcFirmware::Input input;
     if (const auto* const bytes = value == nullptr ? nullptr : std::get_if<Bytes>(value)) {
       input = *bytes;

@@ -1,14 +1,14 @@
 #include <mutex>
 #include <utility>
 
-#include "platform/portable/empty_machine.h"
+#include "platform/linux/linux_machine.h"
 #include "platform/portable/instruments.h"
 #include "platform/portable/no_destructor.h"
 
 namespace platform {
 namespace {
 
-std::shared_ptr<Machine> ThisComputer() { return std::make_shared<EmptyMachine>(); }
+std::shared_ptr<Machine> ThisComputer() { return std::make_shared<LinuxMachine>(); }
 
 struct MachineInUse {
   std::mutex mutex;

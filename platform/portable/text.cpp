@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <filesystem>
 
 namespace platform {
 namespace {
@@ -39,6 +40,12 @@ std::string ReadableUtf8(std::wstring_view text) {
     if (!AppendUtf8({&character, 1}, utf8)) utf8 += '?';
   }
   return utf8;
+}
+
+std::wstring WideFromUtf8(std::string_view utf8) {
+  // By way of char32_t, because the direct way obeys the process's locale.
+  const std::u32string characters = std::filesystem::path(utf8).u32string();
+  return {characters.begin(), characters.end()};
 }
 
 bool EqualsWithoutCase(std::wstring_view left, std::wstring_view right) {

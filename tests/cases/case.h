@@ -54,6 +54,7 @@ class Case : public ::testing::Test {
     profile.environment[L"PROGRAMDATA"] = data_folder_->path().wstring();
     notebook = std::make_shared<simulator::Notebook>(std::move(profile));
     TheRoad().Place(notebook);
+    TheRoad().Settle();
     plugin_ = LoadPlugin();
     logged_ = 0;
   }
@@ -148,6 +149,14 @@ class Case : public ::testing::Test {
   }
 
   HidKeyboard& Keyboard(std::size_t index = 0) const { return notebook->HidKeyboardAt(index); }
+  void Unplug(std::size_t index = 0) const {
+    Keyboard(index).Unplug();
+    TheRoad().Settle();
+  }
+  void Plug(std::size_t index = 0) const {
+    Keyboard(index).Plug();
+    TheRoad().Settle();
+  }
   static HidKeyboard::Settings HidSettings(std::uint16_t zones, std::uint32_t effects) {
     HidKeyboard::Settings settings;
     settings.zones = zones;

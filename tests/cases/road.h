@@ -9,7 +9,10 @@
 namespace test {
 
 /// What a case needs that not every road can carry.
-enum class Need { Firmware, HidKeyboards };
+enum class Need {
+  Firmware,     // methods, and a record of the notebook's own
+  ShortStalls,  // requests that end without an answer as soon as the keyboard is told to end them
+};
 
 class Road {
  public:
@@ -20,6 +23,8 @@ class Road {
   virtual std::string WhyNot(Need need) const = 0;
   /// Puts a notebook under whatever the process loads from now on.
   virtual void Place(const std::shared_ptr<simulator::Notebook>& notebook) = 0;
+  /// Waits until what was plugged and unplugged is seen by the system above it.
+  virtual void Settle() = 0;
   /// Takes it away again, after checking that nothing of it is still held.
   virtual void TakeAway() = 0;
 };

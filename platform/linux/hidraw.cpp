@@ -1,0 +1,215 @@
+#include "platform/linux/hidraw.h"
+
+#include <fcntl.h>
+#include <linux/hidraw.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <fstream>
+#include <iterator>
+#include <optional>
+
+#include "platform/portable/hid_api.h"
+#include "platform/portable/text.h"
+
+namespace platform {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::string_view kNodePrefix = "hidraw";
+/// Exchanges that fail after this time have run into the kernel's limit of 5 s, whatever error the driver makes of it.
+constexpr std::chrono::seconds kTimedOut{4};
+
+std::optional<unsigned> Number(std::string_view text, int base) {
+  unsigned number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
+  return error == std::errc() && end == text.data() + text.size() && !text.empty() ? std::optional(number)
+                                                                                   : std::nullopt;
+}
+
+/// What a file holds; sysfs does not tell its size.
+std::optional<std::string> ContentOf(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) return std::nullopt;
+  return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+}
+
+/// Vendor and product out of the line "HID_ID=0003:00001209:00000001": bus, vendor, product.
+std::optional<std::pair<std::uint16_t, std::uint16_t>> IdentityIn(std::string_view uevent) {
+  constexpr std::string_view kKey = "HID_ID=";
+  const std::size_t begin = uevent.starts_with(kKey) ? 0 : uevent.find("\n" + std::string(kKey)) + 1;
+  if (begin == 0 && !uevent.starts_with(kKey)) return std::nullopt;
+  const std::string_view line = uevent.substr(begin, uevent.find('\n', begin) - begin);
+  const std::size_t product = line.rfind(':');
+  const std::size_t vendor = line.rfind(':', product - 1);
+  if (product == std::string_view::npos || vendor == std::string_view::npos) return std::nullopt;
+  const auto vendor_id = Number(line.substr(vendor + 1, product - vendor - 1), 16);
+  const auto product_id = Number(line.substr(product + 1), 16);
+  if (!vendor_id || !product_id) return std::nullopt;
+  return std::pair(static_cast<std::uint16_t>(*vendor_id), static_cast<std::uint16_t>(*product_id));
+}
+
+/// Where the node's device stands in sysfs; empty when it is gone.
+std::string IdentityOf(const HidrawPlaces& places, const std::string& name) {
+  std::error_code error;
+  return fs::read_symlink(places.sysfs / name, error).string();
+}
+
+std::optional<HidrawDevice> ReadDevice(const HidrawPlaces& places, const std::string& name) {
+  HidrawDevice found;
+  found.node = places.nodes / name;
+  found.identity = IdentityOf(places, name);
+  const auto uevent = ContentOf(places.sysfs / name / "device/uevent");
+  const auto descriptor = ContentOf(places.sysfs / name / "device/report_descriptor");
+  const auto ids = uevent ? IdentityIn(*uevent) : std::nullopt;
+  if (found.identity.empty() || !ids || !descriptor || descriptor->empty()) return std::nullopt;
+  found.device = {WideFromUtf8(found.node.string()), ids->first, ids->second, 0,
+                  Bytes(descriptor->begin(), descriptor->end())};
+  return found;
+}
+
+LONG ErrorOf(int code) {
+  switch (code) {
+    case EACCES:
+    case EPERM:
+      return ERROR_ACCESS_DENIED;
+    case ENODEV:
+    case ENOENT:
+    case ENXIO:
+      return ERROR_DEVICE_NOT_CONNECTED;
+    case ETIMEDOUT:
+      return ERROR_SEM_TIMEOUT;
+    case ENOMEM:
+      return ERROR_NOT_ENOUGH_MEMORY;
+    default:
+      return ERROR_GEN_FAILURE;
+  }
+}
+
+class FileDescriptor {
+ public:
+  FileDescriptor() = default;
+  FileDescriptor(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(const FileDescriptor&) = delete;
+  ~FileDescriptor() {
+    if (fd_ >= 0) close(fd_);
+  }
+
+  /// 0, or the code of the failure.
+  int Open(const fs::path& node) {
+    // Reading rights are enough for feature reports in both directions.
+    fd_ = open(node.c_str(), O_RDONLY | O_CLOEXEC);
+    return fd_ >= 0 ? 0 : errno;
+  }
+  int Get() const { return fd_; }
+
+ private:
+  int fd_ = -1;
+};
+
+class HidrawConnection final : public HidConnection {
+ public:
+  HidrawConnection(HidrawPlaces places, HidrawDevice device, std::shared_ptr<HungDevices> hung)
+      : places_(std::move(places)), device_(std::move(device)), hung_(std::move(hung)) {}
+
+  LONG SetFeature(std::span<const std::uint8_t> report) override {
+    Bytes copy(report.begin(), report.end());  // the kernel's interface takes no constant one
+    return Exchange([&copy](int fd) { return ioctl(fd, HIDIOCSFEATURE(copy.size()), copy.data()); });
+  }
+
+  LONG GetFeature(std::span<std::uint8_t> report) override {
+    Bytes answer(report.size());
+    answer.front() = report.front();
+    int received = 0;
+    const LONG error =
+        Exchange([&](int fd) { return received = ioctl(fd, HIDIOCGFEATURE(answer.size()), answer.data()); });
+    if (error != ERROR_SUCCESS) return error;
+    // A driver hands on what the device says, which may be nothing, or another report.
+    if (received < 1 || answer.front() != report.front()) return ERROR_GEN_FAILURE;
+    std::copy_n(answer.begin(), received, report.begin());
+    return ERROR_SUCCESS;
+  }
+
+ private:
+  template <typename Call>
+  LONG Exchange(const Call& call) {
+    if (hung_->Contains(device_.identity)) return ERROR_SEM_TIMEOUT;
+    const Clock::time_point began = Clock::now();
+    int code = Open();
+    if (code == 0 && call(file_.Get()) < 0) code = errno;
+    if (code == 0) return ERROR_SUCCESS;
+    if (!IsPresent()) return ERROR_DEVICE_NOT_CONNECTED;
+    if (code != ETIMEDOUT && Clock::now() - began < kTimedOut) return ErrorOf(code);
+    hung_->Add(device_.identity);
+    return ERROR_SEM_TIMEOUT;
+  }
+
+  /// Opens the node for the first exchange: 0, or the code of the failure.
+  int Open() {
+    const std::lock_guard lock(lock_);
+    if (file_.Get() >= 0) return 0;
+    if (!IsPresent()) return ENODEV;
+    if (const int code = file_.Open(device_.node)) return code;
+    // What was opened is the device only if it is still there: between the two its node could have gone to another.
+    return IsPresent() ? 0 : ENODEV;
+  }
+
+  bool IsPresent() const { return IdentityOf(places_, device_.node.filename()) == device_.identity; }
+
+  const HidrawPlaces places_;
+  const HidrawDevice device_;
+  const std::shared_ptr<HungDevices> hung_;
+  std::mutex lock_;
+  FileDescriptor file_;  // opened under lock_, once
+};
+
+}  // namespace
+
+void HungDevices::Add(const std::string& device) {
+  const std::lock_guard lock(lock_);
+  until_[device] = Clock::now() + kRest;
+}
+
+bool HungDevices::Contains(const std::string& device) {
+  const std::lock_guard lock(lock_);
+  const auto found = until_.find(device);
+  if (found == until_.end()) return false;
+  if (Clock::now() < found->second) return true;
+  until_.erase(found);
+  return false;
+}
+
+std::vector<HidrawDevice> FindHidrawDevices(const HidrawPlaces& places) {
+  std::map<unsigned, std::string> names;
+  std::error_code error;
+  for (fs::directory_iterator entry(places.sysfs, error), end; !error && entry != end; entry.increment(error)) {
+    const std::string name = entry->path().filename();
+    if (!name.starts_with(kNodePrefix)) continue;
+    if (const auto number = Number(std::string_view(name).substr(kNodePrefix.size()), 10)) names[*number] = name;
+  }
+  std::vector<HidrawDevice> devices;
+  for (const auto& [number, name] : names) {
+    if (auto device = ReadDevice(places, name)) devices.push_back(*std::move(device));
+  }
+  return devices;
+}
+
+OpenedHidDevice OpenHidrawDevice(const HidrawPlaces& places, const std::wstring& path,
+                                 const std::shared_ptr<HungDevices>& hung) {
+  const fs::path node = ReadableUtf8(path);
+  if (node.parent_path() != places.nodes) return {};
+  auto found = ReadDevice(places, node.filename());
+  if (!found) return {};
+  if (faccessat(AT_FDCWD, node.c_str(), R_OK, AT_EACCESS) != 0) {
+    return {errno == ENOENT ? ERROR_FILE_NOT_FOUND : ERROR_ACCESS_DENIED, {}, nullptr};
+  }
+  HidDevice device = found->device;
+  return {ERROR_SUCCESS, std::move(device), std::make_shared<HidrawConnection>(places, *std::move(found), hung)};
+}
+
+}  // namespace platform

@@ -1,0 +1,56 @@
+/// The HID devices of a Linux system: its hidraw nodes, as sysfs describes them.
+///
+/// Finding devices opens none: while one device keeps a request waiting, the kernel lets nobody open another. A node is
+/// opened by the first exchange of a connection, and its device is known by its place in sysfs, which no later plugging
+/// has again; so a connection never reaches another device that was given the same node.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "platform/portable/machine.h"
+
+namespace platform {
+
+/// Where the system keeps them.
+struct HidrawPlaces {
+  std::filesystem::path sysfs = "/sys/class/hidraw";
+  std::filesystem::path nodes = "/dev";
+};
+
+/// Devices that let an exchange run into its time limit. For a while they are not asked again, or every attempt of a
+/// host would take the kernel's five seconds. Any thread may call.
+class HungDevices {
+ public:
+  static constexpr std::chrono::seconds kRest{10};
+
+  void Add(const std::string& device);
+  bool Contains(const std::string& device);
+
+ private:
+  std::mutex lock_;
+  std::map<std::string, std::chrono::steady_clock::time_point> until_;  // guarded by lock_
+};
+
+/// A node and its device.
+struct HidrawDevice {
+  std::filesystem::path node;  // "/dev/hidraw0"
+  std::string identity;        // its place in sysfs
+  HidDevice device;            // the path is the node's
+};
+
+/// In the order of their numbers. What sysfs does not tell completely, as of a device that is just being unplugged, is
+/// left out.
+std::vector<HidrawDevice> FindHidrawDevices(const HidrawPlaces& places);
+
+/// Opens the device at `path`: ERROR_FILE_NOT_FOUND when it is not there, ERROR_ACCESS_DENIED when this process may not
+/// open its node.
+OpenedHidDevice OpenHidrawDevice(const HidrawPlaces& places, const std::wstring& path,
+                                 const std::shared_ptr<HungDevices>& hung);
+
+}  // namespace platform

@@ -1,0 +1,46 @@
+#include "platform/linux/home.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <string_view>
+#include <vector>
+
+namespace platform {
+namespace {
+
+/// Calls `take(entry)` with the user's entry, if there is one.
+template <typename Take>
+void WithUser(const Take& take) {
+  std::vector<char> buffer(1024);
+  passwd entry = {};
+  passwd* found = nullptr;
+  while (getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found) == ERANGE) {
+    buffer.resize(2 * buffer.size());
+  }
+  if (found != nullptr) take(*found);
+}
+
+std::optional<std::filesystem::path> Absolute(const char* text) {
+  if (text == nullptr || *text != '/') return std::nullopt;
+  return std::filesystem::path(text);
+}
+
+}  // namespace
+
+std::optional<std::filesystem::path> UserFolder(const char* variable, const char* below_home) {
+  if (auto named = Absolute(std::getenv(variable))) return named;
+  auto home = Absolute(std::getenv("HOME"));
+  if (!home) WithUser([&home](const passwd& user) { home = Absolute(user.pw_dir); });
+  return home ? std::optional(*home / below_home) : std::nullopt;
+}
+
+std::optional<std::string> CurrentUser() {
+  std::optional<std::string> name;
+  WithUser([&name](const passwd& user) { name = user.pw_name; });
+  return name;
+}
+
+}  // namespace platform

@@ -1,0 +1,75 @@
+#include "platform/linux/linux_machine.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <utility>
+
+#include "platform/linux/home.h"
+#include "platform/portable/text.h"
+
+namespace platform {
+namespace {
+
+constexpr std::wstring_view kProgramData = L"PROGRAMDATA";
+
+std::optional<Bytes> ContentOf(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) return std::nullopt;
+  return Bytes(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+}
+
+/// Major and minor version of the standard, out of the table's entry point: of 32 or of 64 bits.
+std::optional<std::pair<std::uint8_t, std::uint8_t>> VersionIn(const Bytes& entry_point) {
+  const auto begins_with = [&](std::string_view anchor) {
+    return entry_point.size() > anchor.size() && std::equal(anchor.begin(), anchor.end(), entry_point.begin());
+  };
+  const std::size_t major = begins_with("_SM3_") ? 7 : begins_with("_SM_") ? 6 : 0;
+  if (major == 0 || entry_point.size() < major + 2) return std::nullopt;
+  return std::pair(entry_point[major], entry_point[major + 1]);
+}
+
+}  // namespace
+
+LinuxMachine::LinuxMachine(LinuxPlaces places) : places_(std::move(places)), settings_(places_.settings) {}
+
+bool LinuxMachine::HasRegistryKey(std::wstring_view key) { return settings_.HasKey(key); }
+
+std::optional<Bytes> LinuxMachine::RegistryValue(std::wstring_view key, std::wstring_view name) {
+  return settings_.Value(key, name);
+}
+
+std::optional<std::wstring> LinuxMachine::EnvironmentVariable(std::wstring_view name) {
+  if (const char* const own = std::getenv(ReadableUtf8(name).c_str())) return WideFromUtf8(own);
+  if (name != kProgramData) return std::nullopt;
+  const auto states = UserFolder("XDG_STATE_HOME", ".local/state");
+  return states ? std::optional(WideFromUtf8((*states / "zarn").string())) : std::nullopt;
+}
+
+std::optional<std::wstring> LinuxMachine::UserName() {
+  const auto name = CurrentUser();
+  return name ? std::optional(WideFromUtf8(*name)) : std::nullopt;
+}
+
+std::optional<SmbiosTable> LinuxMachine::ReadSmbiosTable() {
+  auto table = ContentOf(places_.smbios / "DMI");
+  if (!table) return std::nullopt;
+  const auto entry_point = ContentOf(places_.smbios / "smbios_entry_point");
+  const auto version = entry_point ? VersionIn(*entry_point) : std::nullopt;
+  const auto [major, minor] = version.value_or(std::pair<std::uint8_t, std::uint8_t>());
+  return SmbiosTable{*std::move(table), major, minor};
+}
+
+std::vector<HidDevice> LinuxMachine::HidDevices() {
+  std::vector<HidDevice> devices;
+  for (HidrawDevice& found : FindHidrawDevices(places_.hidraw)) devices.push_back(std::move(found.device));
+  return devices;
+}
+
+OpenedHidDevice LinuxMachine::OpenHidDevice(const std::wstring& path) {
+  return OpenHidrawDevice(places_.hidraw, path, hung_);
+}
+
+}  // namespace platform

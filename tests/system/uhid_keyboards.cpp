@@ -1,0 +1,189 @@
+#include "tests/system/uhid_keyboards.h"
+
+#include <fcntl.h>
+#include <linux/uhid.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <thread>
+
+#include "tests/support/temporary_folder.h"
+
+namespace test {
+namespace {
+
+namespace fs = std::filesystem;
+using simulator::HidKeyboard;
+
+constexpr std::uint16_t kUsb = 3;
+constexpr int kPollMilliseconds = 5;
+
+/// How many nodes stand for a device with this unique name, and can be opened.
+int CountNodes(const std::string& unique) {
+  int count = 0;
+  std::error_code error;
+  for (const auto& node : fs::directory_iterator("/sys/class/hidraw", error)) {
+    const bool ours = ContentOf(node.path() / "device/uevent").find("HID_UNIQ=" + unique + "\n") != std::string::npos;
+    if (ours) ++count;
+  }
+  return count;
+}
+
+bool HasOpenNode(const std::string& unique) {
+  std::error_code error;
+  for (const auto& node : fs::directory_iterator("/sys/class/hidraw", error)) {
+    if (ContentOf(node.path() / "device/uevent").find("HID_UNIQ=" + unique + "\n") == std::string::npos) continue;
+    if (access(("/dev/" + node.path().filename().string()).c_str(), R_OK) == 0) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+/// One keyboard's device, served by a thread of its own.
+class UhidKeyboard {
+ public:
+  UhidKeyboard(std::shared_ptr<simulator::Notebook> notebook, std::size_t index)
+      : notebook_(std::move(notebook)),
+        index_(index),
+        keyboard_(notebook_->HidKeyboardAt(index)),
+        fd_(open("/dev/uhid", O_RDWR | O_CLOEXEC)) {
+    if (fd_ < 0) throw std::system_error(errno, std::generic_category(), "/dev/uhid");
+    server_ = std::thread([this] { Serve(); });
+  }
+  UhidKeyboard(const UhidKeyboard&) = delete;
+  UhidKeyboard& operator=(const UhidKeyboard&) = delete;
+  ~UhidKeyboard() {
+    ends_ = true;
+    keyboard_.Unplug();  // which ends an exchange that stalls
+    server_.join();
+    close(fd_);
+  }
+
+  void Settle() const {
+    const auto settled = [this] {
+      const auto connection = keyboard_.Connect();
+      if (!connection) return served_ == 0 && CountNodes(Unique(last_)) == 0;
+      return served_ == *connection && HasOpenNode(Unique(*connection));
+    };
+    while (!settled()) std::this_thread::sleep_for(std::chrono::milliseconds(kPollMilliseconds));
+  }
+
+ private:
+  std::string Unique(std::uint64_t connection) const {
+    return "simulated-" + std::to_string(getpid()) + "-" + std::to_string(index_) + "-" + std::to_string(connection);
+  }
+
+  void Serve() {
+    while (!ends_) {
+      Follow();
+      pollfd ready{fd_, POLLIN, 0};
+      if (poll(&ready, 1, kPollMilliseconds) > 0) HandleEvent();
+    }
+    if (served_ != 0) Destroy();
+  }
+
+  /// Makes the kernel's device what the simulated keyboard is: plugged in or not.
+  void Follow() {
+    const std::uint64_t connection = keyboard_.Connect().value_or(0);
+    if (connection == served_) return;
+    if (served_ != 0) Destroy();
+    if (connection != 0) Create(connection);
+  }
+
+  void Create(std::uint64_t connection) {
+    const HidKeyboard::Settings& settings = keyboard_.settings();
+    const auto& descriptor = keyboard_.report_descriptor();
+    uhid_event event{};
+    event.type = UHID_CREATE2;
+    uhid_create2_req& device = event.u.create2;
+    std::strcpy(reinterpret_cast<char*>(device.name), "Simulated keyboard");
+    Unique(connection).copy(reinterpret_cast<char*>(device.uniq), sizeof(device.uniq) - 1);
+    device.bus = kUsb;
+    device.vendor = settings.vendor;
+    device.product = settings.product;
+    device.rd_size = static_cast<std::uint16_t>(std::min(descriptor.size(), sizeof(device.rd_data)));
+    std::copy_n(descriptor.begin(), device.rd_size, device.rd_data);
+    Send(event);
+    last_ = connection;
+    served_ = connection;
+  }
+
+  void Destroy() {
+    uhid_event event{};
+    event.type = UHID_DESTROY;
+    Send(event);
+    served_ = 0;
+  }
+
+  void HandleEvent() {
+    uhid_event event{};
+    if (read(fd_, &event, sizeof(event)) < 0) return;
+    if (event.type == UHID_GET_REPORT) AnswerGet(event.u.get_report);
+    if (event.type == UHID_SET_REPORT) AnswerSet(event.u.set_report);
+  }
+
+  void AnswerGet(const uhid_get_report_req& request) {
+    const auto answer = notebook_->GetFeature(index_, served_, request.rnum);
+    uhid_event event{};
+    event.type = UHID_GET_REPORT_REPLY;
+    event.u.get_report_reply.id = request.id;
+    event.u.get_report_reply.err = ErrorOf(answer);
+    event.u.get_report_reply.size = static_cast<std::uint16_t>(answer.report.size());
+    std::copy(answer.report.begin(), answer.report.end(), event.u.get_report_reply.data);
+    if (IsAnswered(answer)) Send(event);
+  }
+
+  void AnswerSet(const uhid_set_report_req& request) {
+    const auto answer = notebook_->SetFeature(index_, served_, {request.data, request.size});
+    uhid_event event{};
+    event.type = UHID_SET_REPORT_REPLY;
+    event.u.set_report_reply.id = request.id;
+    event.u.set_report_reply.err = ErrorOf(answer);
+    if (IsAnswered(answer)) Send(event);
+  }
+
+  static bool IsAnswered(const HidKeyboard::Answer& answer) {
+    return answer.result == HidKeyboard::Result::Done || answer.result == HidKeyboard::Result::Refused;
+  }
+  static std::uint16_t ErrorOf(const HidKeyboard::Answer& answer) {
+    return answer.result == HidKeyboard::Result::Done ? 0 : EIO;
+  }
+
+  /// The kernel takes an event whole, or none of it: then the device that it was for is gone.
+  void Send(const uhid_event& event) const {
+    [[maybe_unused]] const ssize_t written = write(fd_, &event, sizeof(event));
+  }
+
+  const std::shared_ptr<simulator::Notebook> notebook_;
+  const std::size_t index_;
+  HidKeyboard& keyboard_;
+  const int fd_;
+  std::atomic<bool> ends_ = false;
+  std::atomic<std::uint64_t> served_ = 0;  // the connection that the kernel's device stands for; 0: there is none
+  std::atomic<std::uint64_t> last_ = 0;    // the one of the last device there was
+  std::thread server_;
+};
+
+UhidKeyboards::UhidKeyboards(const std::shared_ptr<simulator::Notebook>& notebook) {
+  for (std::size_t i = 0; i < notebook->HidKeyboardCount(); ++i) {
+    keyboards_.push_back(std::make_unique<UhidKeyboard>(notebook, i));
+    keyboards_.back()->Settle();  // so that the nodes are in the order of the keyboards
+  }
+}
+
+UhidKeyboards::~UhidKeyboards() = default;
+
+void UhidKeyboards::Settle() const {
+  for (const auto& keyboard : keyboards_) keyboard->Settle();
+}
+
+}  // namespace test

@@ -1,0 +1,29 @@
+/// Plugs the keyboards of a simulated notebook into this computer's kernel, as uhid devices. Needs root and the module.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "simulator/notebook.h"
+
+namespace test {
+
+class UhidKeyboard;
+
+/// From its construction to its destruction, which unplugs them; each follows its simulated keyboard when that one is
+/// plugged and unplugged.
+class UhidKeyboards {
+ public:
+  explicit UhidKeyboards(const std::shared_ptr<simulator::Notebook>& notebook);
+  UhidKeyboards(const UhidKeyboards&) = delete;
+  UhidKeyboards& operator=(const UhidKeyboards&) = delete;
+  ~UhidKeyboards();
+
+  /// Waits until the kernel has a node for each keyboard that is plugged in, and none for the others.
+  void Settle() const;
+
+ private:
+  std::vector<std::unique_ptr<UhidKeyboard>> keyboards_;
+};
+
+}  // namespace test
