@@ -22,9 +22,6 @@ using zarn::WRV520::Lighting::LightingHID;
 
 namespace {
 
-constexpr wchar_t kServiceKey[] = L"SOFTWARE\\OEM\\ZarnLightingService";
-constexpr wchar_t kHybridSwitch[] = L"HybridMode";
-
 constexpr std::uint32_t kHidInterface = 1;
 constexpr std::uint32_t kEcInterface = 3;
 
@@ -156,7 +153,7 @@ Status EcDevicesAnd(bool hid_keyboard) {
 Status Discover() {
   TsLog* const log = TsLog::GetInstance();
   kLog(L"Enter!!");
-  const bool hybrid = ServiceSwitchIsOn(kServiceKey, kHybridSwitch);
+  const bool hybrid = IsOn(kHybridSwitch);
   zarn::WRV520::ReplaceLogger(std::make_shared<zarn::WRV520::TsLogAdapter>(log));
   const std::optional<_HIDInfo> keyboard = FindHidKeyboard();
   if (!keyboard || hybrid) return EcDevicesAnd(keyboard.has_value());

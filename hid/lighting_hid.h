@@ -52,6 +52,9 @@ extern std::mutex g_lightingDevicesLock;
 
 namespace zarn::WRV520::Lighting {
 
+/// The top-level usage page of every lighting device.
+inline constexpr std::uint16_t kLightingUsagePage = 0xFF5A;
+
 /// The lighting device id of the keyboard.
 inline constexpr std::uint8_t kKeyboardId = 0x21;
 

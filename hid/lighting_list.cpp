@@ -12,8 +12,6 @@ std::mutex g_lightingDevicesLock;
 namespace zarn::WRV520::Lighting {
 namespace {
 
-constexpr std::uint16_t kLightingUsagePage = 0xFF5A;
-
 constexpr wchar_t kListTag[] = L"zarn::WRV520::Lighting::LightingHID::GetLightingDeviceList";
 constexpr wchar_t kAttributeTag[] = L"zarn::WRV520::Lighting::LightingHID::GetLightingDeviceAttributeReport";
 constexpr wchar_t kFieldTag[] = L"zarn::WRV520::Lighting::LightingHID::GetFieldSize";

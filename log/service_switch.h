@@ -1,6 +1,16 @@
-/// The switches that the lighting service keeps in the registry.
+/// The switches that the lighting service keeps in the registry, below HKEY_LOCAL_MACHINE.
 #pragma once
 
-/// Whether a value below HKEY_LOCAL_MACHINE is the four bytes of a 1, whatever its type. A key or value that is
-/// missing, and a value of another length, is a switch that is off. Any thread may call.
-bool ServiceSwitchIsOn(const wchar_t* key, const wchar_t* value);
+struct ServiceSwitch {
+  const wchar_t* key;
+  const wchar_t* value;
+};
+
+/// Turns the diagnostics log on.
+inline constexpr ServiceSwitch kLogSwitch = {L"SOFTWARE\\OEM\\ZarnLightingService\\Log", L"ZarnLightingService"};
+/// Lets the HID keyboard be reported beside the EC devices.
+inline constexpr ServiceSwitch kHybridSwitch = {L"SOFTWARE\\OEM\\ZarnLightingService", L"HybridMode"};
+
+/// Whether its value is the four bytes of a 1, whatever the type. A key or value that is missing, and a value of
+/// another length, is a switch that is off. Any thread may call.
+bool IsOn(const ServiceSwitch& service_switch);

@@ -16,8 +16,6 @@
 namespace {
 
 constexpr wchar_t kModuleName[] = L"ZarnECKeyboard";
-constexpr wchar_t kSwitchKey[] = L"SOFTWARE\\OEM\\ZarnLightingService\\Log";
-constexpr wchar_t kSwitchValue[] = L"ZarnLightingService";
 constexpr wchar_t kLogFolder[] = L"OEM\\ZarnLightingService\\Log";
 
 using PathBuffer = std::array<wchar_t, MAX_PATH>;
@@ -98,7 +96,7 @@ TsLog* TsLog::GetInstance() {
   static std::mutex creation_lock;
 
   if (TsLog* const log = instance.load(std::memory_order_acquire)) return log;
-  if (!ServiceSwitchIsOn(kSwitchKey, kSwitchValue)) return nullptr;
+  if (!IsOn(kLogSwitch)) return nullptr;
   const std::lock_guard lock(creation_lock);
   if (instance == nullptr) instance = Create();
   return instance;

@@ -16,7 +16,7 @@ constexpr const char* kFooter =
     "  0  done\n"
     "  1  the profile, the plug-in or the output failed\n"
     "  2  wrong command line; nothing was sent\n"
-    "  3  no such device, or no notebook to light\n"
+    "  3  no such device, or nothing to light\n"
     "  4  firmware or keyboard refused, or the lights did not follow";
 
 /// The values of options as they were typed; they are read when all of them are known.
@@ -37,7 +37,8 @@ class CommandLine {
     app_.footer(kFooter);
     app_.fallthrough();
     app_.require_subcommand(1);
-    app_.add_option("--machine", arguments_.machine, "profile of the notebook to drive: a TOML file or a shipped name")
+    app_.add_option("--machine", arguments_.machine,
+                    "profile of a notebook to simulate, a TOML file or a shipped name; this computer otherwise")
         ->envname("ZARN_MACHINE")
         ->type_name("PROFILE");
     app_.add_option("--plugin", arguments_.plugin, "lighting plug-in to load instead of our own")->type_name("FILE");
@@ -57,6 +58,8 @@ class CommandLine {
         ->required()
         ->type_name("RRGGBB");
     app_.add_subcommand("demo", "walk through all modes of all devices");
+    app_.add_subcommand("doctor", "tell what discovery depends on, what is missing, and what to do");
+    app_.add_subcommand("config", "show what is set, and where");
   }
 
   std::optional<Arguments> Read(int argc, const char* const* argv) {
@@ -93,7 +96,7 @@ class CommandLine {
   std::string NoCommand() const {
     const std::vector<std::string> strangers = app_.remaining();
     const std::string what = strangers.empty() ? "a command is missing" : strangers.front() + ": no such command";
-    return what + "; the commands are devices, show, set, leds and demo";
+    return what + "; the commands are devices, show, set, leds, demo, doctor and config";
   }
 
   decltype(Arguments::command) Command() const {
@@ -101,6 +104,8 @@ class CommandLine {
     if (app_.got_subcommand("show")) return ShowCommand{typed_.device};
     if (app_.got_subcommand("set")) return SetCommand{typed_.device, Settings()};
     if (app_.got_subcommand("leds")) return LedsCommand{typed_.device, LedColors()};
+    if (app_.got_subcommand("doctor")) return DoctorCommand{};
+    if (app_.got_subcommand("config")) return ConfigCommand{};
     return DemoCommand{};
   }
 

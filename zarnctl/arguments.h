@@ -25,8 +25,11 @@ struct LedsCommand {
   std::vector<PackedColor> colors;
 };
 struct DemoCommand {};
+struct DoctorCommand {};
+struct ConfigCommand {};
 
-using Command = std::variant<DevicesCommand, ShowCommand, SetCommand, LedsCommand, DemoCommand>;
+using Command =
+    std::variant<DevicesCommand, ShowCommand, SetCommand, LedsCommand, DemoCommand, DoctorCommand, ConfigCommand>;
 
 struct Arguments {
   std::string machine;  // empty: this computer

@@ -87,13 +87,14 @@ std::vector<Step> StepsFor(const ControllerRecords& records, bool lights_leds) {
 
 class Demo {
  public:
-  Demo(Device& device, const std::string& name, simulator::Notebook& notebook, std::size_t animated_devices)
+  Demo(Device& device, const std::string& name, Hardware& hardware, std::size_t animated_devices)
       : device_(device),
         name_(name),
-        notebook_(notebook),
+        hardware_(hardware),
         records_(device.Describe()),
         steps_(StepsFor(records_, LightsLeds(name))) {
-    if (animated_devices == 0 || steps_.empty()) return;
+    if (!hardware_.HasVisibleLights()) hold_ = kLongestHold;  // for whoever looks at the lights
+    if (!hardware_.HasVisibleLights() || animated_devices == 0 || steps_.empty()) return;
     hold_ = std::min(kLongestHold, kAllHolds / static_cast<int>(steps_.size() * animated_devices));
     screen_.emplace();
   }
@@ -101,13 +102,13 @@ class Demo {
   ExitCode Run() {
     // A notebook that cannot be lit at all shows it in a push that nobody has to wait for.
     device_.Push();
-    if (Report(FindFaults(notebook_, name_, records_))) return ExitCode::LightsDiffer;
+    if (Report(hardware_.TakeFaults(name_, records_))) return ExitCode::LightsDiffer;
     for (const Step& step : steps_) {
       Begin(step);
       if (!WaitForLights(step)) return GiveUp(step);
       // On this thread, as a service ends a drag: whatever the worker was doing, the last value is the one that stays.
       device_.Push();
-      if (Report(FindFaults(notebook_, name_, records_))) return ExitCode::LightsDiffer;
+      if (Report(hardware_.TakeFaults(name_, records_))) return ExitCode::LightsDiffer;
       Hold();
     }
     return ExitCode::Done;
@@ -132,9 +133,9 @@ class Demo {
   }
 
   bool WaitForLights(const Step& step) {
-    const auto deadline = began_ + kDeadline + kCallsPerStep * milliseconds(notebook_.profile().firmware_latency_ms);
+    const auto deadline = began_ + kDeadline + kCallsPerStep * hardware_.FirmwareLatency();
     auto ask_again = began_ + kAskAgain;
-    while (!Shows(notebook_, name_, records_)) {
+    while (!hardware_.Shows(name_, records_)) {
       const auto now = Clock::now();
       if (now > deadline) return false;
       if (now > ask_again) {
@@ -149,13 +150,14 @@ class Demo {
   }
 
   ExitCode GiveUp(const Step& step) {
-    if (!Report(FindFaults(notebook_, name_, records_))) Complain(step.mode.label + " came too late to be waited for");
+    if (!Report(hardware_.TakeFaults(name_, records_))) Complain(step.mode.label + " came too late to be waited for");
     return ExitCode::LightsDiffer;
   }
 
   void Hold() {
     if (!screen_) {
-      std::cout << title_ << "\n" << PlainLights(PanelsOf(notebook_), records_.mode_list) << std::flush;
+      std::cout << title_ << "\n" << PlainLights(hardware_.Panels(), records_.mode_list) << std::flush;
+      std::this_thread::sleep_for(hold_);
       return;
     }
     const auto end = Clock::now() + hold_;
@@ -168,12 +170,12 @@ class Demo {
   void Draw() {
     if (!screen_) return;
     const double seconds = duration_cast<duration<double>>(Clock::now() - began_).count();
-    screen_->Show(title_ + "\n\n" + DrawnLights(PanelsOf(notebook_), records_.mode_list, seconds));
+    screen_->Show(title_ + "\n\n" + DrawnLights(hardware_.Panels(), records_.mode_list, seconds));
   }
 
   Device& device_;
   const std::string name_;
-  simulator::Notebook& notebook_;
+  Hardware& hardware_;
   ControllerRecords records_;  // what the device says of itself since the step began
   const std::vector<Step> steps_;
   std::optional<LiveDrawing> screen_;
@@ -186,8 +188,8 @@ class Demo {
 
 }  // namespace
 
-ExitCode RunDemo(Device& device, const std::string& name, simulator::Notebook& notebook, std::size_t animated_devices) {
-  return Demo(device, name, notebook, animated_devices).Run();
+ExitCode RunDemo(Device& device, const std::string& name, Hardware& hardware, std::size_t animated_devices) {
+  return Demo(device, name, hardware, animated_devices).Run();
 }
 
 }  // namespace zarnctl

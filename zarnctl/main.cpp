@@ -7,12 +7,14 @@
 
 #include "zarnctl/arguments.h"
 #include "zarnctl/complaint.h"
+#include "zarnctl/config.h"
 #include "zarnctl/demo.h"
 #include "zarnctl/description.h"
 #include "zarnctl/device.h"
+#include "zarnctl/doctor.h"
 #include "zarnctl/drawing.h"
+#include "zarnctl/hardware.h"
 #include "zarnctl/lights.h"
-#include "zarnctl/machine.h"
 #include "zarnctl/panel.h"
 #include "zarnctl/plugin.h"
 #include "zarnctl/settings.h"
@@ -22,12 +24,11 @@
 namespace zarnctl {
 namespace {
 
-/// The commands over one notebook and the plug-in on top of it.
+/// The commands over some hardware and the plug-in on top of it.
 class Session {
  public:
   explicit Session(const Arguments& arguments)
-      : notebook_(OpenNotebook(arguments.machine)), plugin_(arguments.plugin), trace_(arguments.trace) {
-    if (trace_) TraceExchanges();
+      : trace_(arguments.trace), hardware_(arguments.machine, trace_), plugin_(arguments.plugin) {
     discovery_ = plugin_.Discover();
   }
 
@@ -77,13 +78,31 @@ class Session {
     return Push(device, command.device);
   }
 
+  ExitCode operator()(const DoctorCommand& /*command*/) {
+    for (const Finding& finding : Examine(*platform::CurrentMachine())) std::cout << LineOf(finding) << "\n";
+    hardware_.TakeRefusals();  // the findings have told of them
+    const bool found = !discovery_.names.empty();
+    std::cout << (found ? "fine     " : "missing  ")
+              << "discovery: " << Counted(discovery_.names.size(), "lighting device");
+    for (const std::string& name : discovery_.names) std::cout << " " << name;
+    std::cout << "\n";
+    return found ? ExitCode::Done : ExitCode::NothingThere;
+  }
+
+  ExitCode operator()(const ConfigCommand& /*command*/) {
+    const bool is_this_computer = !hardware_.HasVisibleLights();
+    const bool sound = !is_this_computer || !Report(ComplaintsAboutSettings());
+    std::cout << ConfigOf(*platform::CurrentMachine(), is_this_computer);
+    return sound ? ExitCode::Done : ExitCode::Failed;
+  }
+
   ExitCode operator()(const DemoCommand& /*command*/) {
     // Traced lines would tear the drawing apart.
     const bool animated = StdoutShowsColors() && !trace_;
     const std::vector<std::string> names = Names();
     for (const std::string& name : names) {
       Device device = Create(name);
-      const ExitCode code = RunDemo(device, name, *notebook_, animated ? names.size() : 0);
+      const ExitCode code = RunDemo(device, name, hardware_, animated ? names.size() : 0);
       if (code != ExitCode::Done) return code;
     }
     return ExitCode::Done;
@@ -93,12 +112,13 @@ class Session {
   /// Never empty.
   const std::vector<std::string>& Names() {
     if (discovery_.names.empty()) {
-      Report(FindRefusals(*notebook_));
+      Report(hardware_.TakeRefusals());
       std::string lights;
-      for (const Panel& panel : PanelsOf(*notebook_)) lights += (lights.empty() ? "" : ", ") + panel.name;
+      for (const Panel& panel : hardware_.Panels()) lights += (lights.empty() ? "" : ", ") + panel.name;
       throw Complaint(ExitCode::NothingThere,
-                      "discovery reports no lighting device on the notebook \"" + notebook_->profile().title + "\"" +
-                          (lights.empty() ? "" : " (" + lights + ")") + "; use another --machine");
+                      "discovery reports no lighting device on " + hardware_.Name() +
+                          (lights.empty() ? "" : " (" + lights + ")") +
+                          "; 'zarnctl doctor' tells why, --machine drives a simulated notebook");
     }
     return discovery_.names;
   }
@@ -114,36 +134,38 @@ class Session {
   Device Create(const std::string& name) {
     Device device(plugin_.CreateDevice(name));
     // For what it could not be asked it shows less than it might.
-    if (Report(FindRefusals(*notebook_))) refused_ = true;
+    if (Report(hardware_.TakeRefusals())) refused_ = true;
     return device;
   }
 
   ExitCode Push(Device& device, const std::string& name) {
     device.Push();
     const ControllerRecords records = device.Describe();
+    if (!hardware_.HasVisibleLights())
+      std::cout << name << ": " << records.mode_list.at(static_cast<std::size_t>(records.current_mode)).label << "\n";
     Draw(records);
-    return Report(FindFaults(*notebook_, name, records)) ? ExitCode::LightsDiffer : ExitCode::Done;
+    return Report(hardware_.TakeFaults(name, records)) ? ExitCode::LightsDiffer : ExitCode::Done;
   }
 
   /// For a mode that the device brings to no light.
   ExitCode PushNothing(Device& device, const std::string& name, const ModeRecord& mode) {
-    const std::vector<Panel> before = PanelsOf(*notebook_);
+    const std::vector<Panel> before = hardware_.Panels();
     const ExitCode code = Push(device, name);
     Complain(mode.label + ": " + name + " has no colours per LED, the lights stay as they were");
-    if (PanelsOf(*notebook_) == before) return code;
+    if (hardware_.Panels() == before) return code;
     Complain(mode.label + " changed the lights");
     return ExitCode::LightsDiffer;
   }
 
   void Draw(const ControllerRecords& records) const {
-    const std::vector<Panel> panels = PanelsOf(*notebook_);
+    const std::vector<Panel> panels = hardware_.Panels();
     std::cout << (StdoutShowsColors() ? DrawnLights(panels, records.mode_list, 0)
                                       : PlainLights(panels, records.mode_list));
   }
 
-  std::shared_ptr<simulator::Notebook> notebook_;
-  Plugin plugin_;
   bool trace_;
+  Hardware hardware_;
+  Plugin plugin_;
   Discovery discovery_;
   bool refused_ = false;
 };

@@ -56,7 +56,7 @@ class CommandLine : public testing::Test {
 };
 
 TEST_F(CommandLine, WrongOnesGetOneLineAndExitWithTwo) {
-  const std::string commands = "; the commands are devices, show, set, leds and demo";
+  const std::string commands = "; the commands are devices, show, set, leds, demo, doctor and config";
   const std::string help = "; see 'zarnctl --help'";
   ExpectComplaint("", 2, "a command is missing" + commands);
   ExpectComplaint("paint", 2, "paint: no such command" + commands);
@@ -69,20 +69,17 @@ TEST_F(CommandLine, WrongOnesGetOneLineAndExitWithTwo) {
 }
 
 TEST_F(CommandLine, NothingToLightExitsWithThree) {
-  const Outcome outcome = Run("demo");
-  EXPECT_EQ(outcome.exit_code, 3);
-  EXPECT_TRUE(outcome.err.starts_with("zarnctl: nothing to light on this computer: use --machine with ") &&
-              outcome.err.find("four-zone") != std::string::npos)
-      << outcome.err;
   ExpectComplaint("show X --machine four-zone", 3, "X: no such device; there is ZarnECKeyboard");
-  ExpectComplaint("devices --machine " + WriteProfile("title = 'Dark'\n"), 3,
-                  "discovery reports no lighting device on the notebook \"Dark\"; use another --machine");
+  ExpectComplaint(
+      "devices --machine " + WriteProfile("title = 'Dark'\n"), 3,
+      "discovery reports no lighting device on the notebook \"Dark\"; 'zarnctl doctor' tells why, --machine drives a "
+      "simulated notebook");
   ExpectComplaint(
       "devices --machine " + WriteProfile("title = 'Plain'\nfirmware.version = '2.91'\nkeyboard = {zones = "
                                           "4, rgb = false}\n[[hid_keyboard]]\nzones = 4\nanswers = false\n"),
       3,
       "HID keyboard 1, GetFeature: report 0xa1 cannot be read\nzarnctl: discovery reports no lighting device on the "
-      "notebook \"Plain\" (keyboard, HID keyboard); use another --machine");
+      "notebook \"Plain\" (keyboard, HID keyboard); 'zarnctl doctor' tells why, --machine drives a simulated notebook");
   const Outcome halved = Run("devices --machine " + WriteProfile("title = 'Halved'\n[[hid_keyboard]]\nzones = 4\n"
                                                                  "[[hid_keyboard]]\nzones = 4\nanswers = false\n"));
   EXPECT_EQ(halved.exit_code, 4);
@@ -197,6 +194,44 @@ TEST_F(CommandLine, DevicesAndShowTellWhatTheDescriptionSays) {
         "  mode WAVE: code 3, speed 5 (1 to 9), brightness 50 (0 to 100), direction 0 (0 to 5)\n", "zone 3: off\n"}) {
     EXPECT_NE(shown.find(line), std::string::npos) << line << shown;
   }
+}
+
+TEST_F(CommandLine, DoctorTellsWhatIsThereWhatIsMissingAndWhatToDo) {
+  const Outcome hybrid = Run("doctor --machine hybrid");
+  EXPECT_EQ(hybrid.exit_code, 0);
+  EXPECT_EQ(hybrid.out,
+            "note     logging: off, the plug-in writes no log; 'zarnctl config' shows where it is set\n"
+            "fine     hybrid mode: on\n"
+            "fine     \\\\?\\hid#vid_1209&pid_0001#0 (1209:0001): a lighting keyboard, serves 21\n"
+            "fine     SMBIOS structure of type 172: firmware 2.91, keyboard zones 4, RGB 2, light bar 1\n"
+            "fine     firmware class ZarnGamingFunction: 1 instance\n"
+            "fine     discovery: 3 lighting devices ZarnECGlobal ZarnECKeyboard ZarnHIDKeyboard\n");
+  const Outcome odd = Run("doctor --machine " + WriteProfile("title = 'Odd'\nlog.enabled = true\n"
+                                                             "[[hid_keyboard]]\nzones = 1\nanswers = false\n"
+                                                             "[[hid_keyboard]]\nzones = 1\nusage_page = 1\n"
+                                                             "[[hid_keyboard]]\nzones = 1\ndevice_ids = [0x22]\n"));
+  EXPECT_EQ(odd.exit_code, 3);
+  EXPECT_EQ(odd.err, "");
+  EXPECT_EQ(
+      odd.out,
+      "fine     logging: on; 'zarnctl config' shows where it is set\n"
+      "note     hybrid mode: off, a HID keyboard hides the devices of the embedded controller; 'zarnctl config' "
+      "shows where it is set\n"
+      "missing  \\\\?\\hid#vid_1209&pid_0001#0 (1209:0001): does not answer report A1 (error 31); plug it in again\n"
+      "note     \\\\?\\hid#vid_1209&pid_0001#1 (1209:0001): no lighting device, its usage page is 0001, not FF5A\n"
+      "note     \\\\?\\hid#vid_1209&pid_0001#2 (1209:0001): a lighting device, but no keyboard, serves 22\n"
+      "missing  SMBIOS table: cannot be read; run as root, to whom alone a kernel shows it\n"
+      "missing  firmware class ZarnGamingFunction: not there, the embedded controller's devices stay dark; it is "
+      "published by Windows on the notebook itself; HID keyboards need none\n"
+      "missing  discovery: 0 lighting devices\n");
+}
+
+TEST_F(CommandLine, ConfigShowsTheSwitchesAndWhereTheLogIs) {
+  const std::string folder = folder_.path().string();
+  const std::string machine = WriteProfile("title = 'Set'\nlog.enabled = true\nenvironment.PROGRAMDATA = '" + folder +
+                                           "'\n[registry.'SOFTWARE\\OEM\\ZarnLightingService']\nHybridMode = 2\n");
+  EXPECT_EQ(Run("config --machine " + machine).out,
+            "logging: on\nlog folder: " + folder + "/OEM/ZarnLightingService/Log\nhybrid mode: off\n");
 }
 
 TEST_F(CommandLine, DemoShowsEveryModeAndEndsByItself) {

@@ -1,0 +1,157 @@
+#include "zarnctl/hardware.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <mutex>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "platform/portable/instruments.h"
+#include "platform/portable/machine.h"
+#include "simulator/notebook_machine.h"
+#include "zarnctl/complaint.h"
+#include "zarnctl/lights.h"
+#include "zarnctl/text.h"
+
+namespace zarnctl {
+
+/// Follows the platform's calls for what crosses to the hardware. Any thread may call.
+class ExchangeWatch {
+ public:
+  explicit ExchangeWatch(bool trace) : trace_(trace) {}
+
+  void Note(const platform::JournalEntry& entry) {
+    const bool hid = entry.call == "HidD_SetFeature" || entry.call == "HidD_GetFeature";
+    if (!hid && entry.call != "IWbemServices::ExecMethod") return;
+    const std::lock_guard lock(lock_);
+    if (trace_) {
+      const std::string name = hid ? entry.call + " " : "";
+      std::fprintf(stderr, "trace: %s%s -> %s\n", name.c_str(), entry.arguments.c_str(), entry.result.c_str());
+    }
+    ++exchanges_;
+    const bool failed = hid ? entry.result.starts_with("0, error ") : !entry.result.starts_with("0x00000000");
+    if (!failed) return;
+    std::string text = hid ? HidFailure(entry) : "the firmware refused " + entry.arguments;
+    if (std::ranges::count(failures_, text) == 0) failures_.push_back(std::move(text));  // attempts are repeated
+  }
+
+  struct Seen {
+    std::size_t exchanges = 0;
+    std::vector<std::string> failures;
+  };
+  Seen Take() {
+    const std::lock_guard lock(lock_);
+    return {std::exchange(exchanges_, 0), std::exchange(failures_, {})};
+  }
+
+ private:
+  static std::string HidFailure(const platform::JournalEntry& entry) {
+    static constexpr std::pair<std::string_view, std::string_view> kReasons[] = {
+        {"0, error 5", "this user may not open it"},
+        {"0, error 31", "the device refused it"},
+        {"0, error 121", "the device did not answer"},
+        {"0, error 1167", "the device was unplugged"}};
+    const auto* const known =
+        std::ranges::find(kReasons, std::string_view(entry.result), [](const auto& reason) { return reason.first; });
+    const std::string why(known != std::end(kReasons) ? known->second : std::string_view(entry.result).substr(3));
+    const std::string device = entry.arguments.substr(0, entry.arguments.find(','));
+    return device + ", " + entry.call.substr(std::string_view("HidD_").size()) + ": " + why;
+  }
+
+  const bool trace_;
+  std::mutex lock_;
+  std::size_t exchanges_ = 0;          // guarded by lock_
+  std::vector<std::string> failures_;  // guarded by lock_
+};
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kExtension = ".toml";
+
+/// The folder of an installed program, or the source tree of one that is not installed.
+fs::path ProfileFolder() {
+  std::error_code error;
+  const fs::path program = fs::read_symlink("/proc/self/exe", error);
+  fs::path installed = program.parent_path().parent_path() / "share" / "zarn" / "profiles";
+  return fs::is_directory(installed, error) ? installed : fs::path(ZARN_PROFILE_DIR);
+}
+
+std::string ShippedProfiles() {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (const fs::directory_entry& entry : fs::directory_iterator(ProfileFolder(), error)) {
+    if (entry.path().extension() == kExtension) names.push_back(entry.path().stem().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names.empty() ? "none, " + ProfileFolder().string() + " is empty" : Alternatives(names);
+}
+
+/// A bare name is looked for among the shipped profiles first; everything else is a file.
+fs::path ProfileFile(const std::string& machine) {
+  fs::path given(machine);
+  const bool bare = !given.has_parent_path() && given.extension() != kExtension;
+  if (!bare) return given;
+  fs::path shipped = ProfileFolder() / (machine + std::string(kExtension));
+  std::error_code error;
+  if (fs::is_regular_file(shipped, error)) return shipped;
+  if (fs::is_regular_file(given, error)) return given;
+  throw Complaint(ExitCode::WrongCommandLine,
+                  "--machine " + machine + ": no such file or profile; the shipped profiles are " + ShippedProfiles());
+}
+
+simulator::Profile ReadProfile(const fs::path& file) {
+  try {
+    return simulator::LoadProfile(file);
+  } catch (const simulator::ProfileError& error) {
+    throw Complaint(ExitCode::Failed, error.what());
+  }
+}
+
+std::shared_ptr<simulator::Notebook> OpenNotebook(const std::string& machine) {
+  auto notebook = std::make_shared<simulator::Notebook>(ReadProfile(ProfileFile(machine)));
+  if (!platform::UseMachine(simulator::MakeMachine(notebook))) {
+    throw Complaint(ExitCode::Failed, "the notebook cannot be exchanged while the plug-in uses another one");
+  }
+  return notebook;
+}
+
+}  // namespace
+
+Hardware::Hardware(const std::string& machine, bool trace)
+    : notebook_(machine.empty() ? nullptr : OpenNotebook(machine)), watch_(std::make_shared<ExchangeWatch>(trace)) {
+  platform::SetJournal([watch = watch_](const platform::JournalEntry& entry) { watch->Note(entry); });
+}
+
+Hardware::~Hardware() { platform::SetJournal({}); }
+
+std::string Hardware::Name() const {
+  return HasVisibleLights() ? "the notebook \"" + notebook_->profile().title + "\"" : "this computer";
+}
+
+std::vector<Panel> Hardware::Panels() const { return HasVisibleLights() ? PanelsOf(*notebook_) : std::vector<Panel>(); }
+
+std::vector<std::string> Hardware::TakeRefusals() {
+  ExchangeWatch::Seen seen = watch_->Take();
+  return HasVisibleLights() ? FindRefusals(*notebook_) : std::move(seen.failures);
+}
+
+std::vector<std::string> Hardware::TakeFaults(const std::string& device, const ControllerRecords& records) {
+  ExchangeWatch::Seen seen = watch_->Take();
+  if (HasVisibleLights()) return FindFaults(*notebook_, device, records);
+  if (seen.exchanges == 0) return {"nothing was sent to " + device + "; 'zarnctl doctor' tells why"};
+  return std::move(seen.failures);
+}
+
+bool Hardware::Shows(const std::string& device, const ControllerRecords& records) const {
+  return !HasVisibleLights() || zarnctl::Shows(*notebook_, device, records);
+}
+
+std::chrono::milliseconds Hardware::FirmwareLatency() const {
+  return std::chrono::milliseconds(HasVisibleLights() ? notebook_->profile().firmware_latency_ms : 0);
+}
+
+}  // namespace zarnctl

@@ -1,0 +1,52 @@
+/// What the plug-in drives, as far as zarnctl can see it: a simulated notebook, whose lights it looks at, or this
+/// computer, of which it knows what was sent and what failed.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "controller/records.h"
+#include "simulator/notebook.h"
+#include "zarnctl/panel.h"
+
+namespace zarnctl {
+
+class ExchangeWatch;
+
+/// One at a time, for the rest of the process. The refusals and faults of one time are those since the time before.
+class Hardware {
+ public:
+  /// Puts the notebook of a profile, given as a TOML file or as the name of a shipped profile, under the platform
+  /// layer; this computer for an empty `machine`. With `trace` every firmware call and every HID report goes to stderr,
+  /// a line each. Throws Complaint.
+  Hardware(const std::string& machine, bool trace);
+  ~Hardware();
+  Hardware(const Hardware&) = delete;
+  Hardware& operator=(const Hardware&) = delete;
+
+  /// "the notebook \"Four zones\"", "this computer"
+  std::string Name() const;
+  /// Whether the lights can be looked at.
+  bool HasVisibleLights() const { return notebook_ != nullptr; }
+  /// What is lit; nothing where that cannot be seen.
+  std::vector<Panel> Panels() const;
+
+  /// One line for each way in which the firmware or a HID keyboard refused or did not answer.
+  std::vector<std::string> TakeRefusals();
+  /// The refusals; without any, one line when the lights of the device are not those of its active mode, where it says
+  /// `records` of itself, or nothing was sent. Empty when all is well.
+  std::vector<std::string> TakeFaults(const std::string& device, const ControllerRecords& records);
+  /// Whether the lights of the device are those of its active mode, as far as they can be seen.
+  bool Shows(const std::string& device, const ControllerRecords& records) const;
+
+  /// How long each call of the firmware takes beside its own pause.
+  std::chrono::milliseconds FirmwareLatency() const;
+
+ private:
+  std::shared_ptr<simulator::Notebook> notebook_;  // null: this computer
+  std::shared_ptr<ExchangeWatch> watch_;
+};
+
+}  // namespace zarnctl
