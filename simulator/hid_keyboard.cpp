@@ -68,6 +68,7 @@ class DescriptorWriter {
 };
 
 Bytes DescriptorOf(const HidKeyboard::Settings& settings) {
+  if (!settings.descriptor.empty()) return settings.descriptor;
   const std::uint32_t data_length = settings.report_length - 1;
   const auto with_id = [](std::uint16_t usage, std::vector<HidKeyboard::Field> fields) {
     fields.insert(fields.begin(), {usage, 8});
@@ -225,6 +226,7 @@ Answer HidKeyboard::Update(std::span<const std::uint8_t> data) {
 }
 
 Bytes HidKeyboard::Attributes() const {
+  if (!settings_.attribute_reply.empty()) return settings_.attribute_reply;
   const Bytes& ids = settings_.device_ids;
   Bytes report = ids;
   report.insert(report.begin(), settings_.claimed_ids.value_or(Low(static_cast<std::uint32_t>(ids.size()))));
@@ -233,6 +235,7 @@ Bytes HidKeyboard::Attributes() const {
 }
 
 Bytes HidKeyboard::BaseInfo() const {
+  if (!settings_.base_info_reply.empty()) return settings_.base_info_reply;
   const std::map<std::uint16_t, std::uint32_t> values = {{0x34, settings_.info34},
                                                          {0x32, settings_.info32},
                                                          {0x35, settings_.zones},

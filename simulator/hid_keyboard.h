@@ -68,6 +68,11 @@ class HidKeyboard {
     std::vector<Field> base_info = {{0x34, 8}, {0x32, 8}, {0x35, 16}, {0x33, 16}, {0x31, 32}};
     std::vector<Field> update = {{0x41, 8}, {0x43, 8}, {0x42, 8}, {0x44, 8},
                                  {0x45, 8}, {0x46, 8}, {0x47, 8}, {0x48, 16}};
+    /// What a real keyboard was seen to have and to answer, whole reports with their ids; each takes the place of what
+    /// is made from the settings above, where it is not empty.
+    std::vector<std::uint8_t> descriptor = {};
+    std::vector<std::uint8_t> attribute_reply = {};
+    std::vector<std::uint8_t> base_info_reply = {};
   };
   /// The usages that the fields of the two reports may have, in their order.
   static constexpr std::array<std::uint16_t, 5> kBaseInfoUsages{0x34, 0x32, 0x35, 0x33, 0x31};

@@ -66,10 +66,14 @@ std::vector<std::uint8_t> Notebook::SmbiosTable() const {
   const std::uint8_t light_bar = ec.light_bar ? 1 : 2;
   std::vector<std::uint8_t> table(kSystemInformation.begin(), kSystemInformation.end());
   const auto append = [&table](std::initializer_list<std::uint8_t> bytes) { table.insert(table.end(), bytes); };
-  append({172, 15, 1, 0, ec.version.major, ec.version.minor});
-  append({8, zones, 0});
-  append({10, rgb, 0});
-  append({23, light_bar, 0});
+  const std::vector<std::uint8_t>& recorded = profile_.firmware_structure;
+  table.insert(table.end(), recorded.begin(), recorded.end());
+  if (recorded.empty()) {
+    append({172, 15, 1, 0, ec.version.major, ec.version.minor});
+    append({8, zones, 0});
+    append({10, rgb, 0});
+    append({23, light_bar, 0});
+  }
   append({0, 0});
   append({127, 4, 2, 0, 0, 0});
   return table;

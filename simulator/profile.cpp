@@ -172,6 +172,12 @@ constexpr Field kFirmware[] = {
      [](const toml::node& node, Profile& profile) { return Assign(Version(node), profile.ec.version); }, true},
     {"instance", "text, empty for no firmware class",
      [](const toml::node& node, Profile& profile) { return Assign(Text(node), profile.firmware_instance); }},
+    {"record", "6 to 255 numbers from 0 to 255, a structure of type 172",
+     [](const toml::node& node, Profile& profile) {
+       const auto bytes = ByteList(node, 255);
+       return bytes && bytes->size() >= 6 && bytes->at(0) == 172 && bytes->at(1) == bytes->size() &&
+              Assign(bytes, profile.firmware_structure);
+     }},
     {"latency_ms", "a whole number from 0 to 10000",
      [](const toml::node& node, Profile& profile) { return Assign(Number(node, 10000), profile.firmware_latency_ms); }},
 };
@@ -204,6 +210,11 @@ bool ReadHidSwitch(const toml::node& node, Profile& profile) {
   return Assign(node.value_exact<bool>(), profile.hid_keyboards.back().*kMember);
 }
 
+template <auto kMember, std::size_t kMost>
+bool ReadHidBytes(const toml::node& node, Profile& profile) {
+  return Assign(ByteList(node, kMost), profile.hid_keyboards.back().*kMember);
+}
+
 /// Declared fields of a report, whose usages must be in the order in which the reports have them.
 template <auto kMember, const auto& kUsages>
 bool ReadHidFields(const toml::node& node, Profile& profile) {
@@ -228,6 +239,9 @@ constexpr Field kHidKeyboard[] = {
      }},
     {"claimed_ids", "a whole number from 0 to 255", ReadHidNumber<&Hid::claimed_ids, 0xFF>},
     {"reply_id", "a whole number from 0 to 255", ReadHidNumber<&Hid::reply_id, 0xFF>},
+    {"descriptor", "1 to 4096 numbers from 0 to 255", ReadHidBytes<&Hid::descriptor, 4096>},
+    {"attribute_reply", "1 to 1025 numbers from 0 to 255", ReadHidBytes<&Hid::attribute_reply, 1025>},
+    {"base_info_reply", "1 to 1025 numbers from 0 to 255", ReadHidBytes<&Hid::base_info_reply, 1025>},
     {"base_info", "pairs of usage and bits, [[0x35, 16]], of 0x34, 0x32, 0x35, 0x33, 0x31 in this order",
      ReadHidFields<&Hid::base_info, HidKeyboard::kBaseInfoUsages>},
     {"update", "pairs of usage and bits, [[0x41, 8]], of 0x41, 0x43, 0x42, 0x44, 0x45, 0x46, 0x47, 0x48 in this order",

@@ -22,6 +22,8 @@ struct Profile {
   bool rgb_keyboard = true;
   /// Whether the SMBIOS table tells about the EC's lights.
   bool firmware_record = true;
+  /// The structure that tells it, as a real table had it; empty: made from what is here.
+  std::vector<std::uint8_t> firmware_structure;
   /// How long one firmware call takes.
   std::uint32_t firmware_latency_ms = 0;
   /// Registry values below HKEY_LOCAL_MACHINE: key, value name, bytes.

@@ -22,6 +22,7 @@ constexpr const char* kFooter =
 /// The values of options as they were typed; they are read when all of them are known.
 struct Typed {
   std::string device;
+  std::string file;
   std::string mode;
   std::optional<std::string> speed;
   std::optional<std::string> brightness;
@@ -60,6 +61,10 @@ class CommandLine {
     app_.add_subcommand("demo", "walk through all modes of all devices");
     app_.add_subcommand("doctor", "tell what discovery depends on, what is missing, and what to do");
     app_.add_subcommand("config", "show what is set, and where");
+    app_.add_subcommand("record", "write what this machine answers as a profile")
+        ->add_option("FILE", typed_.file, "file to write, which must not be there yet")
+        ->required()
+        ->type_name("");
   }
 
   std::optional<Arguments> Read(int argc, const char* const* argv) {
@@ -96,7 +101,7 @@ class CommandLine {
   std::string NoCommand() const {
     const std::vector<std::string> strangers = app_.remaining();
     const std::string what = strangers.empty() ? "a command is missing" : strangers.front() + ": no such command";
-    return what + "; the commands are devices, show, set, leds, demo, doctor and config";
+    return what + "; the commands are devices, show, set, leds, demo, doctor, config and record";
   }
 
   decltype(Arguments::command) Command() const {
@@ -106,6 +111,7 @@ class CommandLine {
     if (app_.got_subcommand("leds")) return LedsCommand{typed_.device, LedColors()};
     if (app_.got_subcommand("doctor")) return DoctorCommand{};
     if (app_.got_subcommand("config")) return ConfigCommand{};
+    if (app_.got_subcommand("record")) return RecordCommand{typed_.file};
     return DemoCommand{};
   }
 

@@ -27,9 +27,12 @@ struct LedsCommand {
 struct DemoCommand {};
 struct DoctorCommand {};
 struct ConfigCommand {};
+struct RecordCommand {
+  std::filesystem::path file;
+};
 
-using Command =
-    std::variant<DevicesCommand, ShowCommand, SetCommand, LedsCommand, DemoCommand, DoctorCommand, ConfigCommand>;
+using Command = std::variant<DevicesCommand, ShowCommand, SetCommand, LedsCommand, DemoCommand, DoctorCommand,
+                             ConfigCommand, RecordCommand>;
 
 struct Arguments {
   std::string machine;  // empty: this computer

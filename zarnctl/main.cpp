@@ -1,4 +1,6 @@
 #include <exception>
+#include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -17,6 +19,7 @@
 #include "zarnctl/lights.h"
 #include "zarnctl/panel.h"
 #include "zarnctl/plugin.h"
+#include "zarnctl/record.h"
 #include "zarnctl/settings.h"
 #include "zarnctl/terminal.h"
 #include "zarnctl/text.h"
@@ -94,6 +97,18 @@ class Session {
     const bool sound = !is_this_computer || !Report(ComplaintsAboutSettings());
     std::cout << ConfigOf(*platform::CurrentMachine(), is_this_computer);
     return sound ? ExitCode::Done : ExitCode::Failed;
+  }
+
+  ExitCode operator()(const RecordCommand& command) {
+    if (std::filesystem::exists(command.file)) {
+      throw Complaint(ExitCode::WrongCommandLine, command.file.string() + " is there already; give another name");
+    }
+    std::ofstream file(command.file);
+    file << RecordOf(*platform::CurrentMachine()) << std::flush;
+    if (!file) throw Complaint(ExitCode::Failed, command.file.string() + " cannot be written");
+    hardware_.TakeRefusals();  // the record tells what did not answer
+    std::cout << "written; 'zarnctl --machine " << command.file.string() << " demo' plays it back\n";
+    return ExitCode::Done;
   }
 
   ExitCode operator()(const DemoCommand& /*command*/) {

@@ -56,7 +56,7 @@ class CommandLine : public testing::Test {
 };
 
 TEST_F(CommandLine, WrongOnesGetOneLineAndExitWithTwo) {
-  const std::string commands = "; the commands are devices, show, set, leds, demo, doctor and config";
+  const std::string commands = "; the commands are devices, show, set, leds, demo, doctor, config and record";
   const std::string help = "; see 'zarnctl --help'";
   ExpectComplaint("", 2, "a command is missing" + commands);
   ExpectComplaint("paint", 2, "paint: no such command" + commands);
@@ -232,6 +232,21 @@ TEST_F(CommandLine, ConfigShowsTheSwitchesAndWhereTheLogIs) {
                                            "'\n[registry.'SOFTWARE\\OEM\\ZarnLightingService']\nHybridMode = 2\n");
   EXPECT_EQ(Run("config --machine " + machine).out,
             "logging: on\nlog folder: " + folder + "/OEM/ZarnLightingService/Log\nhybrid mode: off\n");
+}
+
+TEST_F(CommandLine, ARecordPlaysBackWhatTheMachineWas) {
+  for (const std::string name : {"hybrid", "two-hid-keyboards", "narrow-fields", "light-bar"}) {
+    const std::string first = (folder_.path() / (name + "1.toml")).string();
+    const std::string second = (folder_.path() / (name + "2.toml")).string();
+    EXPECT_EQ(Run("record " + first + " --machine " + name).exit_code, 0);
+    EXPECT_EQ(Run("record " + second + " --machine " + first).exit_code, 0);
+    EXPECT_EQ(test::ContentOf(first), test::ContentOf(second));
+    EXPECT_EQ(Run("devices --machine " + first).out, Run("devices --machine " + name).out);
+  }
+  const std::string lit = "set ZarnHIDKeyboard --mode wave --direction 1 --machine ";
+  EXPECT_EQ(Run(lit + (folder_.path() / "narrow-fields1.toml").string()).out, Run(lit + "narrow-fields").out);
+  const std::string there = WriteProfile("title = 'There'\n");
+  ExpectComplaint("record " + there + " --machine hybrid", 2, there + " is there already; give another name");
 }
 
 TEST_F(CommandLine, DemoShowsEveryModeAndEndsByItself) {
