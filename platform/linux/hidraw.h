@@ -27,7 +27,7 @@ struct HidrawPlaces {
 /// host would take the kernel's five seconds. Any thread may call.
 class HungDevices {
  public:
-  static constexpr std::chrono::seconds kRest{10};
+  static constexpr std::chrono::seconds kRest{15};
 
   void Add(const std::string& device);
   bool Contains(const std::string& device);

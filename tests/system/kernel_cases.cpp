@@ -1,9 +1,10 @@
 /// What shows on a real kernel alone: rights, time limits, the computer's own SMBIOS table.
 
-#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
 #include <iostream>
 
 #include "tests/cases/case.h"
@@ -15,6 +16,30 @@ using Clock = std::chrono::steady_clock;
 
 class KernelCase : public Case {
  protected:
+  /// What zarnctl prints in a process of its own, as root or as somebody who is nobody.
+  static std::string Zarnctl(const std::string& arguments, uid_t user = 0) {
+    const TemporaryFolder folder;
+    const std::string out = folder.path() / "out";
+    const pid_t child = fork();
+    if (child == 0) {
+      if (std::freopen(out.c_str(), "w", stdout) == nullptr || setuid(user) != 0) _exit(126);
+      execl("/bin/busybox", "sh", "-c", (std::string(ZARNCTL_PATH) + " " + arguments + " 2>&1").c_str(), nullptr);
+      _exit(127);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    return ContentOf(out) + "exit code " + std::to_string(WEXITSTATUS(status)) + "\n";
+  }
+  /// The line about the node of the keyboard, whichever number it has.
+  static std::string LineAboutTheNode(const std::string& text) {
+    const std::size_t begin = text.find("/dev/hidraw");
+    const std::size_t line = text.rfind('\n', begin) + 1;
+    return begin == std::string::npos
+               ? ""
+               : text.substr(line, begin - line) +
+                     text.substr(text.find(' ', begin), text.find('\n', begin) - text.find(' ', begin));
+  }
+
   static double SecondsSince(Clock::time_point began) {
     return std::chrono::duration<double>(Clock::now() - began).count();
   }
@@ -37,6 +62,23 @@ TEST_F(KernelCase, WithoutTheRightToOpenANodeThereIsNoKeyboard) {
   ASSERT_EQ(seteuid(0), 0);
   EXPECT_EQ(Discover().count, 1);
   EXPECT_EQ(Wire(), Lines{"GetFeature 0 a1"});
+}
+
+TEST_F(KernelCase, ZarnctlDrivesTheKeyboardOfThisComputerAndSaysWhatHoldsItUp) {
+  Start("hid-keyboard");
+  EXPECT_EQ(Zarnctl("devices"),
+            "ZarnHIDKeyboard: Zarn HID Keyboard Device, 1 zone, 4 LEDs, 14 modes\n"
+            "interface type 1, hardware id USB\\VID_1209&PID_0001, usage page FF5A\nexit code 0\n");
+  EXPECT_EQ(Zarnctl("set ZarnHIDKeyboard --mode static --color ff8000"), "ZarnHIDKeyboard: STATIC\nexit code 0\n");
+  EXPECT_EQ(Keyboard().Lights().zones[3].color, (simulator::Color{0xFF, 0x80, 0}));
+  EXPECT_EQ(LineAboutTheNode(Zarnctl("doctor")), "fine      (1209:0001): a lighting keyboard, serves 21");
+  EXPECT_EQ(
+      LineAboutTheNode(Zarnctl("doctor", 65534)),
+      "missing   (1209:0001): a lighting device, which this user may not open; plug it in again once the package's "
+      "udev rule is installed, or run as root");
+  Keyboard().Misbehave({});
+  EXPECT_EQ(LineAboutTheNode(Zarnctl("doctor")),
+            "missing   (1209:0001): does not answer report A1 (error 31); plug it in again");
 }
 
 TEST_F(KernelCase, ALateAnswerIsAnAnswer) {
