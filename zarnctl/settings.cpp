@@ -99,7 +99,9 @@ ModeRecord WithSettings(ModeRecord mode, const ModeSettings& settings) {
 std::vector<std::uint32_t> DirectionsOf(const ModeRecord& mode) {
   std::vector<std::uint32_t> directions;
   for (const DirectionPair& pair : kDirectionPairs) {
-    if (Has(mode, pair.capability)) directions.insert(directions.end(), {pair.first, pair.first + 1});
+    if (!Has(mode, pair.capability)) continue;
+    directions.push_back(pair.first);
+    directions.push_back(pair.first + 1);
   }
   return directions;
 }

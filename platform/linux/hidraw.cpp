@@ -8,10 +8,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <fstream>
-#include <iterator>
 #include <optional>
 
+#include "platform/linux/read_file.h"
 #include "platform/portable/hid_api.h"
 #include "platform/portable/text.h"
 
@@ -32,13 +31,6 @@ std::optional<unsigned> Number(std::string_view text, int base) {
                                                                                    : std::nullopt;
 }
 
-/// What a file holds; sysfs does not tell its size.
-std::optional<std::string> ContentOf(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) return std::nullopt;
-  return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
-}
-
 /// Vendor and product out of the line "HID_ID=0003:00001209:00000001": bus, vendor, product.
 std::optional<std::pair<std::uint16_t, std::uint16_t>> IdentityIn(std::string_view uevent) {
   constexpr std::string_view kKey = "HID_ID=";
@@ -50,7 +42,7 @@ std::optional<std::pair<std::uint16_t, std::uint16_t>> IdentityIn(std::string_vi
   if (product == std::string_view::npos || vendor == std::string_view::npos) return std::nullopt;
   const auto vendor_id = Number(line.substr(vendor + 1, product - vendor - 1), 16);
   const auto product_id = Number(line.substr(product + 1), 16);
-  if (!vendor_id || !product_id) return std::nullopt;
+  if (!vendor_id || !product_id || *vendor_id > 0xFFFF || *product_id > 0xFFFF) return std::nullopt;
   return std::pair(static_cast<std::uint16_t>(*vendor_id), static_cast<std::uint16_t>(*product_id));
 }
 
@@ -64,12 +56,11 @@ std::optional<HidrawDevice> ReadDevice(const HidrawPlaces& places, const std::st
   HidrawDevice found;
   found.node = places.nodes / name;
   found.identity = IdentityOf(places, name);
-  const auto uevent = ContentOf(places.sysfs / name / "device/uevent");
-  const auto descriptor = ContentOf(places.sysfs / name / "device/report_descriptor");
-  const auto ids = uevent ? IdentityIn(*uevent) : std::nullopt;
+  const auto uevent = ReadFile(places.sysfs / name / "device/uevent");
+  auto descriptor = ReadFile(places.sysfs / name / "device/report_descriptor");
+  const auto ids = uevent ? IdentityIn(std::string(uevent->begin(), uevent->end())) : std::nullopt;
   if (found.identity.empty() || !ids || !descriptor || descriptor->empty()) return std::nullopt;
-  found.device = {WideFromUtf8(found.node.string()), ids->first, ids->second, 0,
-                  Bytes(descriptor->begin(), descriptor->end())};
+  found.device = {WideFromUtf8(found.node.string()), ids->first, ids->second, 0, *std::move(descriptor)};
   return found;
 }
 
@@ -96,15 +87,17 @@ class FileDescriptor {
   FileDescriptor() = default;
   FileDescriptor(const FileDescriptor&) = delete;
   FileDescriptor& operator=(const FileDescriptor&) = delete;
-  ~FileDescriptor() {
-    if (fd_ >= 0) close(fd_);
-  }
+  ~FileDescriptor() { Close(); }
 
   /// 0, or the code of the failure.
   int Open(const fs::path& node) {
     // Reading rights are enough for feature reports in both directions.
     fd_ = open(node.c_str(), O_RDONLY | O_CLOEXEC);
     return fd_ >= 0 ? 0 : errno;
+  }
+  void Close() {
+    if (fd_ >= 0) close(fd_);
+    fd_ = -1;
   }
   int Get() const { return fd_; }
 
@@ -138,9 +131,10 @@ class HidrawConnection final : public HidConnection {
  private:
   template <typename Call>
   LONG Exchange(const Call& call) {
-    if (hung_->Contains(device_.identity)) return ERROR_SEM_TIMEOUT;
-    const Clock::time_point began = Clock::now();
+    if (hung_->Contains(device_.identity)) return IsPresent() ? ERROR_SEM_TIMEOUT : ERROR_DEVICE_NOT_CONNECTED;
     int code = Open();
+    // Opening may wait for another device, which says nothing about this one.
+    const Clock::time_point began = Clock::now();
     if (code == 0 && call(file_.Get()) < 0) code = errno;
     if (code == 0) return ERROR_SUCCESS;
     if (!IsPresent()) return ERROR_DEVICE_NOT_CONNECTED;
@@ -156,7 +150,9 @@ class HidrawConnection final : public HidConnection {
     if (!IsPresent()) return ENODEV;
     if (const int code = file_.Open(device_.node)) return code;
     // What was opened is the device only if it is still there: between the two its node could have gone to another.
-    return IsPresent() ? 0 : ENODEV;
+    if (IsPresent()) return 0;
+    file_.Close();
+    return ENODEV;
   }
 
   bool IsPresent() const { return IdentityOf(places_, device_.node.filename()) == device_.identity; }

@@ -2,24 +2,17 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <utility>
 
 #include "platform/linux/home.h"
+#include "platform/linux/read_file.h"
 #include "platform/portable/text.h"
 
 namespace platform {
 namespace {
 
 constexpr std::wstring_view kProgramData = L"PROGRAMDATA";
-
-std::optional<Bytes> ContentOf(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) return std::nullopt;
-  return Bytes(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
-}
 
 /// Major and minor version of the standard, out of the table's entry point: of 32 or of 64 bits.
 std::optional<std::pair<std::uint8_t, std::uint8_t>> VersionIn(const Bytes& entry_point) {
@@ -54,9 +47,9 @@ std::optional<std::wstring> LinuxMachine::UserName() {
 }
 
 std::optional<SmbiosTable> LinuxMachine::ReadSmbiosTable() {
-  auto table = ContentOf(places_.smbios / "DMI");
+  auto table = ReadFile(places_.smbios / "DMI");
   if (!table) return std::nullopt;
-  const auto entry_point = ContentOf(places_.smbios / "smbios_entry_point");
+  const auto entry_point = ReadFile(places_.smbios / "smbios_entry_point");
   const auto version = entry_point ? VersionIn(*entry_point) : std::nullopt;
   const auto [major, minor] = version.value_or(std::pair<std::uint8_t, std::uint8_t>());
   return SmbiosTable{*std::move(table), major, minor};

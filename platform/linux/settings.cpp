@@ -5,7 +5,6 @@
 #include <toml++/toml.h>
 #include <algorithm>
 #include <limits>
-#include <ranges>
 
 #include "platform/linux/home.h"
 #include "platform/portable/text.h"
@@ -14,7 +13,7 @@ namespace platform {
 namespace {
 
 /// Throws std::runtime_error with what is wrong and where.
-[[noreturn]] void Fail(const toml::source_region& where, std::string what) {
+[[noreturn]] void Fail(const toml::source_region& where, const std::string& what) {
   throw std::runtime_error(std::to_string(where.begin.line) + ": " + what);
 }
 
@@ -28,12 +27,15 @@ std::wstring Wide(const toml::key& key) { return WideFromUtf8(key.str()); }
 
 void ReadKey(const toml::key& key, const toml::node& node, RegistryValues& values) {
   if (!node.is_table()) Fail(key.source(), std::string(key.str()) + " must be a table: [registry.'KEY\\KEY']");
+  if (FindWithoutCase(values, Wide(key)) != nullptr) Fail(key.source(), std::string(key.str()) + " is there already");
   auto& read = values[Wide(key)];
   for (const auto& [name, value] : *node.as_table()) {
     const auto number = value.value_exact<std::int64_t>();
     if (!number || *number < 0 || *number > std::numeric_limits<std::uint32_t>::max()) {
       Fail(name.source(), std::string(name.str()) + " must be a whole number from 0 to 4294967295");
     }
+    if (FindWithoutCase(read, Wide(name)) != nullptr)
+      Fail(name.source(), std::string(name.str()) + " is there already");
     read[Wide(name)] = Dword(static_cast<std::uint32_t>(*number));
   }
 }
@@ -87,8 +89,8 @@ bool Settings::HasKey(std::wstring_view key) {
 std::optional<Bytes> Settings::Value(std::wstring_view key, std::wstring_view name) {
   const std::lock_guard lock(lock_);
   Refresh();
-  for (const Entry& entry : entries_ | std::views::reverse) {
-    if (auto value = FindValue(entry.values, key, name)) return value;
+  for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry) {
+    if (auto value = FindValue(entry->values, key, name)) return value;
   }
   return std::nullopt;
 }

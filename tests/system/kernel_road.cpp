@@ -45,7 +45,7 @@ class KernelRoad final : public Road {
 
  private:
   std::filesystem::path WriteSettings(const simulator::Profile& profile) const {
-    const std::filesystem::path file = folder_.path() / "settings.toml";
+    std::filesystem::path file = folder_.path() / "settings.toml";
     std::ofstream stream(file);
     for (const auto& [key, values] : profile.registry) {
       stream << "[registry.'" << platform::ReadableUtf8(key) << "']\n";

@@ -236,15 +236,15 @@ TEST_F(CommandLine, ConfigShowsTheSwitchesAndWhereTheLogIs) {
 
 TEST_F(CommandLine, ARecordPlaysBackWhatTheMachineWas) {
   for (const std::string name : {"hybrid", "two-hid-keyboards", "narrow-fields", "light-bar"}) {
-    const std::string first = (folder_.path() / (name + "1.toml")).string();
-    const std::string second = (folder_.path() / (name + "2.toml")).string();
+    const std::string first = folder_.path() / name;
+    const std::string second = first + "-again";
     EXPECT_EQ(Run("record " + first + " --machine " + name).exit_code, 0);
     EXPECT_EQ(Run("record " + second + " --machine " + first).exit_code, 0);
     EXPECT_EQ(test::ContentOf(first), test::ContentOf(second));
     EXPECT_EQ(Run("devices --machine " + first).out, Run("devices --machine " + name).out);
   }
   const std::string lit = "set ZarnHIDKeyboard --mode wave --direction 1 --machine ";
-  EXPECT_EQ(Run(lit + (folder_.path() / "narrow-fields1.toml").string()).out, Run(lit + "narrow-fields").out);
+  EXPECT_EQ(Run(lit + (folder_.path() / "narrow-fields").string()).out, Run(lit + "narrow-fields").out);
   const std::string there = WriteProfile("title = 'There'\n");
   ExpectComplaint("record " + there + " --machine hybrid", 2, there + " is there already; give another name");
 }
