@@ -89,10 +89,11 @@ bool Settings::HasKey(std::wstring_view key) {
 std::optional<Bytes> Settings::Value(std::wstring_view key, std::wstring_view name) {
   const std::lock_guard lock(lock_);
   Refresh();
-  for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry) {
-    if (auto value = FindValue(entry->values, key, name)) return value;
+  std::optional<Bytes> value;
+  for (const Entry& entry : entries_) {
+    if (auto found = FindValue(entry.values, key, name)) value = std::move(found);
   }
-  return std::nullopt;
+  return value;
 }
 
 void Settings::Refresh() {

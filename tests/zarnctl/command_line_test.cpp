@@ -33,6 +33,10 @@ class CommandLine : public testing::Test {
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, test::ContentOf(out), test::ContentOf(err)};
   }
 
+  void Record(const std::string& file, const std::string& machine) {
+    EXPECT_EQ(Run("record " + file + " --machine " + machine).exit_code, 0);
+  }
+
   void ExpectComplaint(const std::string& arguments, int exit_code, const std::string& line) {
     const Outcome outcome = Run(arguments);
     EXPECT_EQ(outcome.exit_code, exit_code) << arguments;
@@ -238,8 +242,8 @@ TEST_F(CommandLine, ARecordPlaysBackWhatTheMachineWas) {
   for (const std::string name : {"hybrid", "two-hid-keyboards", "narrow-fields", "light-bar"}) {
     const std::string first = folder_.path() / name;
     const std::string second = first + "-again";
-    EXPECT_EQ(Run("record " + first + " --machine " + name).exit_code, 0);
-    EXPECT_EQ(Run("record " + second + " --machine " + first).exit_code, 0);
+    Record(first, name);
+    Record(second, first);
     EXPECT_EQ(test::ContentOf(first), test::ContentOf(second));
     EXPECT_EQ(Run("devices --machine " + first).out, Run("devices --machine " + name).out);
   }
