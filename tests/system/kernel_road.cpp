@@ -20,8 +20,9 @@ class KernelRoad final : public Road {
  public:
   std::string Name() const override { return "kernel"; }
   std::string WhyNot(Need need) const override {
-    return need == Need::Firmware ? "a kernel offers no firmware methods"
-                                  : "a request without an answer takes five seconds, and the device is spared for fifteen";
+    return need == Need::Firmware
+               ? "a kernel offers no firmware methods"
+               : "a request without an answer takes five seconds, and the device is spared for fifteen";
   }
 
   void Place(const std::shared_ptr<simulator::Notebook>& notebook) override {
