@@ -32,6 +32,7 @@ class Session {
  public:
   explicit Session(const Arguments& arguments)
       : trace_(arguments.trace), hardware_(arguments.machine, trace_), plugin_(arguments.plugin) {
+    if (!hardware_.HasVisibleLights()) settings_are_sound_ = !Report(ComplaintsAboutSettings());
     discovery_ = plugin_.Discover();
   }
 
@@ -93,10 +94,8 @@ class Session {
   }
 
   ExitCode operator()(const ConfigCommand& /*command*/) {
-    const bool is_this_computer = !hardware_.HasVisibleLights();
-    const bool sound = !is_this_computer || !Report(ComplaintsAboutSettings());
-    std::cout << ConfigOf(*platform::CurrentMachine(), is_this_computer);
-    return sound ? ExitCode::Done : ExitCode::Failed;
+    std::cout << ConfigOf(*platform::CurrentMachine(), !hardware_.HasVisibleLights());
+    return settings_are_sound_ ? ExitCode::Done : ExitCode::Failed;
   }
 
   ExitCode operator()(const RecordCommand& command) {
@@ -182,6 +181,7 @@ class Session {
   Hardware hardware_;
   Plugin plugin_;
   Discovery discovery_;
+  bool settings_are_sound_ = true;
   bool refused_ = false;
 };
 
