@@ -22,17 +22,17 @@ UpdateWorker::~UpdateWorker() { Stop(); }  // NOLINT(bugprone-exception-escape):
 
 void UpdateWorker::Start(std::function<void()> body) {
   worker = std::thread(std::move(body));
-  standing_at_wait.wait();
+  std::unique_lock lock(worker_lock);
+  worker_entered.wait(lock, [this] { return entered; });
 }
 
 void UpdateWorker::Run(const std::function<void()>& write_mode, const std::function<void()>& write_colors) {
-  if (entered.exchange(true)) return;
+  std::unique_lock lock(worker_lock);
+  if (std::exchange(entered, true)) return;
   colors_pending = false;
   mode_pending = false;
-
-  std::unique_lock lock(worker_lock);
-  // Told while the lock is held: who hears of it can raise a request only once the wait below has given the lock up.
-  standing_at_wait.count_down();
+  // Whoever hears of it can raise a request only once the wait below has given the lock up.
+  worker_entered.notify_one();
   while (worker_alive) {
     worker_wakeup.wait(lock, [this] { return mode_pending || colors_pending || !worker_alive; });
     lock.unlock();

@@ -8,7 +8,6 @@
 #include <atomic>
 #include <condition_variable>
 #include <functional>
-#include <latch>
 #include <mutex>
 #include <thread>
 
@@ -48,6 +47,7 @@ class UpdateWorker {
   std::condition_variable worker_wakeup;
   std::mutex worker_lock;  // held to raise a flag and to test the flags before waiting; never during an operation
 
-  std::atomic<bool> entered = false;
-  std::latch standing_at_wait{1};
+  // Not a std::latch: where the system has no futex for it, libstdc++ can lose the wake-up that Start waits for.
+  std::condition_variable worker_entered;
+  bool entered = false;  // under worker_lock
 };
