@@ -40,14 +40,6 @@ struct Status {
   std::int32_t count = 0;
 };
 
-/// What the firmware's record announces.
-struct EcDevices {
-  bool keyboard = false;
-  bool rgb_keyboard = false;
-  bool light_bar = false;
-  std::pair<std::uint8_t, std::uint8_t> firmware_version;  // major, minor
-};
-
 /// Closes the handles of all lighting devices at its end, whatever ends it.
 class PresenceTest {
  public:
@@ -75,32 +67,13 @@ Status HidKeyboardAlone(const _HIDInfo& keyboard) {
           .count = 1};
 }
 
-/// Takes an item in; false when it ends the scan. The last item of a kind counts, as long as it stands in front of the
-/// light bar's, which closes the list. The device controllers, which come later, read the first one of each.
-bool TakeItem(std::uint8_t id, std::uint16_t value, EcDevices& devices) {
-  if (id == kItemKeyboardZones && (value == 0 || value == 1 || value == 3 || value == 4)) devices.keyboard = value != 0;
-  if (id == kItemRgbKeyboard && (value == kRgbKeyboardNone || value == kRgbKeyboardThere)) {
-    devices.rgb_keyboard = value == kRgbKeyboardThere;
-  }
-  if (id != kItemLightBar) return true;
-  devices.light_bar = value == kLightBarThere;
-  return false;
-}
-
-EcDevices ReadEcDevices() {
-  EcDevices devices;
+/// All zero when there is none.
+stSMBiosType172 ReadFirmwareRecord() {
   RawSmbiosTable table;
   stSMBiosType172 record;
   ReadRawSmbiosTable(table);
-  if (!FindSMBiosType172(table, record)) {
-    kLog(L"Get SMBIOS 172 fail!");
-    return devices;
-  }
-  devices.firmware_version = {record.biosMajor, record.biosMinor};
-  for (std::size_t i = 0; i < static_cast<std::size_t>(record.itemCount); ++i) {
-    if (!TakeItem(record.itemIds.at(i), record.itemValues.at(i), devices)) break;
-  }
-  return devices;
+  if (!FindSMBiosType172(table, record)) kLog(L"Get SMBIOS 172 fail!");
+  return record;
 }
 
 /// Whether the firmware confirms the light bar that its record announces. Older firmware does so in one byte of its
@@ -120,15 +93,16 @@ bool FirmwareHasLightBar(std::pair<std::uint8_t, std::uint8_t> version) {
 
 /// How many devices the embedded controller has: 0, the keyboard, or the whole-device light as well.
 std::int32_t CountEcDevices() {
-  const EcDevices devices = ReadEcDevices();
-  kLog(L"Is EC Keyboard: %d", devices.keyboard ? 1 : 0);
-  kLog(L"Is RGB Keyboard: %d", devices.rgb_keyboard ? 1 : 0);
-  if (!devices.keyboard || !devices.rgb_keyboard) {
+  const stSMBiosType172 record = ReadFirmwareRecord();
+  const AnnouncedLights announced = FindAnnouncedLights(record);
+  kLog(L"Is EC Keyboard: %d", announced.keyboard ? 1 : 0);
+  kLog(L"Is RGB Keyboard: %d", announced.rgb_keyboard ? 1 : 0);
+  if (!announced.keyboard || !announced.rgb_keyboard) {
     kLog(L"Number of Device:0, DeviceName:");
     return 0;
   }
-  kLog(L"Is EC Lightbar: %d", devices.light_bar ? 1 : 0);
-  const bool both = devices.light_bar && FirmwareHasLightBar(devices.firmware_version);
+  kLog(L"Is EC Lightbar: %d", announced.light_bar ? 1 : 0);
+  const bool both = announced.light_bar && FirmwareHasLightBar({record.biosMajor, record.biosMinor});
   kLog(both ? L"Number of Device:2, DeviceName:ZarnECGlobal,ZarnECKeyboard"
             : L"Number of Device:1, DeviceName:ZarnECKeyboard");
   return both ? 2 : 1;

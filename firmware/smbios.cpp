@@ -18,7 +18,7 @@ std::uint16_t ReadU16(std::span<const std::uint8_t> bytes, std::size_t offset) {
 }
 
 /// The structure of type 172 and everything behind it; empty when the walk ends before one is found.
-std::span<const std::uint8_t> FindOemStructure(std::span<const std::uint8_t> rest) {
+std::span<const std::uint8_t> SkipToOemStructure(std::span<const std::uint8_t> rest) {
   static constexpr std::uint8_t kEndOfStrings[] = {0, 0};
   while (!rest.empty() && rest[0] != kOemType) {
     if (rest.size() < 2 || rest[1] > rest.size()) return {};
@@ -65,7 +65,7 @@ bool FindSMBiosType172(const RawSmbiosTable& table, stSMBiosType172& record) {
 
 bool FindSMBiosType172(std::span<const std::uint8_t> table, stSMBiosType172& record) {
   record = {};
-  const std::span<const std::uint8_t> found = FindOemStructure(table);
+  const std::span<const std::uint8_t> found = SkipToOemStructure(table);
   if (found.size() < kHeaderSize || found.size() < found[1]) return false;
 
   record.type = found[0];
@@ -82,6 +82,29 @@ bool FindSMBiosType172(std::span<const std::uint8_t> table, stSMBiosType172& rec
     record.itemValues[i] = ReadU16(found, kItemsOffset + kItemSize * i + 1);
   }
   return true;
+}
+
+std::span<const std::uint8_t> FindOemStructure(std::span<const std::uint8_t> table) {
+  stSMBiosType172 record;
+  return FindSMBiosType172(table, record) ? SkipToOemStructure(table).first(record.length)
+                                          : std::span<const std::uint8_t>();
+}
+
+AnnouncedLights FindAnnouncedLights(const stSMBiosType172& record) {
+  AnnouncedLights lights;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(record.itemCount); ++i) {
+    const std::uint8_t id = record.itemIds.at(i);
+    const std::uint16_t value = record.itemValues.at(i);
+    if (id == kItemKeyboardZones && (value == 0 || value == 1 || value == 3 || value == 4))
+      lights.keyboard = value != 0;
+    if (id == kItemRgbKeyboard && (value == kRgbKeyboardNone || value == kRgbKeyboardThere)) {
+      lights.rgb_keyboard = value == kRgbKeyboardThere;
+    }
+    if (id != kItemLightBar) continue;
+    lights.light_bar = value == kLightBarThere;
+    break;
+  }
+  return lights;
 }
 
 std::optional<std::uint16_t> FirstItem(const stSMBiosType172& record, std::uint8_t id) {

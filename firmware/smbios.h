@@ -46,5 +46,20 @@ int ReadRawSmbiosTable(RawSmbiosTable& table);
 bool FindSMBiosType172(const RawSmbiosTable& table, stSMBiosType172& record);
 bool FindSMBiosType172(std::span<const std::uint8_t> table, stSMBiosType172& record);
 
+/// The formatted area of the structure that FindSMBiosType172 unpacks, with its header, inside `table`; empty when there
+/// is none.
+std::span<const std::uint8_t> FindOemStructure(std::span<const std::uint8_t> table);
+
+/// Lighting hardware as discovery takes it from the record.
+struct AnnouncedLights {
+  bool keyboard = false;
+  bool rgb_keyboard = false;
+  bool light_bar = false;
+};
+
+/// The last item of a kind counts, as long as it stands in front of the light bar's, which closes the list; the device
+/// controllers, which come later, read the first one of each.
+AnnouncedLights FindAnnouncedLights(const stSMBiosType172& record);
+
 /// The value of the first item with that id.
 std::optional<std::uint16_t> FirstItem(const stSMBiosType172& record, std::uint8_t id);

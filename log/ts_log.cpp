@@ -16,17 +16,8 @@
 namespace {
 
 constexpr wchar_t kModuleName[] = L"ZarnECKeyboard";
-constexpr wchar_t kLogFolder[] = L"OEM\\ZarnLightingService\\Log";
 
 using PathBuffer = std::array<wchar_t, MAX_PATH>;
-
-/// The machine's program-data folder, empty when it is not set; nothing when it is too long for a path.
-std::optional<std::wstring> ProgramDataFolder() {
-  PathBuffer buffer{};
-  const DWORD length = GetEnvironmentVariableW(L"PROGRAMDATA", buffer.data(), static_cast<DWORD>(buffer.size()));
-  if (length >= buffer.size()) return std::nullopt;
-  return std::wstring(buffer.data(), length);
-}
 
 std::wstring UserName() {
   PathBuffer buffer{};
@@ -40,10 +31,10 @@ SYSTEMTIME LocalTime() {
   return time;
 }
 
-std::wstring LogPath(const std::wstring& program_data) {
+std::wstring LogPath(const std::wstring& folder) {
   const SYSTEMTIME today = LocalTime();
   const std::wstring date = Formatted(L"%4d%02d%02d", today.wYear, today.wMonth, today.wDay);
-  return program_data + L"\\" + kLogFolder + L"\\" + UserName() + L"_" + kModuleName + L"_" + date + L".log";
+  return folder + L"\\" + UserName() + L"_" + kModuleName + L"_" + date + L".log";
 }
 
 std::wstring Timestamp() {
@@ -87,6 +78,14 @@ class SectionGuard {
 
 }  // namespace
 
+std::optional<std::wstring> LogFolder() {
+  PathBuffer program_data{};
+  const auto room = static_cast<DWORD>(program_data.size());
+  const DWORD length = GetEnvironmentVariableW(L"PROGRAMDATA", program_data.data(), room);
+  if (length >= room) return std::nullopt;
+  return std::wstring(program_data.data(), length) + L"\\OEM\\ZarnLightingService\\Log";
+}
+
 TsLog::TsLog(std::wstring path) : moduleName(kModuleName), filePath(std::move(path)) {
   InitializeCriticalSection(&lock);
 }
@@ -103,9 +102,9 @@ TsLog* TsLog::GetInstance() {
 }
 
 TsLog* TsLog::Create() {
-  const std::optional<std::wstring> program_data = ProgramDataFolder();
-  if (!program_data) return nullptr;
-  std::wstring path = LogPath(*program_data);
+  const std::optional<std::wstring> folder = LogFolder();
+  if (!folder) return nullptr;
+  std::wstring path = LogPath(*folder);
   if (path.size() >= MAX_PATH) return nullptr;  // no log rather than one at a cut path
   std::array<char, MAX_PATH> narrow_path{};
   if (WideCharToMultiByte(CP_ACP, 0, path.c_str(), -1, narrow_path.data(), static_cast<int>(narrow_path.size()),

@@ -5,9 +5,14 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "platform/system.h"
+
+/// The folder of the log's files: below PROGRAMDATA, which counts as empty when it is not set. Nothing when it is too
+/// long for a path.
+std::optional<std::wstring> LogFolder();
 
 class TsLog {
  public:

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cwchar>
 #include <string>
 #include <tuple>
 #include <utility>
 
+#include "platform/linux/user.h"
 #include "platform/portable/empty_machine.h"
 #include "platform/portable/hid_api.h"
 #include "platform/portable/registry_values.h"
@@ -67,8 +67,7 @@ class NotebookMachine final : public platform::EmptyMachine {
 
   std::optional<std::wstring> EnvironmentVariable(std::wstring_view name) override {
     if (const auto* const value = FindWithoutCase(profile().environment, name)) return *value;
-    const char* const own = std::getenv(platform::ReadableUtf8(name).c_str());
-    return own == nullptr ? std::nullopt : std::optional(platform::WideFromUtf8(own));
+    return platform::ProcessVariable(name);
   }
 
   std::optional<std::wstring> UserName() override {

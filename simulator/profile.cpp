@@ -10,6 +10,7 @@
 #include <initializer_list>
 #include <optional>
 #include <span>
+#include <sstream>
 #include <string_view>
 #include <system_error>
 
@@ -19,6 +20,7 @@ namespace simulator {
 namespace {
 
 constexpr wchar_t kDefaultInstance[] = L"ACPI\\PNP0C14\\ZARN_0";
+constexpr std::size_t kLongestReport = 16384;  // a Linux kernel's limit
 constexpr wchar_t kDefaultUser[] = L"player";
 constexpr wchar_t kLogKey[] = L"SOFTWARE\\OEM\\ZarnLightingService\\Log";
 constexpr wchar_t kLogSwitch[] = L"ZarnLightingService";
@@ -108,7 +110,7 @@ std::optional<std::vector<HidKeyboard::Field>> DeclaredFields(const toml::node& 
 }
 
 bool ReadReportLength(const toml::node& node, Profile& profile) {
-  const auto length = Number(node, 1025);
+  const auto length = Number(node, kLongestReport);
   return length >= 3 && Assign(length, profile.hid_keyboards.back().report_length);
 }
 
@@ -229,7 +231,7 @@ constexpr Field kHidKeyboard[] = {
     {"product", "a whole number from 0 to 65535", ReadHidNumber<&Hid::product, 0xFFFF>},
     {"usage_page", "a whole number from 0 to 65535", ReadHidNumber<&Hid::usage_page, 0xFFFF>},
     {"usage", "a whole number from 0 to 65535", ReadHidNumber<&Hid::usage, 0xFFFF>},
-    {"report_length", "a whole number from 3 to 1025", ReadReportLength},
+    {"report_length", "a whole number from 3 to 16384", ReadReportLength},
     {"other_collection", "true or false", ReadHidSwitch<&Hid::other_collection>},
     {"plugged", "true or false", ReadHidSwitch<&Hid::plugged>},
     {"answers", "true or false", ReadHidSwitch<&Hid::answers>},
@@ -240,8 +242,8 @@ constexpr Field kHidKeyboard[] = {
     {"claimed_ids", "a whole number from 0 to 255", ReadHidNumber<&Hid::claimed_ids, 0xFF>},
     {"reply_id", "a whole number from 0 to 255", ReadHidNumber<&Hid::reply_id, 0xFF>},
     {"descriptor", "1 to 4096 numbers from 0 to 255", ReadHidBytes<&Hid::descriptor, 4096>},
-    {"attribute_reply", "1 to 1025 numbers from 0 to 255", ReadHidBytes<&Hid::attribute_reply, 1025>},
-    {"base_info_reply", "1 to 1025 numbers from 0 to 255", ReadHidBytes<&Hid::base_info_reply, 1025>},
+    {"attribute_reply", "1 to 16384 numbers from 0 to 255", ReadHidBytes<&Hid::attribute_reply, kLongestReport>},
+    {"base_info_reply", "1 to 16384 numbers from 0 to 255", ReadHidBytes<&Hid::base_info_reply, kLongestReport>},
     {"base_info", "pairs of usage and bits, [[0x35, 16]], of 0x34, 0x32, 0x35, 0x33, 0x31 in this order",
      ReadHidFields<&Hid::base_info, HidKeyboard::kBaseInfoUsages>},
     {"update", "pairs of usage and bits, [[0x41, 8]], of 0x41, 0x43, 0x42, 0x44, 0x45, 0x46, 0x47, 0x48 in this order",
@@ -293,17 +295,19 @@ constexpr Field kFile[] = {
 };
 
 std::string ReadFile(const std::filesystem::path& file) {
+  std::error_code error;
+  const std::filesystem::file_type type = std::filesystem::status(file, error).type();
+  if (type == std::filesystem::file_type::fifo || type == std::filesystem::file_type::character) {
+    throw ProfileError(file.string() + ": cannot be read: it may have no end");
+  }
   errno = 0;
   std::ifstream in(file, std::ios::binary);
-  std::string text;
-  std::array<char, 4096> block{};
-  while (in.read(block.data(), block.size()), in.gcount() > 0) {
-    text.append(block.data(), static_cast<std::size_t>(in.gcount()));
-  }
+  std::ostringstream text;
+  if (in && in.peek() != std::ifstream::traits_type::eof()) text << in.rdbuf();
   if (!in.is_open() || in.bad()) {
     throw ProfileError(file.string() + ": cannot be read: " + std::generic_category().message(errno));
   }
-  return text;
+  return text.str();
 }
 
 /// Lights hang on the firmware: without one they would silently not be there.
@@ -327,10 +331,11 @@ Profile ReadProfile(const toml::table& root) {
 
 }  // namespace
 
-Profile LoadProfile(const std::filesystem::path& file) {
-  const std::string text = ReadFile(file);
+Profile LoadProfile(const std::filesystem::path& file) { return ParseProfile(ReadFile(file), file.string()); }
+
+Profile ParseProfile(const std::string& text, const std::string& name) {
   try {
-    return ReadProfile(toml::parse(text, file.string()));
+    return ReadProfile(toml::parse(text, name));
   } catch (const toml::parse_error& error) {
     Fail(error.source(), {error.description()});
   }

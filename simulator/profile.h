@@ -42,5 +42,7 @@ class ProfileError : public std::runtime_error {
 
 /// Reads a profile; throws ProfileError.
 Profile LoadProfile(const std::filesystem::path& file);
+/// The same for a profile's text, which `name` stands for in what is wrong with it.
+Profile ParseProfile(const std::string& text, const std::string& name);
 
 }  // namespace simulator

@@ -11,13 +11,14 @@
 namespace zarnctl {
 namespace {
 
+constexpr const char* kSeeHelp = "; see 'zarnctl --help'";
 constexpr const char* kFooter =
     "Exit codes:\n"
     "  0  done\n"
-    "  1  the profile, the plug-in or the output failed\n"
+    "  1  the profile, a settings file, the plug-in or the output failed\n"
     "  2  wrong command line; nothing was sent\n"
     "  3  no such device, or nothing to light\n"
-    "  4  firmware or keyboard refused, or the lights did not follow";
+    "  4  firmware or keyboard refused, the lights did not follow, or a record lacks something";
 
 /// The values of options as they were typed; they are read when all of them are known.
 struct Typed {
@@ -76,10 +77,14 @@ class CommandLine {
     } catch (const CLI::RequiredError& error) {
       const bool without_command = app_.get_subcommands().empty();
       throw Complaint(ExitCode::WrongCommandLine, without_command ? NoCommand() : Explained(error));
+    } catch (const CLI::ArgumentMismatch& error) {
+      throw Complaint(ExitCode::WrongCommandLine, Mismatch(error));
+    } catch (const CLI::ExtrasError&) {
+      throw Complaint(ExitCode::WrongCommandLine, app_.remaining(true).front() + ": not expected here" + kSeeHelp);
     } catch (const CLI::ParseError& error) {
       throw Complaint(ExitCode::WrongCommandLine, Explained(error));
     }
-    arguments_.command = Command();
+    arguments_.command = ReadCommand();
     return arguments_;
   }
 
@@ -95,7 +100,15 @@ class CommandLine {
   static std::string Explained(const CLI::ParseError& error) {
     std::string line = error.what();
     std::replace(line.begin(), line.end(), '\n', ' ');
-    return line + "; see 'zarnctl --help'";
+    return line + kSeeHelp;
+  }
+
+  /// An option without its value, or given twice: the library's words for it speak of numbers of arguments.
+  static std::string Mismatch(const CLI::ArgumentMismatch& error) {
+    const std::string words = error.what();
+    const bool missing = words.find("missing") != std::string::npos;
+    return words.substr(0, words.find(':')) + (missing ? ": its value is missing" : ": given more than once") +
+           kSeeHelp;
   }
 
   std::string NoCommand() const {
@@ -104,15 +117,20 @@ class CommandLine {
     return what + "; the commands are devices, show, set, leds, demo, doctor, config and record";
   }
 
-  decltype(Arguments::command) Command() const {
+  Command ReadCommand() const {
     if (app_.got_subcommand("devices")) return DevicesCommand{};
     if (app_.got_subcommand("show")) return ShowCommand{typed_.device};
     if (app_.got_subcommand("set")) return SetCommand{typed_.device, Settings()};
     if (app_.got_subcommand("leds")) return LedsCommand{typed_.device, LedColors()};
     if (app_.got_subcommand("doctor")) return DoctorCommand{};
     if (app_.got_subcommand("config")) return ConfigCommand{};
-    if (app_.got_subcommand("record")) return RecordCommand{typed_.file};
+    if (app_.got_subcommand("record")) return RecordCommand{FileName()};
     return DemoCommand{};
+  }
+
+  std::string FileName() const {
+    if (typed_.file.empty()) throw Complaint(ExitCode::WrongCommandLine, "record: the name of the file is empty");
+    return typed_.file;
   }
 
   ModeSettings Settings() const {

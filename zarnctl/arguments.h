@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "controller/records.h"
-#include "zarnctl/settings.h"
+#include "zarnctl/mode_settings.h"
 
 namespace zarnctl {
 

@@ -9,10 +9,10 @@ namespace zarnctl {
 /// The process's exit codes, as docs/zarnctl.md and --help state them.
 enum class ExitCode {
   Done = 0,
-  Failed = 1,            // the profile, the plug-in or the output failed
+  Failed = 1,            // the profile, a settings file, the plug-in or the output failed
   WrongCommandLine = 2,  // nothing was sent
-  NothingThere = 3,      // no such device, or no notebook at all
-  LightsDiffer = 4       // firmware or keyboard refused, or the lights did not follow
+  NothingThere = 3,      // no such device, or nothing to light
+  LightsDiffer = 4       // firmware or keyboard refused, the lights did not follow, or a record lacks something
 };
 
 /// Thrown by everything that cannot go on; what() is the line without "zarnctl: ".

@@ -1,52 +1,59 @@
 #include "zarnctl/config.h"
 
-#include <algorithm>
+#include <array>
+#include <utility>
 
-#include "log/service_switch.h"
 #include "platform/linux/settings.h"
 #include "platform/portable/text.h"
+#include "zarnctl/log_watch.h"
+#include "zarnctl/switches.h"
 #include "zarnctl/text.h"
 
 namespace zarnctl {
 namespace {
 
-using platform::Bytes;
-using platform::ReadableUtf8;
+using platform::SettingsFile;
 
-std::string StateOf(platform::Machine& machine, const ServiceSwitch& service_switch) {
-  const auto value = machine.RegistryValue(service_switch.key, service_switch.value);
-  if (!value) return "off, not set";
-  return *value == Bytes{1, 0, 0, 0} ? "on" : "off";
+constexpr std::array kSwitches = {kLogSwitch, kHybridSwitch};
+
+/// How many values of the file are switches.
+std::size_t KnownValues(const SettingsFile& file) {
+  std::size_t known = 0;
+  for (const ServiceSwitch& each : kSwitches) known += platform::FindValue(file.values, each.key, each.value) ? 1 : 0;
+  return known;
 }
 
-std::string StateOf(const platform::SettingsFile& file) {
-  if (!file.complaint.empty()) return "counts for nothing, see above";
-  if (!file.is_there) return "not there";
+/// "/etc/zarn/settings.toml: 2 values"
+std::string Described(const SettingsFile& file) {
+  if (!file.complaint.empty()) return file.complaint + "; nothing in it counts";
+  const std::string name = file.path.string() + ": ";
+  if (file.state == SettingsFile::State::NotThere) return name + "not there";
   std::size_t values = 0;
   for (const auto& [key, entries] : file.values) values += entries.size();
-  return Counted(values, "value");
+  const std::size_t unknown = values - KnownValues(file);
+  return name + Counted(values, "value") + (unknown != 0 ? ", of which " + std::to_string(unknown) + " not known" : "");
 }
 
 std::string Example(const ServiceSwitch& service_switch) {
-  return "  [registry.'" + ReadableUtf8(service_switch.key) + "']\n  " + ReadableUtf8(service_switch.value) + " = 1\n";
+  return "  [registry.'" + platform::ReadableUtf8(service_switch.key) + "']\n  " +
+         platform::ReadableUtf8(service_switch.value) + " = 1\n";
+}
+
+}  // namespace
+
+std::string Config() {
+  return "logging: " + StateOf(kLogSwitch) + "\nlog folder: " + LogFolderPath().string() +
+         "\nhybrid mode: " + StateOf(kHybridSwitch) + "\n";
 }
 
 std::string SettingsFiles() {
   std::string text = "settings files, of which a later one takes precedence:\n";
   for (const std::filesystem::path& path : platform::SettingsPaths()) {
-    text += "  " + path.string() + ": " + StateOf(platform::ReadSettingsFile(path)) + "\n";
+    text += "  " + Described(platform::ReadSettingsFile(path)) + "\n";
   }
-  return text + "to turn both switches on, write into one of them:\n" + Example(kLogSwitch) + Example(kHybridSwitch);
-}
-
-}  // namespace
-
-std::string ConfigOf(platform::Machine& machine, bool is_this_computer) {
-  std::string log_folder =
-      ReadableUtf8(machine.EnvironmentVariable(L"PROGRAMDATA").value_or(L"")) + "/OEM/ZarnLightingService/Log";
-  std::ranges::replace(log_folder, '\\', '/');
-  return "logging: " + StateOf(machine, kLogSwitch) + "\nlog folder: " + log_folder +
-         "\nhybrid mode: " + StateOf(machine, kHybridSwitch) + "\n" + (is_this_computer ? SettingsFiles() : "");
+  return text + "to turn logging on, write into one of them:\n" + Example(kLogSwitch) +
+         "to have a HID keyboard reported beside the embedded controller's devices, and not without them:\n" +
+         Example(kHybridSwitch);
 }
 
 std::vector<std::string> ComplaintsAboutSettings() {

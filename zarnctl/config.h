@@ -4,13 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "platform/portable/machine.h"
-
 namespace zarnctl {
 
-/// The switches and the log's folder as the machine has them, several lines. For this computer with its settings files
-/// and what is wrong with them, each in a line of its own.
-std::string ConfigOf(platform::Machine& machine, bool is_this_computer);
+/// The switches and the log's folder, several lines.
+std::string Config();
+
+/// The settings files of this computer, a line each, with what is wrong with them or not known, and what to write
+/// there.
+std::string SettingsFiles();
 
 /// One line for each settings file of this computer that counts for nothing because something is wrong with it.
 std::vector<std::string> ComplaintsAboutSettings();

@@ -13,8 +13,8 @@
 
 #include "zarnctl/drawing.h"
 #include "zarnctl/lights.h"
+#include "zarnctl/mode_settings.h"
 #include "zarnctl/panel.h"
-#include "zarnctl/settings.h"
 #include "zarnctl/terminal.h"
 
 namespace zarnctl {

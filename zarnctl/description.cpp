@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "zarnctl/settings.h"
+#include "zarnctl/mode_settings.h"
 #include "zarnctl/text.h"
 
 namespace zarnctl {

@@ -1,144 +1,240 @@
 #include "zarnctl/doctor.h"
 
 #include <algorithm>
-#include <array>
+#include <cstddef>
 #include <cstdint>
-#include <cstdio>
+#include <memory>
+#include <new>
 #include <optional>
 #include <set>
+#include <tuple>
 #include <utility>
 
 #include "firmware/smbios.h"
+#include "firmware/wmi_connection.h"
+#include "hid/hid_resources.h"
 #include "hid/lighting_hid.h"
-#include "log/service_switch.h"
-#include "platform/portable/report_descriptor.h"
 #include "platform/portable/text.h"
+#include "platform/system.h"
+#include "zarnctl/log_watch.h"
+#include "zarnctl/switches.h"
 #include "zarnctl/text.h"
 
 namespace zarnctl {
 namespace {
 
 using Kind = Finding::Kind;
-using platform::Bytes;
 using zarn::WRV520::Lighting::kAttributeReport;
 using zarn::WRV520::Lighting::kKeyboardId;
 using zarn::WRV520::Lighting::kLightingUsagePage;
 
-constexpr const char* kSetIt = "'zarnctl config' shows where it is set";
-
-std::string Hexadecimal(std::uint32_t number, int digits) {
-  std::array<char, 16> text{};
-  std::snprintf(text.data(), text.size(), "%0*X", digits, number);
-  return text.data();
+bool Contains(const std::vector<std::string>& names, const std::string& name) {
+  return std::ranges::count(names, name) != 0;
 }
 
-bool IsOn(platform::Machine& machine, const ServiceSwitch& service_switch) {
-  return machine.RegistryValue(service_switch.key, service_switch.value) == Bytes{1, 0, 0, 0};
+/// What a line of the log says, without time and place, if it says that something went wrong.
+std::optional<std::string> FailureIn(const std::string& line) {
+  if (!line.starts_with("[ERROR]") && line.find("fail") == std::string::npos) return std::nullopt;
+  return line.substr(line.rfind(" | ") + 3);
 }
 
-Finding ExamineLogging(platform::Machine& machine) {
-  if (IsOn(machine, kLogSwitch)) return {Kind::Fine, "logging: on", kSetIt};
-  return {Kind::Note, "logging: off, the plug-in writes no log", kSetIt};
-}
+class Examination {
+ public:
+  Examination(const Symptoms& symptoms, const Remedies& remedies) : symptoms_(symptoms), remedies_(remedies) {}
 
-Finding ExamineHybridMode(platform::Machine& machine) {
-  if (IsOn(machine, kHybridSwitch)) return {Kind::Fine, "hybrid mode: on", ""};
-  return {Kind::Note, "hybrid mode: off, a HID keyboard hides the devices of the embedded controller", kSetIt};
-}
-
-/// What the device answers about the lighting device ids that it serves.
-Finding ExamineAttributes(platform::HidConnection& connection, std::size_t report_length, const std::string& name) {
-  Bytes report(std::max<std::size_t>(report_length, 2));
-  report.front() = kAttributeReport;
-  if (const LONG error = connection.GetFeature(report)) {
-    return {Kind::Missing, name + ": does not answer report A1 (error " + std::to_string(error) + ")",
-            "plug it in again"};
-  }
-  const std::size_t count = std::min<std::size_t>(report[1], report.size() - 2);
-  const std::set<std::uint8_t> served(report.begin() + 2, report.begin() + 2 + static_cast<std::ptrdiff_t>(count));
-  std::string ids;
-  for (const std::uint8_t id : served) ids += " " + Hexadecimal(id, 2);
-  if (served.contains(kKeyboardId)) return {Kind::Fine, name + ": a lighting keyboard, serves" + ids, ""};
-  return {Kind::Note, name + ": a lighting device, but no keyboard, serves" + (ids.empty() ? " nothing" : ids), ""};
-}
-
-Finding ExamineHidDevice(platform::Machine& machine, const platform::HidDevice& device) {
-  const std::string name = platform::ReadableUtf8(device.path) + " (" + Hexadecimal(device.vendor, 4) + ":" +
-                           Hexadecimal(device.product, 4) + ")";
-  const platform::ReportDescriptor descriptor = platform::ParseReportDescriptor(device.report_descriptor);
-  if (!descriptor.refusal.empty()) {
-    return {Kind::Note, name + ": its report descriptor cannot be read, " + descriptor.refusal, ""};
-  }
-  std::string pages;
-  for (const platform::HidCollection& collection : descriptor.collections) {
-    if (collection.caps.UsagePage != kLightingUsagePage) {
-      pages += (pages.empty() ? "" : ", ") + Hexadecimal(collection.caps.UsagePage, 4);
-      continue;
+  void ExamineLogging() {
+    const std::string state = "logging: " + StateOf(kLogSwitch);
+    if (!IsOn(kLogSwitch)) return Add(Kind::Note, state + ", the plug-in writes no log", remedies_.switches);
+    const std::string folder = LogFolderPath().string();
+    if (symptoms_.log.empty()) return Add(Kind::Missing, state + ", but nothing was written to " + folder);
+    Add(Kind::Fine, state + ", in " + folder);
+    std::set<std::string> told;
+    for (const std::string& line : symptoms_.log) {
+      const std::optional<std::string> failure = FailureIn(line);
+      if (failure && told.insert(*failure).second) Add(Kind::Note, "log: " + *failure);
     }
-    const platform::OpenedHidDevice opened = machine.OpenHidDevice(device.path);
-    if (opened.error == ERROR_ACCESS_DENIED) {
-      return {Kind::Missing, name + ": a lighting device, which this user may not open",
-              "plug it in again once the package's udev rule is installed, or run as root"};
+  }
+
+  void ExamineHybridMode() {
+    const std::string state = "hybrid mode: " + StateOf(kHybridSwitch);
+    if (IsOn(kHybridSwitch)) return Add(Kind::Fine, state);
+    Add(Kind::Note, state + ", a HID keyboard hides the devices of the embedded controller", remedies_.switches);
+  }
+
+  void ExamineHidInterfaces() {
+    const std::vector<std::wstring> paths = InterfacePaths();
+    if (paths.empty()) Add(Kind::Note, "HID devices: none", remedies_.no_hid_devices);
+    for (const std::wstring& path : paths) ExamineHidInterface(path);
+    for (const std::string& device : symptoms_.unreadable_devices) Add(Kind::Note, device);
+  }
+
+  void ExamineFirmwareRecord() {
+    RawSmbiosTable table;
+    if (ReadRawSmbiosTable(table) == 0) return Add(Kind::Missing, "SMBIOS table: cannot be read", remedies_.no_table);
+    stSMBiosType172 record;
+    if (!FindSMBiosType172(table, record)) {
+      return Add(Kind::Missing, "SMBIOS table: no structure of type 172", remedies_.no_record);
     }
-    if (opened.error != ERROR_SUCCESS) {
-      return {Kind::Missing, name + ": cannot be opened (error " + std::to_string(opened.error) + ")",
-              "plug it in again"};
+    announced_ = FindAnnouncedLights(record);
+    const std::uint16_t zones = FirstItem(record, kItemKeyboardZones).value_or(0);
+    const std::string what = "SMBIOS structure of type 172: firmware " + std::to_string(record.biosMajor) + "." +
+                             std::to_string(record.biosMinor) + ", " +
+                             (announced_.keyboard ? "a keyboard with " + Counted(zones, "zone") : "no keyboard") +
+                             (announced_.rgb_keyboard ? " in colour" : ", no colours") +
+                             (announced_.light_bar ? ", a light bar" : ", no light bar");
+    if (HasEcKeyboard()) return Add(Kind::Fine, what);
+    Add(Kind::Missing, what + ": the embedded controller's devices are reported only with a keyboard in colour");
+  }
+
+  void ExamineFirmwareClass() {
+    WmiConnection connection;
+    const std::string name = "firmware class ZarnGamingFunction: ";
+    if (OpenWmiConnection(connection) == 0) {
+      return Add(Kind::Missing, name + "the management service is not reached (" + Code(connection.status) + ")");
     }
-    return ExamineAttributes(*opened.connection, collection.caps.FeatureReportByteLength, name);
+    const Bstr class_name(kFirmwareClass);
+    ComPtr<IWbemClassObject> definition;
+    if (connection.services->GetObject(class_name.Get(), 0, nullptr, definition.Put(), nullptr) < 0) {
+      return Add(Kind::Missing, name + "not there, the embedded controller's devices stay dark",
+                 remedies_.no_firmware_class);
+    }
+    std::wstring instance;
+    FindInstancePath(connection, kFirmwareClass, kFirmwareInstances, instance);
+    if (!instance.empty()) return Add(Kind::Fine, name + "there");
+    Add(Kind::Missing, name + "there, but without an instance to call");
   }
-  return {Kind::Note, name + ": no lighting device, its usage page is " + pages + ", not FF5A", ""};
-}
 
-void ExamineHidDevices(platform::Machine& machine, std::vector<Finding>& findings) {
-  const std::vector<platform::HidDevice> devices = machine.HidDevices();
-  if (devices.empty()) {
-    findings.push_back(
-        {Kind::Note, "HID devices: none", "plug the keyboard in; on Linux, look whether /sys/class/hidraw is there"});
+  void Conclude() {
+    if (IsOn(kHybridSwitch) && has_hid_keyboard_ && symptoms_.discovered.empty() && !HasEcKeyboard()) {
+      Add(Kind::Missing,
+          "hybrid mode: with it, a HID keyboard is reported only beside those of the embedded controller",
+          "set HybridMode to 0");
+    }
+    if (announced_.light_bar && Contains(symptoms_.discovered, "ZarnECKeyboard") &&
+        !Contains(symptoms_.discovered, "ZarnECGlobal")) {
+      Add(Kind::Missing, "light bar: announced, but the firmware's answer to GetGamingLED does not confirm it");
+    }
+    std::string names;
+    for (const std::string& name : symptoms_.discovered) names += " " + name;
+    Add(symptoms_.discovered.empty() ? Kind::Missing : Kind::Fine,
+        "discovery: " + Counted(symptoms_.discovered.size(), "lighting device") + names);
   }
-  for (const platform::HidDevice& device : devices) findings.push_back(ExamineHidDevice(machine, device));
-}
 
-std::string Items(const stSMBiosType172& record) {
-  std::string text = "firmware " + std::to_string(record.biosMajor) + "." + std::to_string(record.biosMinor);
-  const std::pair<std::uint8_t, const char*> kItems[] = {
-      {kItemKeyboardZones, ", keyboard zones "}, {kItemRgbKeyboard, ", RGB "}, {kItemLightBar, ", light bar "}};
-  for (const auto& [id, name] : kItems) {
-    const std::optional<std::uint16_t> value = FirstItem(record, id);
-    text += name + (value ? std::to_string(*value) : "not told");
-  }
-  return text;
-}
+  std::vector<Finding> Take() { return std::move(findings_); }
 
-Finding ExamineFirmwareRecord(platform::Machine& machine) {
-  const std::optional<platform::SmbiosTable> table = machine.ReadSmbiosTable();
-  const Bytes* const data = table ? std::get_if<Bytes>(&table->data) : nullptr;
-  if (data == nullptr) {
-    return {Kind::Missing, "SMBIOS table: cannot be read", "run as root, to whom alone a kernel shows it"};
+ private:
+  void Add(Kind kind, std::string answer, std::string remedy = "") {
+    findings_.push_back({kind, std::move(answer), std::move(remedy)});
   }
-  stSMBiosType172 record;
-  if (FindSMBiosType172(*data, record)) return {Kind::Fine, "SMBIOS structure of type 172: " + Items(record), ""};
-  return {Kind::Missing, "SMBIOS table: no structure of type 172",
-          "this is no notebook of the family; HID keyboards need none"};
-}
 
-Finding ExamineFirmwareClass(platform::Machine& machine) {
-  const std::optional<platform::FirmwareClass> firmware = machine.FindFirmwareClass();
-  if (firmware) {
-    return {Kind::Fine, "firmware class ZarnGamingFunction: " + Counted(firmware->instance_names.size(), "instance"),
-            ""};
+  bool HasEcKeyboard() const { return announced_.keyboard && announced_.rgb_keyboard; }
+
+  static std::string Code(HRESULT status) { return "0x" + Hexadecimal(static_cast<std::uint32_t>(status), 8); }
+
+  static std::vector<std::wstring> InterfacePaths() {
+    GUID interface_class{};
+    HidD_GetHidGuid(&interface_class);
+    const PresentInterfaces present(interface_class);
+    std::vector<std::wstring> paths;
+    SP_DEVICE_INTERFACE_DATA interface {};
+    interface.cbSize = sizeof(interface);
+    for (DWORD i = 0; SetupDiEnumDeviceInterfaces(present.Get(), nullptr, &interface_class, i, &interface) != FALSE;
+         ++i) {
+      using Detail = SP_DEVICE_INTERFACE_DETAIL_DATA_W;  // goes on behind its end
+      DWORD size = 0;
+      SetupDiGetDeviceInterfaceDetailW(present.Get(), &interface, nullptr, 0, &size, nullptr);
+      const auto block = std::make_unique<std::byte[]>(std::max<std::size_t>(size, sizeof(Detail)));
+      auto* const detail = new (block.get()) Detail{};
+      detail->cbSize = sizeof(Detail);
+      if (SetupDiGetDeviceInterfaceDetailW(present.Get(), &interface, detail, size, nullptr, nullptr) != FALSE) {
+        paths.emplace_back(detail->DevicePath);
+      }
+    }
+    return paths;
   }
-  return {Kind::Missing, "firmware class ZarnGamingFunction: not there, the embedded controller's devices stay dark",
-          "it is published by Windows on the notebook itself; HID keyboards need none"};
-}
+
+  static DeviceHandle Open(const std::wstring& path, DWORD access) {
+    return DeviceHandle(
+        CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
+  }
+
+  void ExamineHidInterface(const std::wstring& path) {
+    // Without asking for rights, which nobody is denied.
+    const DeviceHandle looked_at = Open(path, 0);
+    HIDD_ATTRIBUTES attributes{};
+    attributes.Size = sizeof(attributes);
+    HIDP_CAPS caps{};
+    if (!looked_at || HidD_GetAttributes(looked_at.Get(), &attributes) == FALSE ||
+        HidP_GetCaps(PreparsedData(looked_at.Get()).Get(), &caps) != HIDP_STATUS_SUCCESS) {
+      return Add(Kind::Note, platform::ReadableUtf8(path) +
+                                 ": does not tell what it is, it was just unplugged or belongs to the system");
+    }
+    const std::string name = platform::ReadableUtf8(path) + " (" + Hexadecimal(attributes.VendorID, 4) + ":" +
+                             Hexadecimal(attributes.ProductID, 4) + ")";
+    if (caps.UsagePage != kLightingUsagePage) {
+      return Add(Kind::Note,
+                 name + ": no lighting device, its usage page is " + Hexadecimal(caps.UsagePage, 4) + ", not FF5A");
+    }
+    if (caps.FeatureReportByteLength == 0)
+      return Add(Kind::Missing, name + ": a lighting device without feature reports");
+    const DeviceHandle device = Open(path, GENERIC_READ | GENERIC_WRITE);
+    if (!device) return AddFailure(name, "cannot be opened");
+    has_hid_keyboard_ = ServesKeyboard(name, device.Get(), caps) || has_hid_keyboard_;
+    // The plug-in finds a device again by these.
+    if (!identities_.insert({attributes.VendorID, attributes.ProductID, caps.Usage}).second) {
+      Add(Kind::Note, name + ": the same vendor, product and usage as another one, which may get its reports");
+    }
+  }
+
+  /// Whether a keyboard is among the lighting device ids that the device answers to serve.
+  bool ServesKeyboard(const std::string& name, HANDLE device, const HIDP_CAPS& caps) {
+    std::vector<std::uint8_t> report(caps.FeatureReportByteLength);
+    report.front() = kAttributeReport;
+    if (HidD_GetFeature(device, report.data(), static_cast<ULONG>(report.size())) == FALSE) {
+      AddFailure(name, "does not answer report A1");
+      return false;
+    }
+    std::set<std::uint8_t> served;
+    for (std::size_t i = 2; i < report.size() && i < std::size_t{2} + report[1]; ++i) served.insert(report[i]);
+    std::string ids;
+    for (const std::uint8_t id : served) ids += " " + Hexadecimal(id, 2);
+    const bool keyboard = served.contains(kKeyboardId);
+    Add(keyboard ? Kind::Fine : Kind::Note,
+        name + (keyboard ? ": a lighting keyboard" : ": a lighting device, but no keyboard") + ", serves" +
+            (ids.empty() ? " nothing" : ids));
+    return keyboard;
+  }
+
+  /// Right behind the call that failed.
+  void AddFailure(const std::string& name, const std::string& what) {
+    const DWORD error = GetLastError();
+    if (error == ERROR_ACCESS_DENIED) {
+      return Add(Kind::Missing, name + ": a lighting device, which this user may not open", remedies_.may_not_open);
+    }
+    const bool has_no_node = error == ERROR_FILE_NOT_FOUND || error == ERROR_DEVICE_NOT_CONNECTED;
+    Add(Kind::Missing, name + ": a lighting device, which " + what + " (error " + std::to_string(error) + ")",
+        has_no_node ? remedies_.no_node : remedies_.no_answer);
+  }
+
+  const Symptoms& symptoms_;
+  const Remedies& remedies_;
+  std::vector<Finding> findings_;
+  AnnouncedLights announced_;
+  bool has_hid_keyboard_ = false;
+  std::set<std::tuple<USHORT, USHORT, USAGE>> identities_;
+};
 
 }  // namespace
 
-std::vector<Finding> Examine(platform::Machine& machine) {
-  std::vector<Finding> findings = {ExamineLogging(machine), ExamineHybridMode(machine)};
-  ExamineHidDevices(machine, findings);
-  findings.push_back(ExamineFirmwareRecord(machine));
-  findings.push_back(ExamineFirmwareClass(machine));
-  return findings;
+std::vector<Finding> Examine(const Symptoms& symptoms, const Remedies& remedies) {
+  Examination examination(symptoms, remedies);
+  examination.ExamineLogging();
+  examination.ExamineHybridMode();
+  examination.ExamineHidInterfaces();
+  examination.ExamineFirmwareRecord();
+  examination.ExamineFirmwareClass();
+  examination.Conclude();
+  return examination.Take();
 }
 
 std::string LineOf(const Finding& finding) {

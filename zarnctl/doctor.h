@@ -4,8 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/portable/machine.h"
-
 namespace zarnctl {
 
 /// One question and its answer.
@@ -20,9 +18,29 @@ struct Finding {
   std::string remedy;  // empty when nothing is to be done
 };
 
-/// The switches, the HID devices, the SMBIOS table and the firmware class, in this order. Asks the machine itself, and
-/// reads the attribute report of each lighting device that it may open.
-std::vector<Finding> Examine(platform::Machine& machine);
+/// What can be done about what is missing, which depends on what is examined. Texts may be empty.
+struct Remedies {
+  std::string switches;
+  std::string no_hid_devices;
+  std::string may_not_open;
+  std::string no_node;
+  std::string no_answer;
+  std::string no_table;
+  std::string no_record;
+  std::string no_firmware_class;
+};
+
+/// What was seen of the plug-in and of the machine below the platform.
+struct Symptoms {
+  std::vector<std::string> discovered;          // the devices that the plug-in reports
+  std::vector<std::string> log;                 // the lines that it logged of its discovery
+  std::vector<std::string> unreadable_devices;  // HID devices that the platform does not show, and why
+};
+
+/// The switches, the log, the HID interfaces, the SMBIOS table and the firmware class, in this order; then what of it
+/// explains what was discovered. Asks the platform itself, and reads the attribute report of each lighting device that
+/// may be opened.
+std::vector<Finding> Examine(const Symptoms& symptoms, const Remedies& remedies);
 
 /// "missing  /dev/hidraw0: ...; plug it in again"
 std::string LineOf(const Finding& finding);

@@ -10,6 +10,8 @@
 
 #include "platform/portable/instruments.h"
 #include "platform/portable/machine.h"
+#include "platform/portable/report_descriptor.h"
+#include "platform/portable/text.h"
 #include "simulator/notebook_machine.h"
 #include "zarnctl/complaint.h"
 #include "zarnctl/lights.h"
@@ -148,6 +150,43 @@ std::vector<std::string> Hardware::TakeFaults(const std::string& device, const C
 
 bool Hardware::Shows(const std::string& device, const ControllerRecords& records) const {
   return !HasVisibleLights() || zarnctl::Shows(*notebook_, device, records);
+}
+
+Remedies Hardware::RemediesHere() const {
+  if (HasVisibleLights()) {
+    return {.switches = "[log] and [registry] in the profile set it",
+            .no_hid_devices = "",
+            .may_not_open = "",
+            .no_node = "",
+            .no_answer = "",
+            .no_table = "[firmware] in the profile makes one",
+            .no_record = "",
+            .no_firmware_class = "[firmware] in the profile makes one, unless its instance is empty"};
+  }
+  std::error_code error;
+  const bool has_nodes = fs::exists("/sys/class/hidraw", error);
+  const bool has_table = fs::exists("/sys/firmware/dmi/tables/DMI", error);
+  return {
+      .switches = "'zarnctl config' shows where it is set",
+      .no_hid_devices = has_nodes ? "plug the keyboard in" : "this kernel has no hidraw: /sys/class/hidraw is missing",
+      .may_not_open = "plug it in again once the package's udev rule is installed, or run as root",
+      .no_node = "plug it in again; a container must be given its node in /dev",
+      .no_answer = "plug it in again",
+      .no_table = has_table ? "run as root, to whom alone the kernel shows it"
+                            : "this computer's kernel has none in /sys/firmware/dmi; HID keyboards need none",
+      .no_record = "this is no notebook of the family; HID keyboards need none",
+      .no_firmware_class = "it is published by Windows on the notebook itself; HID keyboards need none"};
+}
+
+std::vector<std::string> Hardware::UnreadableDevices() {
+  std::vector<std::string> devices;
+  for (const platform::HidDevice& device : platform::CurrentMachine()->HidDevices()) {
+    const std::string refusal = platform::ParseReportDescriptor(device.report_descriptor).refusal;
+    if (refusal.empty()) continue;
+    devices.push_back(platform::ReadableUtf8(device.path) + " (" + Hexadecimal(device.vendor, 4) + ":" +
+                      Hexadecimal(device.product, 4) + "): its report descriptor cannot be read, " + refusal);
+  }
+  return devices;
 }
 
 std::chrono::milliseconds Hardware::FirmwareLatency() const {

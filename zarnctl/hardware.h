@@ -9,6 +9,7 @@
 
 #include "controller/records.h"
 #include "simulator/notebook.h"
+#include "zarnctl/doctor.h"
 #include "zarnctl/panel.h"
 
 namespace zarnctl {
@@ -40,6 +41,11 @@ class Hardware {
   std::vector<std::string> TakeFaults(const std::string& device, const ControllerRecords& records);
   /// Whether the lights of the device are those of its active mode, as far as they can be seen.
   bool Shows(const std::string& device, const ControllerRecords& records) const;
+
+  /// What to do about what the doctor finds missing.
+  Remedies RemediesHere() const;
+  /// HID devices that the platform does not show because it cannot read their descriptors, a line each.
+  static std::vector<std::string> UnreadableDevices();
 
   /// How long each call of the firmware takes beside its own pause.
   std::chrono::milliseconds FirmwareLatency() const;

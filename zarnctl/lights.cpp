@@ -7,6 +7,7 @@
 #include <optional>
 #include <string_view>
 
+#include "hid/lighting_hid.h"
 #include "zarnctl/complaint.h"
 #include "zarnctl/drawing.h"
 #include "zarnctl/panel.h"
@@ -14,13 +15,14 @@
 namespace zarnctl {
 namespace {
 
+using zarn::WRV520::Lighting::kKeyboardId;
+using zarn::WRV520::Lighting::kLightingUsagePage;
+namespace FieldUsage = zarn::WRV520::Lighting::FieldUsage;
 using simulator::HidKeyboard;
 using simulator::HidLights;
 using simulator::KeyboardLights;
 using simulator::Notebook;
 
-constexpr std::uint8_t kHidKeyboardId = 0x21;
-constexpr std::uint16_t kLightingPage = 0xFF5A;
 constexpr std::uint8_t kHidStatic = 2;
 
 simulator::Color LightOf(PackedColor color) { return {RedOf(color), GreenOf(color), BlueOf(color)}; }
@@ -88,25 +90,28 @@ bool Declares(const HidKeyboard::Settings& keyboard, std::uint16_t usage) {
 
 /// How many zones the keyboard's zone mask can name; without one all of them are meant.
 std::size_t NamedZones(const HidKeyboard::Settings& keyboard) {
-  return std::min<std::size_t>(std::size_t{8} * WidthOf(keyboard, 0x48).value_or(2), 16);
+  return std::min<std::size_t>(std::size_t{8} * WidthOf(keyboard, FieldUsage::ZoneMask).value_or(2), 16);
 }
 
 /// Whether discovery can know of the keyboard, and updates be meant for it.
 bool IsServed(const HidKeyboard::Settings& keyboard) {
   const auto served = static_cast<std::ptrdiff_t>(
       std::min<std::size_t>(keyboard.claimed_ids.value_or(0xFF), keyboard.device_ids.size()));
-  return keyboard.plugged && keyboard.answers && keyboard.usage_page == kLightingPage &&
-         std::count(keyboard.device_ids.begin(), keyboard.device_ids.begin() + served, kHidKeyboardId) != 0;
+  return keyboard.plugged && keyboard.answers && keyboard.usage_page == kLightingUsagePage &&
+         std::count(keyboard.device_ids.begin(), keyboard.device_ids.begin() + served, kKeyboardId) != 0;
 }
 
 bool ZoneShows(const HidKeyboard::Settings& keyboard, const HidLights::Zone& zone, const HidLights::Zone& expected) {
   const auto agrees = [&](std::uint16_t usage, std::uint8_t shown, std::uint8_t wanted) {
     return !Declares(keyboard, usage) || shown == wanted;
   };
-  return agrees(0x41, zone.mode, expected.mode) && agrees(0x43, zone.brightness, expected.brightness) &&
-         agrees(0x42, zone.speed, expected.speed) && agrees(0x44, zone.direction, expected.direction) &&
-         agrees(0x45, zone.color.red, expected.color.red) && agrees(0x46, zone.color.green, expected.color.green) &&
-         agrees(0x47, zone.color.blue, expected.color.blue);
+  return agrees(FieldUsage::Mode, zone.mode, expected.mode) &&
+         agrees(FieldUsage::Brightness, zone.brightness, expected.brightness) &&
+         agrees(FieldUsage::Speed, zone.speed, expected.speed) &&
+         agrees(FieldUsage::Direction, zone.direction, expected.direction) &&
+         agrees(FieldUsage::Red, zone.color.red, expected.color.red) &&
+         agrees(FieldUsage::Green, zone.color.green, expected.color.green) &&
+         agrees(FieldUsage::Blue, zone.color.blue, expected.color.blue);
 }
 
 HidLights::Zone ExpectedZone(const ControllerRecords& records, std::size_t index) {
@@ -127,7 +132,7 @@ bool HidKeyboardsShow(Notebook& notebook, const ControllerRecords& records) {
     if (!keyboard.Connect()) return false;
     reached = true;
     // One color for all zones is what a keyboard without a zone mask can be told.
-    if (IsPerLed(ActiveMode(records)) && !Declares(settings, 0x48)) continue;
+    if (IsPerLed(ActiveMode(records)) && !Declares(settings, FieldUsage::ZoneMask)) continue;
     const HidLights lights = keyboard.Lights();
     const std::size_t zones = std::min({NamedZones(settings), lights.zones.size(), records.led_list.size()});
     // Nothing lit is nothing shown, unless there is nothing to light.

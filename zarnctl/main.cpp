@@ -1,8 +1,7 @@
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -17,23 +16,23 @@
 #include "zarnctl/drawing.h"
 #include "zarnctl/hardware.h"
 #include "zarnctl/lights.h"
+#include "zarnctl/log_watch.h"
+#include "zarnctl/mode_settings.h"
 #include "zarnctl/panel.h"
 #include "zarnctl/plugin.h"
 #include "zarnctl/record.h"
-#include "zarnctl/settings.h"
 #include "zarnctl/terminal.h"
 #include "zarnctl/text.h"
 
 namespace zarnctl {
 namespace {
 
-/// The commands over some hardware and the plug-in on top of it.
+/// The commands over some hardware and the plug-in on top of it, which is loaded and asked by the first that needs it.
 class Session {
  public:
   explicit Session(const Arguments& arguments)
-      : trace_(arguments.trace), hardware_(arguments.machine, trace_), plugin_(arguments.plugin) {
+      : trace_(arguments.trace), hardware_(arguments.machine, trace_), plugin_file_(arguments.plugin) {
     if (!hardware_.HasVisibleLights()) settings_are_sound_ = !Report(ComplaintsAboutSettings());
-    discovery_ = plugin_.Discover();
   }
 
   /// Runs one. What was refused or not answered on the way makes it fail even if nothing else does.
@@ -44,70 +43,73 @@ class Session {
 
   ExitCode operator()(const DevicesCommand& /*command*/) {
     for (const std::string& name : Names()) std::cout << Summary(name, Create(name).Describe()) << "\n";
-    std::cout << "interface type " << discovery_.interface_type;
-    if (!discovery_.hardware_id.empty()) {
-      std::cout << ", hardware id " << discovery_.hardware_id << ", usage page " << discovery_.usage_page;
+    const Discovery& discovery = Discovered();
+    std::cout << "interface type " << discovery.interface_type;
+    if (!discovery.hardware_id.empty()) {
+      std::cout << ", hardware id " << discovery.hardware_id << ", usage page " << discovery.usage_page;
     }
     std::cout << "\n";
     return ExitCode::Done;
   }
 
   ExitCode operator()(const ShowCommand& command) {
-    const ControllerRecords records = Open(command.device).Describe();
-    std::cout << Details(command.device, records);
+    const std::string& name = FindName(command.device);
+    const ControllerRecords records = Create(name).Describe();
+    std::cout << Details(name, records);
     Draw(records);
     return ExitCode::Done;
   }
 
   ExitCode operator()(const SetCommand& command) {
-    Device device = Open(command.device);
+    const std::string& name = FindName(command.device);
+    Device device = Create(name);
     const std::vector<ModeRecord> modes = device.Describe().mode_list;
     const std::int32_t index = FindMode(modes, command.settings.mode);
     const ModeRecord& mode = modes.at(static_cast<std::size_t>(index));
     device.SendMode(index, WithSettings(mode, command.settings));
-    const bool shows_nothing = mode.color_source == ColorSource::PerLedColors && !LightsLeds(command.device);
-    return shows_nothing ? PushNothing(device, command.device, mode) : Push(device, command.device);
+    const bool shows_nothing = mode.color_source == ColorSource::PerLedColors && !LightsLeds(name);
+    return shows_nothing ? PushNothing(device, name, mode) : Push(device, name);
   }
 
   ExitCode operator()(const LedsCommand& command) {
-    Device device = Open(command.device);
-    if (!LightsLeds(command.device)) {
-      throw Complaint(ExitCode::WrongCommandLine,
-                      "leds: " + command.device + " has no colours per LED; use 'zarnctl set'");
+    const std::string& name = FindName(command.device);
+    Device device = Create(name);
+    if (!LightsLeds(name)) {
+      throw Complaint(ExitCode::WrongCommandLine, "leds: " + name + " has no colours per LED; use 'zarnctl set'");
     }
     const ControllerRecords records = device.Describe();
     const std::int32_t index = FindPerLedMode(records.mode_list);
     device.SendColors(ColorPerLed(command.colors, records.color_table.size()));
     device.SendMode(index, records.mode_list.at(static_cast<std::size_t>(index)));
-    return Push(device, command.device);
+    return Push(device, name);
   }
 
   ExitCode operator()(const DoctorCommand& /*command*/) {
-    for (const Finding& finding : Examine(*platform::CurrentMachine())) std::cout << LineOf(finding) << "\n";
+    Symptoms symptoms;
+    const LogWatch log;
+    try {
+      symptoms.discovered = Discovered().names;
+    } catch (const Complaint& complaint) {
+      std::cout << LineOf({Finding::Kind::Missing, complaint.what(), ""}) << "\n";
+    }
+    symptoms.log = log.NewLines();
+    symptoms.unreadable_devices = Hardware::UnreadableDevices();
+    for (const Finding& finding : Examine(symptoms, hardware_.RemediesHere())) std::cout << LineOf(finding) << "\n";
     hardware_.TakeRefusals();  // the findings have told of them
-    const bool found = !discovery_.names.empty();
-    std::cout << (found ? "fine     " : "missing  ")
-              << "discovery: " << Counted(discovery_.names.size(), "lighting device");
-    for (const std::string& name : discovery_.names) std::cout << " " << name;
-    std::cout << "\n";
-    return found ? ExitCode::Done : ExitCode::NothingThere;
+    return symptoms.discovered.empty() ? ExitCode::NothingThere : ExitCode::Done;
   }
 
-  ExitCode operator()(const ConfigCommand& /*command*/) {
-    std::cout << ConfigOf(*platform::CurrentMachine(), !hardware_.HasVisibleLights());
+  ExitCode operator()(const ConfigCommand& /*command*/) const {
+    std::cout << Config() << (hardware_.HasVisibleLights() ? "" : SettingsFiles());
     return settings_are_sound_ ? ExitCode::Done : ExitCode::Failed;
   }
 
   ExitCode operator()(const RecordCommand& command) {
-    if (std::filesystem::exists(command.file)) {
-      throw Complaint(ExitCode::WrongCommandLine, command.file.string() + " is there already; give another name");
-    }
-    std::ofstream file(command.file);
-    file << RecordOf(*platform::CurrentMachine()) << std::flush;
-    if (!file) throw Complaint(ExitCode::Failed, command.file.string() + " cannot be written");
+    const Recording recording = Record(*platform::CurrentMachine());
+    WriteNewFile(command.file, recording.profile);
     hardware_.TakeRefusals();  // the record tells what did not answer
     std::cout << "written; 'zarnctl --machine " << command.file.string() << " demo' plays it back\n";
-    return ExitCode::Done;
+    return Report(recording.omissions) ? ExitCode::LightsDiffer : ExitCode::Done;
   }
 
   ExitCode operator()(const DemoCommand& /*command*/) {
@@ -123,9 +125,19 @@ class Session {
   }
 
  private:
+  Plugin& LoadedPlugin() {
+    if (!plugin_) plugin_.emplace(plugin_file_);
+    return *plugin_;
+  }
+
+  const Discovery& Discovered() {
+    if (!discovery_) discovery_ = LoadedPlugin().Discover();
+    return *discovery_;
+  }
+
   /// Never empty.
   const std::vector<std::string>& Names() {
-    if (discovery_.names.empty()) {
+    if (Discovered().names.empty()) {
       Report(hardware_.TakeRefusals());
       std::string lights;
       for (const Panel& panel : hardware_.Panels()) lights += (lights.empty() ? "" : ", ") + panel.name;
@@ -134,19 +146,20 @@ class Session {
                           (lights.empty() ? "" : " (" + lights + ")") +
                           "; 'zarnctl doctor' tells why, --machine drives a simulated notebook");
     }
-    return discovery_.names;
+    return Discovered().names;
   }
 
-  Device Open(const std::string& wanted) {
+  /// The device's own name for one that is given in any case.
+  const std::string& FindName(const std::string& wanted) {
     const std::vector<std::string>& names = Names();
     for (const std::string& name : names) {
-      if (name == wanted) return Create(name);
+      if (EqualWithoutCase(name, wanted)) return name;
     }
     throw Complaint(ExitCode::NothingThere, wanted + ": no such device; there is " + Alternatives(names));
   }
 
   Device Create(const std::string& name) {
-    Device device(plugin_.CreateDevice(name));
+    Device device(LoadedPlugin().CreateDevice(name));
     // For what it could not be asked it shows less than it might.
     if (Report(hardware_.TakeRefusals())) refused_ = true;
     return device;
@@ -179,8 +192,9 @@ class Session {
 
   bool trace_;
   Hardware hardware_;
-  Plugin plugin_;
-  Discovery discovery_;
+  std::filesystem::path plugin_file_;
+  std::optional<Plugin> plugin_;
+  std::optional<Discovery> discovery_;
   bool settings_are_sound_ = true;
   bool refused_ = false;
 };

@@ -2,19 +2,24 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <optional>
 #include <span>
-#include <sstream>
+#include <system_error>
 #include <utility>
 
+#include "firmware/firmware_methods.h"
 #include "firmware/smbios.h"
 #include "hid/lighting_hid.h"
 #include "log/service_switch.h"
 #include "platform/portable/report_descriptor.h"
 #include "platform/portable/text.h"
 #include "simulator/hid_keyboard.h"
+#include "simulator/profile.h"
+#include "zarnctl/complaint.h"
+#include "zarnctl/text.h"
 
 namespace zarnctl {
 namespace {
@@ -24,67 +29,68 @@ using platform::HidCollection;
 using simulator::HidKeyboard;
 using namespace zarn::WRV520::Lighting;  // NOLINT(google-build-using-namespace): the reports' and fields' numbers
 
-std::string Hexadecimal(std::uint32_t number, int digits = 2) {
-  std::array<char, 16> text{};
-  std::snprintf(text.data(), text.size(), "0x%0*X", digits, number);
-  return text.data();
-}
+constexpr std::size_t kReportHead = 2;  // the report id, then a count or the lighting device id
+
+std::string Number(std::uint32_t number, int digits) { return "0x" + Hexadecimal(number, digits); }
 
 std::string Listed(std::span<const std::uint8_t> bytes) {
   std::string text = "[";
-  for (const std::uint8_t byte : bytes) text += (text.size() > 1 ? ", " : "") + Hexadecimal(byte);
+  for (const std::uint8_t byte : bytes) text += (text.size() > 1 ? ", " : "") + Number(byte, 2);
   return text + "]";
 }
 
-/// The structure of type 172 as it stands in the table; nothing when there is none.
-std::optional<Bytes> FirmwareStructure(const Bytes& table) {
-  stSMBiosType172 record;
-  if (!FindSMBiosType172(table, record) || record.length < 6) return std::nullopt;
-  // The first place where type, length and handle stand together is the structure: others are looked past alike.
-  const std::array<std::uint8_t, 6> head = {record.type,
-                                            record.length,
-                                            static_cast<std::uint8_t>(record.handle),
-                                            static_cast<std::uint8_t>(record.handle >> 8),
-                                            record.biosMajor,
-                                            record.biosMinor};
-  const auto begin = std::search(table.begin(), table.end(), head.begin(), head.end());
-  if (table.end() - begin < record.length) return std::nullopt;
-  return Bytes(begin, begin + record.length);
+std::string Truth(bool holds) { return holds ? "true" : "false"; }
+
+/// A field of the collection's feature reports; of several declarations the last one counts. Null when there is none.
+const HIDP_VALUE_CAPS* FindField(const HidCollection& collection, std::uint8_t report_id, std::uint16_t usage) {
+  const HIDP_VALUE_CAPS* field = nullptr;
+  for (const HIDP_VALUE_CAPS& caps : collection.values[HidP_Feature]) {
+    if (caps.ReportID == report_id && caps.NotRange.Usage == usage) field = &caps;
+  }
+  return field;
 }
 
-std::string RecordFirmware(platform::Machine& machine) {
-  const auto table = machine.ReadSmbiosTable();
-  const Bytes* const data = table ? std::get_if<Bytes>(&table->data) : nullptr;
-  if (data == nullptr) return "# The SMBIOS table could not be read.\n";
-  const auto structure = FirmwareStructure(*data);
-  if (!structure) return "# The SMBIOS table has no structure of type 172.\n";
-  stSMBiosType172 record;
-  FindSMBiosType172(*data, record);
-  const std::uint16_t zones = FirstItem(record, kItemKeyboardZones).value_or(0);
-  std::ostringstream text;
-  text << "[firmware]\nversion = \"" << int{record.biosMajor} << "." << int{record.biosMinor}
-       << "\"\nrecord = " << Listed(*structure) << "\n";
-  if (!machine.FindFirmwareClass()) text << "instance = ''  # no methods here\n";
-  text << "[keyboard]\nzones = " << (zones == 1 || zones == 3 || zones == 4 ? zones : 0)
-       << "\nrgb = " << (FirstItem(record, kItemRgbKeyboard) == kRgbKeyboardThere ? "true" : "false")
-       << "\n[light_bar]\npresent = " << (FirstItem(record, kItemLightBar) == kLightBarThere ? "true" : "false")
-       << "\n";
-  return text.str();
-}
-
-/// The fields of a report that the collection declares, in the report's order, as "[[0x41, 8], ...]".
+/// The fields of a report that the collection declares, in the report's order, as "[[0x41, 8], ...]"; none when they do
+/// not fit into it.
 std::string DeclaredFields(const HidCollection& collection, std::uint8_t report_id,
                            std::span<const std::uint16_t> usages) {
   std::string text = "[";
+  std::size_t bits = 8 * kReportHead;
   for (const std::uint16_t usage : usages) {
-    const HIDP_VALUE_CAPS* declared = nullptr;
-    for (const HIDP_VALUE_CAPS& caps : collection.values[HidP_Feature]) {
-      if (caps.ReportID == report_id && caps.NotRange.Usage == usage) declared = &caps;  // the last one counts
-    }
-    if (declared == nullptr || declared->BitSize > 255) continue;
-    text += (text.size() > 1 ? ", [" : "[") + Hexadecimal(usage) + ", " + std::to_string(declared->BitSize) + "]";
+    const HIDP_VALUE_CAPS* const field = FindField(collection, report_id, usage);
+    if (field == nullptr || field->BitSize == 0 || field->BitSize > 255) continue;
+    text += (text.size() > 1 ? ", [" : "[") + Number(usage, 2) + ", " + std::to_string(field->BitSize) + "]";
+    bits += field->BitSize;
   }
-  return text + "]";
+  return bits <= std::size_t{8} * collection.caps.FeatureReportByteLength ? text + "]" : "[]";
+}
+
+/// What the keyboard says of itself in report A3, as far as it declares it.
+struct BaseInfo {
+  std::uint32_t zones = 0;
+  std::uint32_t effects = 0;
+  std::size_t length = kReportHead;  // of what is declared
+};
+
+BaseInfo ReadBaseInfo(const Bytes& reply, const HidCollection& collection) {
+  BaseInfo info;
+  for (const std::uint16_t usage : HidKeyboard::kBaseInfoUsages) {
+    const HIDP_VALUE_CAPS* const field = FindField(collection, kBaseInfoReply, usage);
+    const std::size_t width = field == nullptr ? 0 : field->BitSize / 8;
+    if (width > sizeof(std::uint32_t) || info.length + width > reply.size()) break;  // what follows has no known place
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < width; ++i) value |= std::uint32_t{reply[info.length + i]} << (8 * i);
+    if (usage == FieldUsage::ZoneCount) info.zones = value & 0xFFFF;
+    if (usage == FieldUsage::EffectMask) info.effects = value;
+    info.length += width;
+  }
+  return info;
+}
+
+/// The report with everything behind its first `length` bytes blank: nobody knows what a device puts there.
+Bytes Blanked(Bytes report, std::size_t length) {
+  std::fill(report.begin() + static_cast<std::ptrdiff_t>(std::min(length, report.size())), report.end(), 0);
+  return report;
 }
 
 /// A report read from the device; nothing when it does not answer.
@@ -94,75 +100,143 @@ std::optional<Bytes> Read(platform::HidConnection& connection, std::uint8_t repo
   return connection.GetFeature(report) == ERROR_SUCCESS ? std::optional(report) : std::nullopt;
 }
 
-/// The value of a declared field of the base information.
-std::uint32_t ValueIn(const Bytes& reply, const HidCollection& collection, std::uint8_t wanted) {
-  std::size_t position = 2;  // behind the report id and the device id
-  for (const std::uint16_t usage : HidKeyboard::kBaseInfoUsages) {
-    std::size_t width = 0;
-    for (const HIDP_VALUE_CAPS& caps : collection.values[HidP_Feature]) {
-      if (caps.ReportID == kBaseInfoReply && caps.NotRange.Usage == usage) width = caps.BitSize / 8;
-    }
-    if (width > 4 || position + width > reply.size()) return 0;
-    if (usage == wanted) {
-      std::uint32_t value = 0;
-      for (std::size_t i = 0; i < width; ++i) value |= std::uint32_t{reply[position + i]} << (8 * i);
-      return value;
-    }
-    position += width;
+class Recorder {
+ public:
+  explicit Recorder(platform::Machine& machine) : machine_(machine) {}
+
+  Recording Record() {
+    text_ = "# What a machine was seen to be and to answer.\ntitle = \"Recorded\"\n";
+    RecordFirmware();
+    for (const platform::HidDevice& device : machine_.HidDevices()) RecordHidDevice(device);
+    RecordSwitch(kLogSwitch);
+    RecordSwitch(kHybridSwitch);
+    return {std::move(text_), std::move(omissions_)};
   }
-  return 0;
-}
 
-std::string RecordAnswers(platform::HidConnection& connection, const HidCollection& collection) {
-  const std::size_t length = collection.caps.FeatureReportByteLength;
-  const auto attributes = Read(connection, kAttributeReport, length);
-  if (!attributes) return "answers = false  # not seen to answer report A1\nzones = 0\n";
-  std::string text = "attribute_reply = " + Listed(*attributes) + "\n";
-  Bytes request(length);
-  request[0] = kBaseInfoRequest;
-  request[1] = kKeyboardId;
-  const bool asked = connection.SetFeature(request) == ERROR_SUCCESS;
-  const auto reply = asked ? Read(connection, kBaseInfoReply, length) : std::nullopt;
-  if (!reply) return text + "zones = 0  # not seen to answer report A3\n";
-  return text + "base_info_reply = " + Listed(*reply) +
-         "\nzones = " + std::to_string(ValueIn(*reply, collection, FieldUsage::ZoneCount)) +
-         "\neffects = " + Hexadecimal(ValueIn(*reply, collection, FieldUsage::EffectMask), 8) + "\n";
-}
-
-std::string RecordHidDevice(platform::Machine& machine, const platform::HidDevice& device) {
-  const auto collections = platform::ParseReportDescriptor(device.report_descriptor).collections;
-  const auto lighting =
-      std::ranges::find(collections, kLightingUsagePage, [](const HidCollection& each) { return each.caps.UsagePage; });
-  if (lighting == collections.end()) return "";
-  const HidCollection& collection = *lighting;
-  std::string text = "[[hid_keyboard]]\nvendor = " + Hexadecimal(device.vendor, 4) +
-                     "\nproduct = " + Hexadecimal(device.product, 4) +
-                     "\nreport_length = " + std::to_string(std::max<int>(collection.caps.FeatureReportByteLength, 3)) +
-                     "\ndescriptor = " + Listed(device.report_descriptor) +
-                     "\nbase_info = " + DeclaredFields(collection, kBaseInfoReply, HidKeyboard::kBaseInfoUsages) +
-                     "\nupdate = " + DeclaredFields(collection, kUpdateReport, HidKeyboard::kUpdateUsages) + "\n";
-  const platform::OpenedHidDevice opened = machine.OpenHidDevice(device.path);
-  if (opened.error != ERROR_SUCCESS || collection.caps.FeatureReportByteLength < 3) {
-    return text + "answers = false  # could not be opened\nzones = 0\n";
+ private:
+  void Omit(const std::string& what) {
+    text_ += "# " + what + "\n";
+    omissions_.push_back("not recorded: " + what);
   }
-  return text + RecordAnswers(*opened.connection, collection);
-}
 
-std::string RecordSwitch(platform::Machine& machine, const ServiceSwitch& service_switch) {
-  const auto value = machine.RegistryValue(service_switch.key, service_switch.value);
-  if (!value || value->size() != 4) return "";
-  std::uint32_t number = 0;
-  for (std::size_t i = 0; i < 4; ++i) number |= std::uint32_t{value->at(i)} << (8 * i);
-  return "[registry.'" + platform::ReadableUtf8(service_switch.key) + "']\n" +
-         platform::ReadableUtf8(service_switch.value) + " = " + std::to_string(number) + "\n";
-}
+  void RecordFirmware() {
+    const auto table = machine_.ReadSmbiosTable();
+    const Bytes* const data = table ? std::get_if<Bytes>(&table->data) : nullptr;
+    if (data == nullptr) return Omit("the SMBIOS table, which cannot be read");
+    const std::span<const std::uint8_t> structure = FindOemStructure(*data);
+    stSMBiosType172 record;
+    if (!FindSMBiosType172(*data, record) || structure.size() < 6) {
+      text_ += "# The SMBIOS table has no structure of type 172.\n";
+      return;
+    }
+    const std::uint16_t zones = FirstItem(record, kItemKeyboardZones).value_or(0);
+    const bool has_methods = machine_.FindFirmwareClass().has_value();
+    const bool light_bar = FirstItem(record, kItemLightBar) == kLightBarThere;
+    text_ += "[firmware]\nversion = \"" + std::to_string(record.biosMajor) + "." + std::to_string(record.biosMinor) +
+             "\"\nrecord = " + Listed(structure) + "\n" + (has_methods ? "" : "instance = ''  # no methods here\n") +
+             "[keyboard]\nzones = " + std::to_string(zones == 1 || zones == 3 || zones == 4 ? zones : 0) +
+             "\nrgb = " + Truth(FirstItem(record, kItemRgbKeyboard) == kRgbKeyboardThere) +
+             "\n[light_bar]\npresent = " + Truth(light_bar) + "\n";
+    if (light_bar && has_methods) RecordLightBar();
+  }
+
+  /// What discovery asks the firmware when a light bar is announced.
+  void RecordLightBar() {
+    std::array<std::uint8_t, 16> answer{};
+    if (GetGamingLED(answer.data(), static_cast<std::int32_t>(answer.size())) == 0) {
+      return Omit("the firmware's answer to GetGamingLED, which failed");
+    }
+    text_ += "report = " + Listed(std::span(answer).subspan(1)) + "\nreturn = " + std::to_string(answer[0]) + "\n";
+  }
+
+  void RecordHidDevice(const platform::HidDevice& device) {
+    const std::string name = "the device " + Hexadecimal(device.vendor, 4) + ":" + Hexadecimal(device.product, 4);
+    const platform::ReportDescriptor descriptor = platform::ParseReportDescriptor(device.report_descriptor);
+    if (!descriptor.refusal.empty()) return Omit(name + ", whose descriptor cannot be read: " + descriptor.refusal);
+    const auto lighting = std::ranges::find(descriptor.collections, kLightingUsagePage,
+                                            [](const HidCollection& each) { return each.caps.UsagePage; });
+    if (lighting == descriptor.collections.end()) return;
+    const std::size_t length = lighting->caps.FeatureReportByteLength;
+    text_ += "[[hid_keyboard]]\nvendor = " + Number(device.vendor, 4) + "\nproduct = " + Number(device.product, 4) +
+             "\nreport_length = " + std::to_string(std::max<std::size_t>(length, 3)) +
+             "\ndescriptor = " + Listed(device.report_descriptor) +
+             "\nbase_info = " + DeclaredFields(*lighting, kBaseInfoReply, HidKeyboard::kBaseInfoUsages) +
+             "\nupdate = " + DeclaredFields(*lighting, kUpdateReport, HidKeyboard::kUpdateUsages) + "\n";
+    const platform::OpenedHidDevice opened = machine_.OpenHidDevice(device.path);
+    const auto attributes = opened.error == ERROR_SUCCESS && length > kReportHead
+                                ? Read(*opened.connection, kAttributeReport, length)
+                                : std::nullopt;
+    if (!attributes) {
+      text_ += "answers = false\nzones = 0\n";
+      return Omit(name + "'s answers: " +
+                  (opened.error == ERROR_ACCESS_DENIED ? "this user may not open it" : "it does not answer report A1"));
+    }
+    const std::size_t claimed = kReportHead + attributes->at(1);
+    text_ += "attribute_reply = " + Listed(Blanked(*attributes, claimed)) + "\n";
+    const auto ids = std::span(*attributes).first(std::min(claimed, length)).subspan(kReportHead);
+    if (std::ranges::find(ids, kKeyboardId) == ids.end()) {
+      text_ += "zones = 0  # no keyboard\n";
+      return;
+    }
+    text_ += "device_ids = " + Listed(ids) + "\n";
+    RecordBaseInfo(*opened.connection, *lighting, name);
+  }
+
+  void RecordBaseInfo(platform::HidConnection& connection, const HidCollection& lighting, const std::string& name) {
+    const std::size_t length = lighting.caps.FeatureReportByteLength;
+    Bytes request(length);
+    request[0] = kBaseInfoRequest;
+    request[1] = kKeyboardId;
+    const bool asked = connection.SetFeature(request) == ERROR_SUCCESS;
+    const auto reply = asked ? Read(connection, kBaseInfoReply, length) : std::nullopt;
+    if (!reply) {
+      text_ += "zones = 0\n";
+      return Omit(name + "'s zones and effects: it does not answer report A3");
+    }
+    const BaseInfo info = ReadBaseInfo(*reply, lighting);
+    text_ += "base_info_reply = " + Listed(Blanked(*reply, info.length)) + "\nzones = " + std::to_string(info.zones) +
+             "\neffects = " + Number(info.effects, 8) + "\n";
+  }
+
+  void RecordSwitch(const ServiceSwitch& service_switch) {
+    const auto value = machine_.RegistryValue(service_switch.key, service_switch.value);
+    if (!value || value->size() != 4) return;
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i < 4; ++i) number |= std::uint32_t{value->at(i)} << (8 * i);
+    text_ += "[registry.'" + platform::ReadableUtf8(service_switch.key) + "']\n" +
+             platform::ReadableUtf8(service_switch.value) + " = " + std::to_string(number) + "\n";
+  }
+
+  platform::Machine& machine_;
+  std::string text_;
+  std::vector<std::string> omissions_;
+};
 
 }  // namespace
 
-std::string RecordOf(platform::Machine& machine) {
-  std::string text = "# What a machine was seen to be and to answer.\ntitle = \"Recorded\"\n" + RecordFirmware(machine);
-  for (const platform::HidDevice& device : machine.HidDevices()) text += RecordHidDevice(machine, device);
-  return text + RecordSwitch(machine, kLogSwitch) + RecordSwitch(machine, kHybridSwitch);
+Recording Record(platform::Machine& machine) {
+  Recording recording = Recorder(machine).Record();
+  try {
+    simulator::ParseProfile(recording.profile, "the record");
+  } catch (const simulator::ProfileError& error) {
+    throw Complaint(ExitCode::Failed, std::string("this machine cannot be recorded: ") + error.what());
+  }
+  return recording;
+}
+
+void WriteNewFile(const std::filesystem::path& path, const std::string& text) {
+  std::FILE* const file = std::fopen(path.string().c_str(), "wbx");
+  if (file == nullptr && errno == EEXIST) {
+    throw Complaint(ExitCode::WrongCommandLine, path.string() + " is there already; give another name");
+  }
+  const bool written = file != nullptr && std::fwrite(text.data(), 1, text.size(), file) == text.size();
+  if (file != nullptr && std::fclose(file) == 0 && written) return;
+  const std::string why = std::generic_category().message(errno);
+  if (file != nullptr) {
+    std::error_code ignored;
+    std::filesystem::remove(path, ignored);
+  }
+  throw Complaint(ExitCode::Failed, "\"" + path.string() + "\" cannot be written: " + why);
 }
 
 }  // namespace zarnctl

@@ -2,15 +2,27 @@
 /// reaches the tests.
 #pragma once
 
+#include <filesystem>
 #include <string>
+#include <vector>
 
 #include "platform/portable/machine.h"
 
 namespace zarnctl {
 
-/// The text of a profile, in TOML: the SMBIOS structure of type 172, the descriptors of lighting devices with their
-/// answers to the reports that only ask, and the switches. Nothing that names a person, a place or a piece: no user, no
-/// path, no serial number. Asks the machine itself; what cannot be had is left out, with a comment that says so.
-std::string RecordOf(platform::Machine& machine);
+/// A profile in TOML, and a line for each thing that it lacks because it could not be had.
+struct Recording {
+  std::string profile;
+  std::vector<std::string> omissions;
+};
+
+/// The SMBIOS structure of type 172, the firmware's answer about its light bar, the descriptors of lighting devices
+/// with their answers to the reports that only ask, and the switches. Nothing that names a person, a place or a piece:
+/// no user, no path, no serial number, and of no answer more than the plug-in understands. Asks the machine itself.
+/// Throws Complaint when the profile could not be played back.
+Recording Record(platform::Machine& machine);
+
+/// Writes a file that must not be there yet, whole or not at all. Throws Complaint.
+void WriteNewFile(const std::filesystem::path& path, const std::string& text);
 
 }  // namespace zarnctl

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
+#include <limits>
 #include <system_error>
 
 #include "zarnctl/complaint.h"
@@ -14,7 +15,8 @@ namespace {
 bool ReadWhole(std::string_view text, int base, std::uint32_t& number) {
   const char* const end = text.data() + text.size();
   const auto [stopped, error] = std::from_chars(text.data(), end, number, base);
-  return error == std::errc{} && stopped == end;
+  if (error == std::errc::result_out_of_range) number = std::numeric_limits<std::uint32_t>::max();
+  return error != std::errc::invalid_argument && stopped == end;
 }
 
 char LowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
@@ -35,6 +37,12 @@ PackedColor ReadColor(std::string_view what, std::string_view text) {
                     std::string(what) + " " + std::string(text) + ": a colour is six hexadecimal digits, RRGGBB");
   }
   return (rgb >> 16 & 0xff) | (rgb & 0xff00) | (rgb & 0xff) << 16;
+}
+
+std::string Hexadecimal(std::uint32_t number, int digits) {
+  std::array<char, 16> text{};
+  std::snprintf(text.data(), text.size(), "%0*X", digits, number);
+  return text.data();
 }
 
 std::uint32_t ReadNumber(std::string_view what, std::string_view text) {

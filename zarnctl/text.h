@@ -15,7 +15,9 @@ namespace zarnctl {
 std::string ColorText(PackedColor color);
 /// Reads "ff8000" or "#ff8000"; throws Complaint that begins with `what`.
 PackedColor ReadColor(std::string_view what, std::string_view text);
-/// Reads a whole number from 0 on; throws Complaint that begins with `what`.
+/// "00FF" for 0xFF and 4 digits
+std::string Hexadecimal(std::uint32_t number, int digits);
+/// Reads a whole number from 0 on, as 4294967295 when it is greater; throws Complaint that begins with `what`.
 std::uint32_t ReadNumber(std::string_view what, std::string_view text);
 
 /// "1 LED", "4 LEDs"

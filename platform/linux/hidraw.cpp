@@ -21,8 +21,9 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 constexpr std::string_view kNodePrefix = "hidraw";
-/// Exchanges that fail after this time have run into the kernel's limit of 5 s, whatever error the driver makes of it.
-constexpr std::chrono::seconds kTimedOut{4};
+/// An exchange that takes this long and fails has found a device that hangs, whatever error the driver makes of it: the
+/// kernel's own limit is 5 s.
+constexpr std::chrono::seconds kHangs{2};
 
 std::optional<unsigned> Number(std::string_view text, int base) {
   unsigned number = 0;
@@ -82,29 +83,6 @@ LONG ErrorOf(int code) {
   }
 }
 
-class FileDescriptor {
- public:
-  FileDescriptor() = default;
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  ~FileDescriptor() { Close(); }
-
-  /// 0, or the code of the failure.
-  int Open(const fs::path& node) {
-    // Reading rights are enough for feature reports in both directions.
-    fd_ = open(node.c_str(), O_RDONLY | O_CLOEXEC);
-    return fd_ >= 0 ? 0 : errno;
-  }
-  void Close() {
-    if (fd_ >= 0) close(fd_);
-    fd_ = -1;
-  }
-  int Get() const { return fd_; }
-
- private:
-  int fd_ = -1;
-};
-
 class HidrawConnection final : public HidConnection {
  public:
   HidrawConnection(HidrawPlaces places, HidrawDevice device, std::shared_ptr<HungDevices> hung)
@@ -138,7 +116,7 @@ class HidrawConnection final : public HidConnection {
     if (code == 0 && call(file_.Get()) < 0) code = errno;
     if (code == 0) return ERROR_SUCCESS;
     if (!IsPresent()) return ERROR_DEVICE_NOT_CONNECTED;
-    if (code != ETIMEDOUT && Clock::now() - began < kTimedOut) return ErrorOf(code);
+    if (Clock::now() - began < kHangs) return ErrorOf(code);
     hung_->Add(device_.identity);
     return ERROR_SEM_TIMEOUT;
   }
@@ -148,7 +126,8 @@ class HidrawConnection final : public HidConnection {
     const std::lock_guard lock(lock_);
     if (file_.Get() >= 0) return 0;
     if (!IsPresent()) return ENODEV;
-    if (const int code = file_.Open(device_.node)) return code;
+    // Reading rights are enough for feature reports in both directions.
+    if (const int code = file_.Open(device_.node, O_RDONLY)) return code;
     // What was opened is the device only if it is still there: between the two its node could have gone to another.
     if (IsPresent()) return 0;
     file_.Close();

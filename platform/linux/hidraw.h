@@ -24,10 +24,12 @@ struct HidrawPlaces {
 };
 
 /// Devices that let an exchange run into its time limit. For a while they are not asked again, or every attempt of a
-/// host would take the kernel's five seconds. Any thread may call.
+/// host would take the kernel's five seconds. A device that is plugged in again is another one, and asked at once. Any
+/// thread may call.
 class HungDevices {
  public:
-  static constexpr std::chrono::seconds kRest{15};
+  /// Long enough for a host to be done with a push and a teardown while several devices hang one after another.
+  static constexpr std::chrono::seconds kRest{60};
 
   void Add(const std::string& device);
   bool Contains(const std::string& device);

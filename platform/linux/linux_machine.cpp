@@ -1,18 +1,15 @@
 #include "platform/linux/linux_machine.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 #include <utility>
 
-#include "platform/linux/home.h"
+#include "platform/linux/user.h"
 #include "platform/linux/read_file.h"
 #include "platform/portable/text.h"
 
 namespace platform {
 namespace {
-
-constexpr std::wstring_view kProgramData = L"PROGRAMDATA";
 
 /// Major and minor version of the standard, out of the table's entry point: of 32 or of 64 bits.
 std::optional<std::pair<std::uint8_t, std::uint8_t>> VersionIn(const Bytes& entry_point) {
@@ -34,12 +31,7 @@ std::optional<Bytes> LinuxMachine::RegistryValue(std::wstring_view key, std::wst
   return settings_.Value(key, name);
 }
 
-std::optional<std::wstring> LinuxMachine::EnvironmentVariable(std::wstring_view name) {
-  if (const char* const own = std::getenv(ReadableUtf8(name).c_str())) return WideFromUtf8(own);
-  if (name != kProgramData) return std::nullopt;
-  const auto states = UserFolder("XDG_STATE_HOME", ".local/state");
-  return states ? std::optional(WideFromUtf8((*states / "zarn").string())) : std::nullopt;
-}
+std::optional<std::wstring> LinuxMachine::EnvironmentVariable(std::wstring_view name) { return ProcessVariable(name); }
 
 std::optional<std::wstring> LinuxMachine::UserName() {
   const auto name = CurrentUser();

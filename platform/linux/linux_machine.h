@@ -25,8 +25,6 @@ class LinuxMachine final : public EmptyMachine {
 
   bool HasRegistryKey(std::wstring_view key) override;
   std::optional<Bytes> RegistryValue(std::wstring_view key, std::wstring_view name) override;
-  /// PROGRAMDATA, where the environment does not have it, is zarn in the user's folder for states ($XDG_STATE_HOME, or
-  /// ~/.local/state).
   std::optional<std::wstring> EnvironmentVariable(std::wstring_view name) override;
   std::optional<std::wstring> UserName() override;
   /// Needs the right to read the kernel's table, which as a rule root alone has.

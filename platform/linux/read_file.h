@@ -1,6 +1,7 @@
 /// The kernel's files, which do not tell their size and may fail to be read although they are there.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 
@@ -8,7 +9,29 @@
 
 namespace platform {
 
-/// All of it; nothing when it cannot be opened or read to its end.
+/// An open file, closed with its owner.
+class FileDescriptor {
+ public:
+  FileDescriptor() = default;
+  FileDescriptor(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(const FileDescriptor&) = delete;
+  ~FileDescriptor() { Close(); }
+
+  /// With the flags of open(2), behind a Close: 0, or the code of the failure.
+  int Open(const std::filesystem::path& file, int flags);
+  void Close();
+  /// Negative when none is open.
+  int Get() const { return fd_; }
+
+ private:
+  int fd_ = -1;
+};
+
+constexpr std::size_t kLongestFile = std::size_t{16} << 20;  // in bytes
+
+/// All of a regular file; nothing when it cannot be opened or read to its end, and then errno tells why: ENOENT or
+/// ENOTDIR when it is not there, EINVAL when it is no regular file, EFBIG when it is longer than kLongestFile. It does
+/// not block.
 std::optional<Bytes> ReadFile(const std::filesystem::path& file);
 
 }  // namespace platform

@@ -4,9 +4,15 @@
 
 #include <toml++/toml.h>
 #include <algorithm>
+#include <cerrno>
 #include <limits>
+#include <optional>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
 
-#include "platform/linux/home.h"
+#include "platform/linux/read_file.h"
+#include "platform/linux/user.h"
 #include "platform/portable/text.h"
 
 namespace platform {
@@ -40,9 +46,9 @@ void ReadKey(const toml::key& key, const toml::node& node, RegistryValues& value
   }
 }
 
-RegistryValues ReadValues(const std::filesystem::path& path) {
+RegistryValues ReadValues(const std::string& text) {
   RegistryValues values;
-  const toml::table file = toml::parse_file(path.string());
+  const toml::table file = toml::parse(text);
   for (const auto& [name, section] : file) {
     if (name.str() != "registry" || !section.is_table()) {
       Fail(name.source(), "\"" + std::string(name.str()) + "\" is not known here, only tables: [registry.'KEY\\KEY']");
@@ -52,21 +58,32 @@ RegistryValues ReadValues(const std::filesystem::path& path) {
   return values;
 }
 
+bool IsNotThere(int code) { return code == ENOENT || code == ENOTDIR; }
+
 }  // namespace
 
 SettingsFile ReadSettingsFile(const std::filesystem::path& path) {
-  SettingsFile file{path, false, {}, {}};
-  std::error_code error;
-  file.is_there = std::filesystem::exists(path, error);
-  if (!file.is_there) return file;
+  SettingsFile file{path, SettingsFile::State::NotThere, {}, {}};
+  const std::optional<Bytes> bytes = ReadFile(path);
+  if (!bytes) {
+    const int code = errno;
+    if (IsNotThere(code)) return file;
+    file.state = SettingsFile::State::Unreadable;
+    file.complaint = path.string() + ": cannot be read: " + std::generic_category().message(code);
+    return file;
+  }
+  file.state = SettingsFile::State::Read;
   try {
-    file.values = ReadValues(path);
+    file.values = ReadValues(std::string(bytes->begin(), bytes->end()));
   } catch (const toml::parse_error& what) {
     file.complaint =
         path.string() + ":" + std::to_string(what.source().begin.line) + ": " + std::string(what.description());
-  } catch (const std::exception& what) {
+  } catch (const std::runtime_error& what) {
     file.complaint = path.string() + ":" + what.what();
   }
+  // Keys, and the text that the parser quotes, may hold line breaks.
+  std::ranges::replace_if(
+      file.complaint, [](char c) { return c >= 0 && c < ' '; }, ' ');
   return file;
 }
 
@@ -99,15 +116,19 @@ std::optional<Bytes> Settings::Value(std::wstring_view key, std::wstring_view na
 void Settings::Refresh() {
   for (Entry& entry : entries_) {
     struct stat found = {};
-    State now;
-    if (stat(entry.path.c_str(), &found) == 0)
-      now = {found.st_mtim, static_cast<std::uint64_t>(found.st_size), found.st_ino, true};
-    const State& before = entry.state;
-    const bool same = now.is_there == before.is_there && now.inode == before.inode && now.size == before.size &&
-                      now.modified.tv_sec == before.modified.tv_sec && now.modified.tv_nsec == before.modified.tv_nsec;
-    if (same) continue;
-    entry.values = ReadSettingsFile(entry.path).values;
-    entry.state = now;
+    if (stat(entry.path.c_str(), &found) == 0) {
+      const Version now = {{found.st_mtim.tv_sec, found.st_mtim.tv_nsec, found.st_ctim.tv_sec, found.st_ctim.tv_nsec},
+                           found.st_size,
+                           found.st_ino};
+      if (now == entry.version) continue;
+      SettingsFile file = ReadSettingsFile(entry.path);
+      if (file.state == SettingsFile::State::Unreadable) continue;  // until it can be read it counts as it was
+      entry.values = std::move(file.values);
+      entry.version = now;
+    } else if (IsNotThere(errno)) {
+      entry.values.clear();
+      entry.version = {};
+    }
   }
 }
 

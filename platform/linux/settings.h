@@ -6,7 +6,8 @@
 ///     HybridMode = 1
 #pragma once
 
-#include <ctime>
+#include <array>
+#include <cstdint>
 #include <filesystem>
 #include <mutex>
 #include <optional>
@@ -19,9 +20,11 @@ namespace platform {
 
 /// A settings file as it was found.
 struct SettingsFile {
+  enum class State { NotThere, Unreadable, Read };
+
   std::filesystem::path path;
-  bool is_there = false;
-  /// What is wrong with it, one line with the place; then nothing of it counts.
+  State state = State::NotThere;
+  /// What is wrong with it, one line with the place; then there are no values.
   std::string complaint;
   RegistryValues values;
 };
@@ -32,7 +35,8 @@ SettingsFile ReadSettingsFile(const std::filesystem::path& path);
 /// /etc/zarn/settings.toml, and zarn/settings.toml in the user's configuration folder ($XDG_CONFIG_HOME, or ~/.config).
 std::vector<std::filesystem::path> SettingsPaths();
 
-/// Registry values from settings files. Reads a file again whenever it has changed, so that a switch works at once. Any
+/// Registry values from settings files. Reads a file again whenever it has changed, so that a switch works at once; one
+/// that cannot be read just then, as by a process that is out of file descriptors, counts as it was read before. Any
 /// thread may call.
 class Settings {
  public:
@@ -42,16 +46,18 @@ class Settings {
   std::optional<Bytes> Value(std::wstring_view key, std::wstring_view name);
 
  private:
-  /// What tells one state of a file from another.
-  struct State {
-    std::timespec modified = {};
-    std::uint64_t size = 0;
+  /// What tells one version of a file from another: when its content changed, when anything of it did (as the right to
+  /// read it), and which file it is.
+  struct Version {
+    std::array<std::int64_t, 4> times = {};
+    std::int64_t size = 0;
     std::uint64_t inode = 0;
-    bool is_there = false;
+
+    bool operator==(const Version&) const = default;
   };
   struct Entry {
     std::filesystem::path path;
-    State state;
+    Version version;
     RegistryValues values;
   };
 

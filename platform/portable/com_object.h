@@ -8,7 +8,7 @@
 
 #include "platform/portable/live_counters.h"
 #include "platform/portable/platform_call.h"
-#include "platform/portable/wmi_api.h"
+#include "platform/wmi.h"
 
 namespace platform {
 

@@ -14,12 +14,12 @@ Handles& OpenHandles() {
   return *handles;
 }
 
-HANDLE Open(LPCWSTR path, DWORD disposition) {
+HANDLE Open(LPCWSTR path, DWORD access, DWORD disposition) {
   if (path == nullptr || disposition != OPEN_EXISTING) {
     SetThreadError(ERROR_INVALID_PARAMETER);
     return INVALID_HANDLE_VALUE;
   }
-  auto opened = OpenHidInterface(path);
+  auto opened = access == 0 ? OpenHidInterfaceToLook(path) : OpenHidInterface(path);
   return opened != nullptr ? OpenHandles().Add(std::move(opened)) : INVALID_HANDLE_VALUE;
 }
 
@@ -48,7 +48,7 @@ HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share_mode, LPSECURITY_ATTR
                    DWORD /*flags*/, HANDLE /*template_file*/) {
   Call<HANDLE> call = HandleCall("CreateFileW", ERROR_ACCESS_DENIED);
   call.hands_back_object = true;
-  return Pass(call, Asked(path, access, share_mode, disposition), [&] { return Open(path, disposition); });
+  return Pass(call, Asked(path, access, share_mode, disposition), [&] { return Open(path, access, disposition); });
 }
 
 BOOL CloseHandle(HANDLE handle) {

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/portable/hid_api.h"
+#include "platform/hid.h"
 #include "platform/portable/hid_interfaces.h"
 #include "platform/portable/platform_call.h"
 

@@ -4,7 +4,7 @@
 #include <ctime>
 #include <thread>
 
-#include "platform/portable/wmi_api.h"
+#include "platform/wmi.h"
 
 namespace platform {
 

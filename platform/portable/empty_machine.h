@@ -1,4 +1,4 @@
-/// A machine on which nothing is there but the clock: where tests begin. They override what the case needs.
+/// A machine on which nothing is there but the clock: the base of those that have some of it.
 #pragma once
 
 #include "platform/portable/machine.h"

@@ -95,6 +95,7 @@ BOOLEAN ExchangeFeature(const char* call, HANDLE handle, PVOID report, ULONG len
   if (interface == nullptr) return FALSE;
   const ULONG expected = interface->collection.caps.FeatureReportByteLength;
   if (report == nullptr || expected == 0 || length != expected) return Done(ERROR_INVALID_PARAMETER);
+  if (interface->connection == nullptr) return Done(ERROR_ACCESS_DENIED);
   return Done(exchange(*interface->connection, std::span(static_cast<std::uint8_t*>(report), length)));
 }
 

@@ -1,5 +1,6 @@
 #include "platform/portable/hid_interfaces.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 #include <utility>
@@ -32,6 +33,18 @@ std::shared_ptr<const HidInterface> Fail(LONG error) {
   return nullptr;
 }
 
+/// The one of the device's interfaces that has this path.
+std::shared_ptr<const HidInterface> InterfaceAt(const std::wstring& path, const HidDevice& device,
+                                                std::shared_ptr<HidConnection> connection) {
+  std::vector<HidCollection> collections = ParseReportDescriptor(device.report_descriptor).collections;
+  for (std::size_t i = 0; i < collections.size(); ++i) {
+    if (InterfacePath(device.path, i + 1, collections.size()) != path) continue;
+    return std::make_shared<const HidInterface>(HidInterface{path, device.vendor, device.product, device.version,
+                                                             std::move(collections[i]), std::move(connection)});
+  }
+  return Fail(ERROR_FILE_NOT_FOUND);
+}
+
 }  // namespace
 
 std::vector<std::wstring> HidInterfacePaths() {
@@ -46,14 +59,13 @@ std::vector<std::wstring> HidInterfacePaths() {
 std::shared_ptr<const HidInterface> OpenHidInterface(const std::wstring& path) {
   OpenedHidDevice opened = CurrentMachine()->OpenHidDevice(DevicePath(path));
   if (opened.error != ERROR_SUCCESS) return Fail(opened.error);
-  std::vector<HidCollection> collections = ParseReportDescriptor(opened.device.report_descriptor).collections;
-  for (std::size_t i = 0; i < collections.size(); ++i) {
-    if (InterfacePath(opened.device.path, i + 1, collections.size()) != path) continue;
-    return std::make_shared<const HidInterface>(HidInterface{path, opened.device.vendor, opened.device.product,
-                                                             opened.device.version, std::move(collections[i]),
-                                                             std::move(opened.connection)});
-  }
-  return Fail(ERROR_FILE_NOT_FOUND);
+  return InterfaceAt(path, opened.device, std::move(opened.connection));
+}
+
+std::shared_ptr<const HidInterface> OpenHidInterfaceToLook(const std::wstring& path) {
+  const std::vector<HidDevice> devices = CurrentMachine()->HidDevices();
+  const auto device = std::ranges::find(devices, DevicePath(path), &HidDevice::path);
+  return device != devices.end() ? InterfaceAt(path, *device, nullptr) : Fail(ERROR_FILE_NOT_FOUND);
 }
 
 }  // namespace platform

@@ -10,7 +10,8 @@
 
 namespace platform {
 
-/// An opened interface. Shared by its handle and the calls that are using it.
+/// An opened interface. Shared by its handle and the calls that are using it. Without a connection it only tells what
+/// it is.
 struct HidInterface {
   std::wstring path;
   std::uint16_t vendor = 0;
@@ -25,5 +26,7 @@ std::vector<std::wstring> HidInterfacePaths();
 
 /// Opens one; null, with the calling thread's last error set, when it cannot be opened.
 std::shared_ptr<const HidInterface> OpenHidInterface(const std::wstring& path);
+/// The same without the right to exchange reports, which nobody is denied.
+std::shared_ptr<const HidInterface> OpenHidInterfaceToLook(const std::wstring& path);
 
 }  // namespace platform

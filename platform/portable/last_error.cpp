@@ -3,7 +3,7 @@
 #include <cerrno>
 
 #include "platform/portable/platform_call.h"
-#include "platform/portable/system_api.h"
+#include "platform/system.h"
 
 namespace platform {
 namespace {

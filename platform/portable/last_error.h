@@ -1,7 +1,7 @@
 /// The calling thread's last error, for the layer's own use.
 #pragma once
 
-#include "platform/portable/windows_types.h"
+#include "platform/system.h"
 
 namespace platform {
 

@@ -15,7 +15,7 @@
 #include <variant>
 #include <vector>
 
-#include "platform/portable/system_api.h"
+#include "platform/system.h"
 
 namespace platform {
 

@@ -15,7 +15,7 @@
 #include "platform/portable/instruments.h"
 #include "platform/portable/journal_text.h"
 #include "platform/portable/last_error.h"
-#include "platform/portable/windows_types.h"
+#include "platform/system.h"
 
 namespace platform {
 

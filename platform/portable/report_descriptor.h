@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/portable/hid_api.h"
+#include "platform/hid.h"
 
 namespace platform {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "platform/portable/machine.h"
-#include "platform/portable/variant.h"
+#include "platform/wmi.h"
 
 namespace platform {
 

@@ -68,19 +68,20 @@ TEST_F(TsLogTest, LinesCarryLevelTimeModuleTagAndMessageAndComeByTheAdapterToo) 
 
 TEST_F(TsLogTest, SwitchIsReadAgainUntilTheLogIsThereAndNeverAfter) {
   InOwnProcess([&] {
-    const std::vector<std::map<std::wstring, Bytes>> off = {{},                                           // no key
-                                                            {{L"SomethingElse", {1, 0, 0, 0}}},           // no value
-                                                            {{L"ZarnLightingService", {0, 0, 0, 0}}},     //
+    machine->registry.clear();
+    EXPECT_EQ(TsLog::GetInstance(), nullptr);
+    const std::vector<std::map<std::wstring, Bytes>> off = {{{L"SomethingElse", {1, 0, 0, 0}}},
+                                                            {{L"ZarnLightingService", {0, 0, 0, 0}}},
                                                             {{L"ZarnLightingService", {'1', 0, 0, 0}}}};  // a text
     for (const auto& values : off) {
-      machine->log_switch = values;
+      machine->registry[kLogSwitch.key] = values;
       EXPECT_EQ(TsLog::GetInstance(), nullptr);
     }
     EXPECT_TRUE(FolderIsEmpty());
     SwitchLogOn();
     TsLog* const log = TsLog::GetInstance();
     EXPECT_NE(log, nullptr);
-    machine->log_switch.clear();
+    machine->registry.clear();
     EXPECT_EQ(TsLog::GetInstance(), log);
     EXPECT_TRUE(Lines().empty());  // only the folder is made before the first line
     EXPECT_FALSE(FolderIsEmpty());

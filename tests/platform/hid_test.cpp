@@ -133,6 +133,15 @@ TEST_F(Hid, DevicesThatMayNotBeUsedTellWhyAtOnce) {
   EXPECT_EQ(Open(device.device.path), INVALID_HANDLE_VALUE);
   EXPECT_EQ(GetLastError(), DWORD{5});
   std::thread([] { EXPECT_EQ(GetLastError(), DWORD{0}); }).join();
+
+  const HANDLE looking = CreateFileW(device.device.path.c_str(), 0, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  HIDD_ATTRIBUTES attributes{12, 0, 0, 0};
+  EXPECT_TRUE(HidD_GetAttributes(looking, &attributes));
+  EXPECT_EQ(attributes.VendorID, 0x1209);
+  Bytes report(65);
+  EXPECT_FALSE(HidD_GetFeature(looking, report.data(), 65));
+  EXPECT_EQ(GetLastError(), DWORD{5});
+  EXPECT_TRUE(CloseHandle(looking));
 }
 
 TEST_F(Hid, ValueCapabilitiesOutliveTheHandleAndEndWithTheirData) {

@@ -1,9 +1,15 @@
 #include <gtest/gtest.h>
 #include <sys/inotify.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <new>
+
 #include "platform/linux/linux_machine.h"
+#include "platform/linux/read_file.h"
 #include "platform/portable/hid_api.h"
+#include "tests/support/allocation_faults.h"
 #include "tests/support/hex.h"
 #include "tests/support/temporary_folder.h"
 
@@ -103,6 +109,37 @@ TEST_F(LinuxMachineTest, ConnectionReachesItsOwnDeviceAloneAndNoneThatHangs) {
   EXPECT_EQ(Exchange(node, untouched), ERROR_DEVICE_NOT_CONNECTED);
 }
 
+TEST_F(LinuxMachineTest, FileIsReadWholeOrErrnoTellsWhyNotAndNoneStaysOpen) {
+  const auto next_descriptor = [] {
+    const int descriptor = dup(STDERR_FILENO);
+    close(descriptor);
+    return descriptor;
+  };
+  const int next = next_descriptor();
+  const auto why_not = [](const fs::path& file) {
+    errno = 0;
+    EXPECT_FALSE(platform::ReadFile(file)) << file;
+    return errno;
+  };
+  Write(user, "");
+  EXPECT_EQ(platform::ReadFile(user), platform::Bytes());
+  EXPECT_EQ(why_not(folder / "missing"), ENOENT);
+  EXPECT_EQ(why_not(user / "below"), ENOTDIR);
+  EXPECT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+  for (const fs::path& file : {folder, folder / "fifo", fs::path("/dev/zero")}) EXPECT_EQ(why_not(file), EINVAL);
+  fs::resize_file(user, 16'777'216);
+  EXPECT_EQ(platform::ReadFile(user).value_or(platform::Bytes()).size(), 16'777'216U);
+  test::ArmAllocationFaults(1, false);
+  try {
+    std::ignore = platform::ReadFile(user);
+  } catch (const std::bad_alloc&) {
+  }
+  test::DisarmAllocationFaults();
+  fs::resize_file(user, 16'777'217);
+  EXPECT_EQ(why_not(user), EFBIG);
+  EXPECT_EQ(next_descriptor(), next);
+}
+
 TEST_F(LinuxMachineTest, SmbiosVersionStandsInTheEntryPoint) {
   EXPECT_FALSE(machine.ReadSmbiosTable());
   Write(folder / "tables/DMI", "\xAC\x05\x01");
@@ -152,11 +189,26 @@ TEST_F(LinuxMachineTest, LaterSettingsFileWinsWhateverTheCaseButABrokenOneCounts
   expect_complaint("Y = ", ":3: ");
 }
 
+TEST_F(LinuxMachineTest, SettingsThatCannotBeReadForAMomentCountAsTheyWere) {
+  Write(user, "[registry.'OEM\\A']\nX = 1\n");
+  EXPECT_EQ(Setting(L"X"), Hex("1 0 0 0"));
+  fs::remove(user);
+  ASSERT_EQ(mkfifo(user.c_str(), 0600), 0);
+  EXPECT_EQ(Setting(L"X"), Hex("1 0 0 0"));
+  EXPECT_EQ(platform::ReadSettingsFile(user).complaint, user.string() + ": cannot be read: Invalid argument");
+  fs::remove(user);
+  Write(user, "[registry.'OEM\\A']\nX = 2\n");
+  EXPECT_EQ(Setting(L"X"), Hex("2 0 0 0"));
+  EXPECT_EQ(platform::ReadSettingsFile(user / "below").complaint, "") << "is not there";
+}
+
 TEST_F(LinuxMachineTest, ProgramDataIsBelowTheUsersStatesUnlessTheEnvironmentHasIt) {
   setenv("XDG_STATE_HOME", "/states", 1);
   EXPECT_EQ(machine.EnvironmentVariable(L"PROGRAMDATA"), L"/states/zarn");
   setenv("PROGRAMDATA", "/data/\xC3\xA9", 1);
   EXPECT_EQ(machine.EnvironmentVariable(L"PROGRAMDATA"), L"/data/\u00E9");
+  setenv("PROGRAMDATA", "data", 1);  // no path from the root
+  EXPECT_EQ(machine.EnvironmentVariable(L"PROGRAMDATA"), L"/states/zarn");
   unsetenv("PROGRAMDATA");
   unsetenv("XDG_STATE_HOME");
 }

@@ -21,7 +21,7 @@ class SystemTest : public test::MachineTest {
 };
 
 TEST_F(SystemTest, RegistryValuesAreCopiedWhenTheyFitAndTheKeyIsOpen) {
-  machine->log_switch = {{L"Short", {1}}, {L"Long", {1, 2, 3, 4, 5, 6, 7, 8}}};
+  machine->registry[L"SOFTWARE\\OEM"] = {{L"Short", {1}}, {L"Long", {1, 2, 3, 4, 5, 6, 7, 8}}};
   HKEY key = nullptr;
   DWORD data = 0xFFFFFFFF;
   DWORD size = sizeof(data);
@@ -30,7 +30,7 @@ TEST_F(SystemTest, RegistryValuesAreCopiedWhenTheyFitAndTheKeyIsOpen) {
     return RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(&data), &size);
   };
   EXPECT_EQ(open(L"SOFTWARE\\Missing"), ERROR_FILE_NOT_FOUND);
-  ASSERT_EQ(open(L"SOFTWARE\\OEM\\ZarnLightingService\\Log"), 0);
+  ASSERT_EQ(open(L"SOFTWARE\\OEM"), 0);
   EXPECT_EQ(query(L"Long"), ERROR_MORE_DATA);
   EXPECT_EQ(data, 0xFFFFFFFFU);
   EXPECT_EQ(size, 8U);

@@ -111,7 +111,7 @@ TEST_F(ProfileTest, EveryMistakeIsNamedWithItsLineAndRemedy) {
       {keyboard + "rgb = true\n", "4: zones is missing here: 0, 1, 3 or 4"},
       {keyboard + "zones = 4\nrgb = 1\n", "6: rgb must be true or false"},
       {hid, "2: zones is missing here: a whole number from 0 to 65535"},
-      {hid + "zones = 1\nreport_length = 2\n", "4: report_length must be a whole number from 3 to 1025"},
+      {hid + "zones = 1\nreport_length = 2\n", "4: report_length must be a whole number from 3 to 16384"},
       {hid + "zones = 1\nreport_length = 8\n", "2: report_length is too short, base_info and update need 12"},
       {hid + "zones = 1\nbase_info = [[0x31, 8], [0x35, 8]]\n",
        "4: base_info must be pairs of usage and bits, [[0x35, 16]], of 0x34, 0x32, 0x35, 0x33, 0x31 in this order"},

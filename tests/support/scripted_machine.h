@@ -8,7 +8,9 @@
 #include <utility>
 #include <vector>
 
+#include "log/service_switch.h"
 #include "platform/portable/empty_machine.h"
+#include "platform/portable/registry_values.h"
 #include "tests/support/scripted_hid.h"
 
 namespace test {
@@ -35,7 +37,7 @@ class ScriptedMachine : public platform::EmptyMachine {
   }
 
   // Set before use, or by the thread that alone uses the machine.
-  std::map<std::wstring, Bytes> log_switch;  // value name to bytes; the key exists when there is any
+  platform::RegistryValues registry;
   std::map<std::wstring, std::wstring, std::less<>> environment;
   std::optional<std::wstring> user = L"user1";
   std::optional<platform::SmbiosTable> smbios;
@@ -50,7 +52,7 @@ class ScriptedMachine : public platform::EmptyMachine {
   SYSTEMTIME now = {2024, 1, 3, 31, 14, 5, 9, 42};
 
   void SwitchLogOn(const std::string& program_data) {
-    log_switch = {{L"ZarnLightingService", {1, 0, 0, 0}}};
+    registry[kLogSwitch.key][kLogSwitch.value] = {1, 0, 0, 0};
     environment[L"PROGRAMDATA"] = std::wstring(program_data.begin(), program_data.end());
   }
   void SetSmbios(Bytes table) { smbios = {std::move(table), std::uint8_t{3}, std::uint8_t{2}}; }
@@ -70,12 +72,9 @@ class ScriptedMachine : public platform::EmptyMachine {
     return taken;
   }
 
-  bool HasRegistryKey(std::wstring_view key) override {
-    return key == L"SOFTWARE\\OEM\\ZarnLightingService\\Log" && !log_switch.empty();
-  }
-  std::optional<Bytes> RegistryValue(std::wstring_view /*key*/, std::wstring_view name) override {
-    const auto found = log_switch.find(std::wstring(name));
-    return found == log_switch.end() ? std::nullopt : std::optional(found->second);
+  bool HasRegistryKey(std::wstring_view key) override { return platform::HasKey(registry, key); }
+  std::optional<Bytes> RegistryValue(std::wstring_view key, std::wstring_view name) override {
+    return platform::FindValue(registry, key, name);
   }
   std::optional<std::wstring> EnvironmentVariable(std::wstring_view name) override {
     const auto found = environment.find(name);

@@ -1,34 +1,132 @@
 #include "zarnctl/doctor.h"
 
-#include <gtest/gtest.h>
-
-#include "tests/support/scripted_machine.h"
+#include "tests/support/machine_fixture.h"
 
 namespace zarnctl {
 namespace {
 
-TEST(Doctor, TellsAnEmptyBusAForeignTableAndADeviceThatMayNotBeUsed) {
-  test::ScriptedMachine machine;
-  machine.SetSmbios({0x7F, 0x04, 0x01, 0x00, 0x00, 0x00});
-  std::vector<Finding> findings = Examine(machine);
-  ASSERT_EQ(findings.size(), 5U);
-  EXPECT_EQ(LineOf(findings[2]),
-            "note     HID devices: none; plug the keyboard in; on Linux, look whether /sys/class/hidraw is there");
-  EXPECT_EQ(
-      LineOf(findings[3]),
-      "missing  SMBIOS table: no structure of type 172; this is no notebook of the family; HID keyboards need none");
+using platform::Bytes;
 
-  machine.Plug(test::VendorCollection(0xFF5A, {})).open_error = ERROR_ACCESS_DENIED;
-  machine.Plug({0xA1, 0x01});
-  findings = Examine(machine);
-  EXPECT_EQ(
-      LineOf(findings.at(2)),
-      "missing  \\\\?\\hid#test#01 (1209:0001): a lighting device, which this user may not open; plug it in again "
-      "once the package's udev rule is installed, or run as root");
-  EXPECT_EQ(
-      LineOf(findings.at(3)),
-      "note     \\\\?\\hid#test#02 (1209:0001): its report descriptor cannot be read, byte 2: the descriptor ends "
-      "inside a collection");
+class Doctor : public test::MachineTest {
+ protected:
+  /// The lines about a machine on which the plug-in finds `discovered`.
+  std::vector<std::string> Lines(const std::vector<std::string>& discovered = {},
+                                 const std::vector<std::string>& log = {}) {
+    std::vector<std::string> lines;
+    for (const Finding& finding : Examine({discovered, log, {}}, kRemedies)) lines.push_back(LineOf(finding));
+    return lines;
+  }
+
+  /// The lines about the devices on the bus.
+  std::vector<std::string> HidLines() {
+    const std::vector<std::string> lines = Lines();
+    return {lines.begin() + 2, lines.end() - 3};
+  }
+
+  test::ScriptedHid& PlugLighting(std::uint16_t product = 1) {
+    test::ScriptedHid& device = machine->Plug(test::VendorCollection(0xFF5A, {}));
+    device.device.product = product;
+    return device;
+  }
+
+  const Remedies kRemedies = {.switches = "(switches)",
+                              .no_hid_devices = "(bus)",
+                              .may_not_open = "(rights)",
+                              .no_node = "(node)",
+                              .no_answer = "(answer)",
+                              .no_table = "(table)",
+                              .no_record = "(record)",
+                              .no_firmware_class = "(class)"};
+};
+
+TEST_F(Doctor, NothingIsThere) {
+  machine->has_firmware = false;
+  EXPECT_EQ(Lines(),
+            (std::vector<std::string>{
+                "note     logging: off, not set, the plug-in writes no log; (switches)",
+                "note     hybrid mode: off, not set, a HID keyboard hides the devices of the embedded "
+                "controller; (switches)",
+                "note     HID devices: none; (bus)",
+                "missing  SMBIOS table: cannot be read; (table)",
+                "missing  firmware class ZarnGamingFunction: not there, the embedded controller's devices stay "
+                "dark; (class)",
+                "missing  discovery: 0 lighting devices",
+            }));
+}
+
+TEST_F(Doctor, WhatKeepsAKeyboardFromBeingUsed) {
+  PlugLighting().open_error = ERROR_ACCESS_DENIED;
+  PlugLighting().open_error = ERROR_FILE_NOT_FOUND;
+  PlugLighting().fail = [](auto) { return ERROR_ACCESS_DENIED; };
+  PlugLighting(4).fail = [](auto) { return ERROR_SEM_TIMEOUT; };
+  machine->Plug(test::VendorCollection(0xFF5A, {}, 0));
+  machine->Plug(test::VendorCollection(0xFF00, {}));
+  PlugLighting(7).answers[0xA1] = {0xA1, 2, 0x20, 0x22};
+  PlugLighting(8).answers[0xA1] = {0xA1, 0xFF, 0x21};
+  PlugLighting(8).answers[0xA1] = {0xA1, 1, 0x21};
+  EXPECT_EQ(HidLines(),
+            (std::vector<std::string>{
+                "missing  \\\\?\\hid#test#01 (1209:0001): a lighting device, which this user may not open; (rights)",
+                "missing  \\\\?\\hid#test#02 (1209:0001): a lighting device, which cannot be opened (error 2); (node)",
+                "missing  \\\\?\\hid#test#03 (1209:0001): a lighting device, which this user may not open; (rights)",
+                "missing  \\\\?\\hid#test#04 (1209:0004): a lighting device, which does not answer report A1 (error "
+                "121); (answer)",
+                "missing  \\\\?\\hid#test#05 (1209:0001): a lighting device without feature reports",
+                "note     \\\\?\\hid#test#06 (1209:0001): no lighting device, its usage page is FF00, not FF5A",
+                "note     \\\\?\\hid#test#07 (1209:0007): a lighting device, but no keyboard, serves 20 22",
+                "fine     \\\\?\\hid#test#08 (1209:0008): a lighting keyboard, serves 00 21",
+                "fine     \\\\?\\hid#test#09 (1209:0008): a lighting keyboard, serves 21",
+                "note     \\\\?\\hid#test#09 (1209:0008): the same vendor, product and usage as another one, "
+                "which may get its reports",
+            }));
+}
+
+TEST_F(Doctor, WhatTheFirmwareLacks) {
+  const auto about_firmware = [this](const std::vector<std::string>& discovered) {
+    const std::vector<std::string> lines = Lines(discovered);
+    return std::vector<std::string>(lines.begin() + 3, lines.end() - 1);
+  };
+  const std::string there = "fine     firmware class ZarnGamingFunction: there";
+  machine->SetSmbios({0x7F, 0x04, 0x01, 0x00, 0x00, 0x00});
+  EXPECT_EQ(about_firmware({}),
+            (std::vector<std::string>{"missing  SMBIOS table: no structure of type 172; (record)", there}));
+  // The last items count, in front of the light bar's.
+  machine->SetSmbios({0xAC, 18, 1, 0, 2, 91, 8, 4, 0, 10, 2, 0, 10, 1, 0, 23, 1, 0, 0, 0});
+  EXPECT_EQ(about_firmware({}),
+            (std::vector<std::string>{
+                "missing  SMBIOS structure of type 172: firmware 2.91, a keyboard with 4 zones, no colours, a light "
+                "bar: the embedded controller's devices are reported only with a keyboard in colour",
+                there}));
+  machine->SetSmbios({0xAC, 15, 1, 0, 2, 91, 8, 4, 0, 10, 2, 0, 23, 1, 0, 0, 0});
+  machine->firmware.instance_names.clear();
+  EXPECT_EQ(about_firmware({"ZarnECKeyboard"}),
+            (std::vector<std::string>{
+                "fine     SMBIOS structure of type 172: firmware 2.91, a keyboard with 4 zones in colour, a light bar",
+                "missing  firmware class ZarnGamingFunction: there, but without an instance to call",
+                "missing  light bar: announced, but the firmware's answer to GetGamingLED does not confirm it"}));
+}
+
+TEST_F(Doctor, HybridModeHidesAKeyboardThatIsAlone) {
+  machine->registry[kHybridSwitch.key][kHybridSwitch.value] = {1, 0, 0, 0};
+  PlugLighting().answers[0xA1] = {0xA1, 1, 0x21};
+  const std::vector<std::string> lines = Lines();
+  EXPECT_EQ(lines.at(1), "fine     hybrid mode: on");
+  EXPECT_EQ(lines.at(5),
+            "missing  hybrid mode: with it, a HID keyboard is reported only beside those of the embedded controller; "
+            "set HybridMode to 0");
+}
+
+TEST_F(Doctor, TheLogIsReadForFailures) {
+  machine->SwitchLogOn("/data");
+  EXPECT_EQ(Lines().at(0), "missing  logging: on, but nothing was written to /data/OEM/ZarnLightingService/Log");
+  const std::string place = " 20260301_12:00:00.000 | ZarnECKeyboard | CheckDeviceStatus | ";
+  const std::vector<std::string> lines =
+      Lines({}, {"[INFO]     " + place + "Enter!!", "[INFO]     " + place + "Get SMBIOS 172 fail!",
+                 "[ERROR]    " + place + "out of order", "[ERROR]    " + place + "out of order"});
+  EXPECT_EQ(lines.at(0), "fine     logging: on, in /data/OEM/ZarnLightingService/Log");
+  EXPECT_EQ(lines.at(1), "note     log: Get SMBIOS 172 fail!");
+  EXPECT_EQ(lines.at(2), "note     log: out of order");
+  EXPECT_EQ(lines.at(3).substr(0, 20), "note     hybrid mode");
 }
 
 }  // namespace

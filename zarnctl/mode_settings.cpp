@@ -1,4 +1,4 @@
-#include "zarnctl/settings.h"
+#include "zarnctl/mode_settings.h"
 
 #include <algorithm>
 #include <array>

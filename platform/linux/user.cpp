@@ -1,4 +1,4 @@
-#include "platform/linux/home.h"
+#include "platform/linux/user.h"
 
 #include <pwd.h>
 #include <unistd.h>
@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <string_view>
 #include <vector>
+
+#include "platform/portable/text.h"
 
 namespace platform {
 namespace {
@@ -41,6 +43,13 @@ std::optional<std::string> CurrentUser() {
   std::optional<std::string> name;
   WithUser([&name](const passwd& user) { name = user.pw_name; });
   return name;
+}
+
+std::optional<std::wstring> ProcessVariable(std::wstring_view name) {
+  const char* const own = std::getenv(ReadableUtf8(name).c_str());
+  if (name != L"PROGRAMDATA" || Absolute(own)) return own != nullptr ? std::optional(WideFromUtf8(own)) : std::nullopt;
+  const auto states = UserFolder("XDG_STATE_HOME", ".local/state");
+  return states ? std::optional(WideFromUtf8((*states / "zarn").string())) : std::nullopt;
 }
 
 }  // namespace platform

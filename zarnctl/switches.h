@@ -1,0 +1,13 @@
+/// The plug-in's switches, for people.
+#pragma once
+
+#include <string>
+
+#include "log/service_switch.h"
+
+namespace zarnctl {
+
+/// "on", "off, not set", "off, set to 2 (1 turns it on)"
+std::string StateOf(const ServiceSwitch& service_switch);
+
+}  // namespace zarnctl
