@@ -4,34 +4,24 @@
 /// line on stderr tells why.
 
 #include <algorithm>
-#include <cstdint>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
+#include "platform/linux/read_file.h"
 #include "platform/portable/report_descriptor.h"
 
 namespace {
 
 constexpr USAGE kLightingUsagePage = 0xFF5A;
-constexpr std::streamsize kLongestDescriptor = 4096;  // the kernel's limit
-
-std::vector<std::uint8_t> ReadDescriptor(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  std::string bytes(kLongestDescriptor, '\0');
-  stream.read(bytes.data(), kLongestDescriptor);
-  if (stream.bad() || stream.gcount() == 0) throw std::runtime_error(file.string() + " cannot be read, or is empty");
-  return {bytes.begin(), std::next(bytes.begin(), stream.gcount())};
-}
 
 bool HasLighting(const std::filesystem::path& node) {
   const std::filesystem::path file = node / "device" / "report_descriptor";
-  const platform::ReportDescriptor descriptor = platform::ParseReportDescriptor(ReadDescriptor(file));
+  const auto bytes = platform::ReadFile(file);
+  if (!bytes || bytes->empty()) throw std::runtime_error(file.string() + " cannot be read, or is empty");
+  const platform::ReportDescriptor descriptor = platform::ParseReportDescriptor(*bytes);
   if (!descriptor.refusal.empty()) throw std::runtime_error(file.string() + ": " + descriptor.refusal);
   return std::any_of(
       descriptor.collections.begin(), descriptor.collections.end(),

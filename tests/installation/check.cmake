@@ -14,9 +14,10 @@ endfunction()
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${place})
 file(GLOB_RECURSE library ${place}/*/libzarn_lighting.so)
 run(${COMPILER} ${FLAGS} -std=c++20 -I ${place}/include/zarn_lighting ${HOST} -o ${place}/host -ldl)
-run(${place}/host ${library} ZarnECGlobal ZarnECKeyboard ZarnHIDKeyboard)
-if(NOT output STREQUAL "0 lighting devices\nZarnECGlobal: a description of 711 bytes\n\
-ZarnECKeyboard: a description of 689 bytes\nZarnHIDKeyboard: a description of 256 bytes\n")
+# Not the HID keyboard: one that is plugged in here would be painted.
+run(${place}/host ${library} ZarnECGlobal ZarnECKeyboard)
+if(NOT output MATCHES "^[0-9]+ lighting devices\nZarnECGlobal: a description of 711 bytes\n\
+ZarnECKeyboard: a description of 689 bytes\n$")
   message(FATAL_ERROR "the host says: ${output}")
 endif()
 run(${place}/bin/zarnctl --machine one-zone devices)

@@ -22,7 +22,7 @@ class KernelRoad final : public Road {
   std::string WhyNot(Need need) const override {
     return need == Need::Firmware
                ? "a kernel offers no firmware methods"
-               : "a request without an answer takes five seconds, and the device is spared for fifteen";
+               : "a request without an answer takes five seconds, and the device is spared for sixty";
   }
 
   void Place(const std::shared_ptr<simulator::Notebook>& notebook) override {

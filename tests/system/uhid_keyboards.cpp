@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <future>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -21,34 +22,32 @@ namespace test {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::chrono_literals;
 using simulator::HidKeyboard;
 
 constexpr std::uint16_t kUsb = 3;
 constexpr int kPollMilliseconds = 5;
 
-/// How many nodes stand for a device with this unique name, and can be opened.
-int CountNodes(const std::string& unique) {
-  int count = 0;
+/// The nodes that stand for a device with this unique name.
+std::vector<fs::path> NodesOf(const std::string& unique) {
+  std::vector<fs::path> nodes;
   std::error_code error;
   for (const auto& node : fs::directory_iterator("/sys/class/hidraw", error)) {
-    const bool ours = ContentOf(node.path() / "device/uevent").find("HID_UNIQ=" + unique + "\n") != std::string::npos;
-    if (ours) ++count;
+    const std::string uevent = ContentOf(node.path() / "device/uevent");
+    if (uevent.find("HID_UNIQ=" + unique + "\n") != std::string::npos) nodes.push_back("/dev" / node.path().filename());
   }
-  return count;
+  return nodes;
 }
 
-bool HasOpenNode(const std::string& unique) {
-  std::error_code error;
-  for (const auto& node : fs::directory_iterator("/sys/class/hidraw", error)) {
-    if (ContentOf(node.path() / "device/uevent").find("HID_UNIQ=" + unique + "\n") == std::string::npos) continue;
-    if (access(("/dev/" + node.path().filename().string()).c_str(), R_OK) == 0) return true;
-  }
-  return false;
+bool HasOpenableNode(const std::string& unique) {
+  const std::vector<fs::path> nodes = NodesOf(unique);
+  return std::any_of(nodes.begin(), nodes.end(), [](const fs::path& node) { return access(node.c_str(), R_OK) == 0; });
 }
 
 }  // namespace
 
-/// One keyboard's device, served by a thread of its own.
+/// One keyboard's device, served by a thread of its own. Each request gets a thread too: while the keyboard thinks
+/// about one, the kernel may give it up and send the next.
 class UhidKeyboard {
  public:
   UhidKeyboard(std::shared_ptr<simulator::Notebook> notebook, std::size_t index)
@@ -63,16 +62,17 @@ class UhidKeyboard {
   UhidKeyboard& operator=(const UhidKeyboard&) = delete;
   ~UhidKeyboard() {
     ends_ = true;
-    keyboard_.Unplug();  // which ends an exchange that stalls
+    keyboard_.Unplug();  // which ends exchanges that stall
     server_.join();
+    requests_.clear();
     close(fd_);
   }
 
   void Settle() const {
     const auto settled = [this] {
       const auto connection = keyboard_.Connect();
-      if (!connection) return served_ == 0 && CountNodes(Unique(last_)) == 0;
-      return served_ == *connection && HasOpenNode(Unique(*connection));
+      if (!connection) return served_ == 0 && NodesOf(Unique(last_)).empty();
+      return served_ == *connection && HasOpenableNode(Unique(*connection));
     };
     while (!settled()) std::this_thread::sleep_for(std::chrono::milliseconds(kPollMilliseconds));
   }
@@ -127,12 +127,17 @@ class UhidKeyboard {
   void HandleEvent() {
     uhid_event event{};
     if (read(fd_, &event, sizeof(event)) < 0) return;
-    if (event.type == UHID_GET_REPORT) AnswerGet(event.u.get_report);
-    if (event.type == UHID_SET_REPORT) AnswerSet(event.u.set_report);
+    if (event.type != UHID_GET_REPORT && event.type != UHID_SET_REPORT) return;
+    std::erase_if(requests_, [](const auto& each) { return each.wait_for(0s) == std::future_status::ready; });
+    requests_.push_back(std::async(std::launch::async, [this, event, connection = served_.load()] {
+      if (event.type == UHID_GET_REPORT) AnswerGet(event.u.get_report, connection);
+      if (event.type == UHID_SET_REPORT) AnswerSet(event.u.set_report, connection);
+    }));
   }
 
-  void AnswerGet(const uhid_get_report_req& request) {
-    const auto answer = notebook_->GetFeature(index_, served_, request.rnum);
+  /// An answer that comes too late is dropped by the kernel.
+  void AnswerGet(const uhid_get_report_req& request, std::uint64_t connection) {
+    const auto answer = notebook_->GetFeature(index_, connection, request.rnum);
     uhid_event event{};
     event.type = UHID_GET_REPORT_REPLY;
     event.u.get_report_reply.id = request.id;
@@ -142,8 +147,8 @@ class UhidKeyboard {
     if (IsAnswered(answer)) Send(event);
   }
 
-  void AnswerSet(const uhid_set_report_req& request) {
-    const auto answer = notebook_->SetFeature(index_, served_, {request.data, request.size});
+  void AnswerSet(const uhid_set_report_req& request, std::uint64_t connection) {
+    const auto answer = notebook_->SetFeature(index_, connection, {request.data, request.size});
     uhid_event event{};
     event.type = UHID_SET_REPORT_REPLY;
     event.u.set_report_reply.id = request.id;
@@ -168,8 +173,9 @@ class UhidKeyboard {
   HidKeyboard& keyboard_;
   const int fd_;
   std::atomic<bool> ends_ = false;
-  std::atomic<std::uint64_t> served_ = 0;  // the connection that the kernel's device stands for; 0: there is none
-  std::atomic<std::uint64_t> last_ = 0;    // the one of the last device there was
+  std::atomic<std::uint64_t> served_ = 0;    // the connection that the kernel's device stands for; 0: there is none
+  std::atomic<std::uint64_t> last_ = 0;      // the one of the last device there was
+  std::vector<std::future<void>> requests_;  // the server's
   std::thread server_;
 };
 
