@@ -46,8 +46,8 @@ int ReadRawSmbiosTable(RawSmbiosTable& table);
 bool FindSMBiosType172(const RawSmbiosTable& table, stSMBiosType172& record);
 bool FindSMBiosType172(std::span<const std::uint8_t> table, stSMBiosType172& record);
 
-/// The formatted area of the structure that FindSMBiosType172 unpacks, with its header, inside `table`; empty when there
-/// is none.
+/// The formatted area of the structure that FindSMBiosType172 unpacks, with its header, inside `table`; empty when
+/// there is none.
 std::span<const std::uint8_t> FindOemStructure(std::span<const std::uint8_t> table);
 
 /// Lighting hardware as discovery takes it from the record.

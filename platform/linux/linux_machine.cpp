@@ -4,8 +4,8 @@
 #include <string>
 #include <utility>
 
-#include "platform/linux/user.h"
 #include "platform/linux/read_file.h"
+#include "platform/linux/user.h"
 #include "platform/portable/text.h"
 
 namespace platform {
