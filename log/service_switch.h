@@ -11,6 +11,6 @@ inline constexpr ServiceSwitch kLogSwitch = {L"SOFTWARE\\OEM\\ZarnLightingServic
 /// Lets the HID keyboard be reported beside the EC devices.
 inline constexpr ServiceSwitch kHybridSwitch = {L"SOFTWARE\\OEM\\ZarnLightingService", L"HybridMode"};
 
-/// Whether its value is the four bytes of a 1, whatever the type. A key or value that is missing, and a value of
-/// another length, is a switch that is off. Any thread may call.
+/// Whether its value, as the platform reads it, is the four bytes of a 1, whatever the type. A key or value that is
+/// missing, and a value of another length, is a switch that is off. Any thread may call.
 bool IsOn(const ServiceSwitch& service_switch);

@@ -13,6 +13,8 @@
 #include <oleauto.h>
 #include <wbemidl.h>
 
+#undef interface  // a macro of COM's headers for what is a name here
+
 #else
 
 #include "platform/portable/variant.h"

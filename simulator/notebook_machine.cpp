@@ -7,12 +7,13 @@
 #include <tuple>
 #include <utility>
 
+#include "platform/hid.h"
 #include "platform/linux/user.h"
 #include "platform/portable/empty_machine.h"
-#include "platform/portable/hid_api.h"
+
 #include "platform/portable/registry_values.h"
 #include "platform/portable/text.h"
-#include "platform/portable/wmi_api.h"
+#include "platform/wmi.h"
 
 namespace simulator {
 namespace {
@@ -89,7 +90,7 @@ class NotebookMachine final : public platform::EmptyMachine {
 
   platform::FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,
                                         const platform::NamedValues& in) override {
-    if (instance_name != profile().firmware_instance) return {WBEM_E_NOT_FOUND, {}};
+    if (instance_name != profile().firmware_instance) return {platform::Status(WBEM_E_NOT_FOUND), {}};
     const auto* const value = FindWithoutCase(in, L"gmInput");
     EcFirmware::Input input;
     if (const auto* const bytes = value == nullptr ? nullptr : std::get_if<Bytes>(value)) {
@@ -97,10 +98,10 @@ class NotebookMachine final : public platform::EmptyMachine {
     } else if (const auto* const text = value == nullptr ? nullptr : std::get_if<std::wstring>(value)) {
       input = *text;
     } else {
-      return {WBEM_E_INVALID_PARAMETER, {}};
+      return {platform::Status(WBEM_E_INVALID_PARAMETER), {}};
     }
     const EcFirmware::Answer answer = notebook_->CallFirmware(platform::ReadableUtf8(method), input);
-    if (!answer.refusal.empty()) return {WBEM_E_INVALID_PARAMETER, {}};
+    if (!answer.refusal.empty()) return {platform::Status(WBEM_E_INVALID_PARAMETER), {}};
     platform::NamedValues out;
     out[L"gmOutput"] = std::visit([](const auto& output) -> platform::Value { return output; }, answer.output);
     if (answer.gm_return) out[L"gmReturn"] = *answer.gm_return;
@@ -120,7 +121,7 @@ class NotebookMachine final : public platform::EmptyMachine {
       platform::HidDevice device = DeviceAt(i);
       const auto connection = notebook_->HidKeyboardAt(i).Connect();
       if (!connection || device.path != path) continue;
-      return {ERROR_SUCCESS, std::move(device), std::make_shared<KeyboardConnection>(notebook_, i, *connection)};
+      return {ERROR_SUCCESS, std::move(device), MakeConnection(notebook_, i, *connection)};
     }
     return {};
   }
@@ -143,6 +144,11 @@ class NotebookMachine final : public platform::EmptyMachine {
 
 std::shared_ptr<platform::Machine> MakeMachine(std::shared_ptr<Notebook> notebook) {
   return std::make_shared<NotebookMachine>(std::move(notebook));
+}
+
+std::shared_ptr<platform::HidConnection> MakeConnection(std::shared_ptr<Notebook> notebook, std::size_t keyboard,
+                                                        std::uint64_t connection) {
+  return std::make_shared<KeyboardConnection>(std::move(notebook), keyboard, connection);
 }
 
 }  // namespace simulator

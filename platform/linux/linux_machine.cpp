@@ -23,6 +23,8 @@ std::optional<std::pair<std::uint8_t, std::uint8_t>> VersionIn(const Bytes& entr
 
 }  // namespace
 
+std::shared_ptr<Machine> MakeThisComputer() { return std::make_shared<LinuxMachine>(); }
+
 LinuxMachine::LinuxMachine(LinuxPlaces places) : places_(std::move(places)), settings_(places_.settings) {}
 
 bool LinuxMachine::HasRegistryKey(std::wstring_view key) { return settings_.HasKey(key); }

@@ -10,7 +10,21 @@
 #include "platform/portable/platform_call.h"
 #include "platform/wmi.h"
 
+#if defined(_WIN32)
+#include "platform/windows/wmi_rest.h"
+#endif
+
 namespace platform {
+
+#if defined(_WIN32)
+/// The blanket of a proxy is set through an interface of the object itself: see the system's CoSetProxyBlanket.
+HRESULT QueryOther(REFIID iid, void** object);
+#else
+template <typename Interface>
+using WithRest = Interface;
+
+inline HRESULT QueryOther(REFIID /*iid*/, void** /*object*/) { return E_NOINTERFACE; }
+#endif
 
 inline constexpr IID kIidUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 inline constexpr Call<HRESULT> kQueryInterface = ObjectCall("IUnknown::QueryInterface", E_NOINTERFACE, E_OUTOFMEMORY);
@@ -19,7 +33,7 @@ inline constexpr Call<ULONG> kRelease = SureCall<ULONG>("IUnknown::Release");
 
 /// `Derived::kIid` is the id of `Interface`.
 template <typename Derived, typename Interface>
-class ComObject : public Interface {
+class ComObject : public WithRest<Interface> {
  public:
   ComObject(const ComObject&) = delete;
   ComObject& operator=(const ComObject&) = delete;
@@ -28,7 +42,7 @@ class ComObject : public Interface {
     Empty(object);
     return Pass(kQueryInterface, Asked(), [&] {
       if (object == nullptr) return E_POINTER;
-      if (iid != kIidUnknown && iid != Derived::kIid) return E_NOINTERFACE;
+      if (iid != kIidUnknown && iid != Derived::kIid) return QueryOther(iid, object);
       ++references_;
       *object = static_cast<Interface*>(this);
       return S_OK;

@@ -43,7 +43,7 @@ std::optional<FirmwareClass> EmptyMachine::FindFirmwareClass() { return {}; }
 
 FirmwareAnswer EmptyMachine::CallFirmware(const std::wstring& /*instance_name*/, const std::wstring& /*method*/,
                                           const NamedValues& /*in*/) {
-  return {.status = WBEM_E_INVALID_METHOD, .out = {}};
+  return {.status = Status(WBEM_E_INVALID_METHOD), .out = {}};
 }
 
 std::vector<HidDevice> EmptyMachine::HidDevices() { return {}; }

@@ -50,6 +50,9 @@ struct FirmwareClass {
   std::vector<Value> instance_names;
 };
 
+/// A code of the management service as a result; the platform has them as an enumeration.
+constexpr HRESULT Status(auto code) { return static_cast<HRESULT>(code); }
+
 struct FirmwareAnswer {
   HRESULT status = S_OK;
   /// The out-parameters, empty on failure.
@@ -127,6 +130,9 @@ class Machine {
   /// Exchanges none.
   virtual OpenedHidDevice OpenHidDevice(const std::wstring& path) = 0;
 };
+
+/// A machine that stands for this computer; each system has its own.
+std::shared_ptr<Machine> MakeThisComputer();
 
 /// Puts `machine` under the layer, for the whole process. Refuses (false) while anything that platform calls
 /// handed out is still alive. Until the first call the process runs on this computer.

@@ -1,18 +1,16 @@
 #include <mutex>
 #include <utility>
 
-#include "platform/linux/linux_machine.h"
 #include "platform/portable/instruments.h"
+#include "platform/portable/machine.h"
 #include "platform/portable/no_destructor.h"
 
 namespace platform {
 namespace {
 
-std::shared_ptr<Machine> ThisComputer() { return std::make_shared<LinuxMachine>(); }
-
 struct MachineInUse {
   std::mutex mutex;
-  std::shared_ptr<Machine> machine = ThisComputer();
+  std::shared_ptr<Machine> machine = MakeThisComputer();
 };
 
 MachineInUse& InUse() {

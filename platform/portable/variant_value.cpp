@@ -32,8 +32,8 @@ struct VariantWriter {
   void operator()(const std::wstring& text) const { Set(VT_BSTR, variant.bstrVal, AllocateText(text)); }
   void operator()(const Bytes& bytes) const { Set(kByteArray, variant.parray, ArrayOf(bytes)); }
 
-  template <typename Content>
-  void Set(VARTYPE type, Content& place, Content content) const {
+  template <typename Place, typename Content>
+  void Set(VARTYPE type, Place& place, Content content) const {
     variant.vt = type;
     place = content;
   }
@@ -48,13 +48,13 @@ std::optional<Value> ValueOf(const VARIANT& variant) {
     case VT_NULL:
       return Null();
     case VT_I4:
-      return variant.lVal;
+      return std::int32_t{variant.lVal};
     case VT_UI1:
       return variant.bVal;
     case VT_UI4:
-      return variant.ulVal;
+      return std::uint32_t{variant.ulVal};
     case VT_UI8:
-      return variant.ullVal;
+      return std::uint64_t{variant.ullVal};
     case VT_BSTR:
       return variant.bstrVal != nullptr ? std::wstring(variant.bstrVal, TextLength(variant.bstrVal)) : std::wstring();
     case kByteArray:

@@ -8,9 +8,10 @@
 namespace platform {
 namespace {
 
-constexpr Call<HRESULT> kGet = ComCall("IWbemClassObject::Get", WBEM_E_NOT_FOUND, WBEM_E_OUT_OF_MEMORY);
-constexpr Call<HRESULT> kPut = ComCall("IWbemClassObject::Put", WBEM_E_FAILED, WBEM_E_OUT_OF_MEMORY);
-constexpr Call<HRESULT> kGetMethod = ObjectCall("IWbemClassObject::GetMethod", WBEM_E_NOT_FOUND, WBEM_E_OUT_OF_MEMORY);
+constexpr Call<HRESULT> kGet = ComCall("IWbemClassObject::Get", Status(WBEM_E_NOT_FOUND), Status(WBEM_E_OUT_OF_MEMORY));
+constexpr Call<HRESULT> kPut = ComCall("IWbemClassObject::Put", Status(WBEM_E_FAILED), Status(WBEM_E_OUT_OF_MEMORY));
+constexpr Call<HRESULT> kGetMethod =
+    ObjectCall("IWbemClassObject::GetMethod", Status(WBEM_E_NOT_FOUND), Status(WBEM_E_OUT_OF_MEMORY));
 
 }  // namespace
 
@@ -25,14 +26,14 @@ NamedValues WmiClassObject::Values() const {
 HRESULT WmiClassObject::Read(LPCWSTR name, VARIANT& value) const {
   const std::lock_guard lock(mutex_);
   const auto found = values_.find(std::wstring_view(name));
-  if (found == values_.end()) return WBEM_E_NOT_FOUND;
+  if (found == values_.end()) return Status(WBEM_E_NOT_FOUND);
   value = VariantOf(found->second);
   return S_OK;
 }
 
 HRESULT WmiClassObject::Store(LPCWSTR name, const VARIANT& value) {
   auto known = ValueOf(value);
-  if (!known) return WBEM_E_INVALID_PARAMETER;
+  if (!known) return Status(WBEM_E_INVALID_PARAMETER);
   const std::lock_guard lock(mutex_);
   values_.insert_or_assign(name, *std::move(known));
   return S_OK;
@@ -42,7 +43,7 @@ HRESULT WmiClassObject::Get(LPCWSTR name, LONG /*flags*/, VARIANT* value, CIMTYP
   return Pass(
       kGet, Asked(name),
       [&] {
-        if (name == nullptr || value == nullptr) return WBEM_E_INVALID_PARAMETER;
+        if (name == nullptr || value == nullptr) return Status(WBEM_E_INVALID_PARAMETER);
         const HRESULT result = Read(name, *value);
         // The service's own type numbers are those of VARIANTs.
         if (SUCCEEDED(result) && type != nullptr) *type = value->vt;
@@ -53,8 +54,9 @@ HRESULT WmiClassObject::Get(LPCWSTR name, LONG /*flags*/, VARIANT* value, CIMTYP
 }
 
 HRESULT WmiClassObject::Put(LPCWSTR name, LONG /*flags*/, VARIANT* value, CIMTYPE /*type*/) {
-  return Pass(kPut, Asked(name, value),
-              [&] { return name != nullptr && value != nullptr ? Store(name, *value) : WBEM_E_INVALID_PARAMETER; });
+  return Pass(kPut, Asked(name, value), [&] {
+    return name != nullptr && value != nullptr ? Store(name, *value) : Status(WBEM_E_INVALID_PARAMETER);
+  });
 }
 
 HRESULT WmiClassObject::GetMethod(LPCWSTR name, LONG /*flags*/, IWbemClassObject** in_signature,
@@ -62,11 +64,11 @@ HRESULT WmiClassObject::GetMethod(LPCWSTR name, LONG /*flags*/, IWbemClassObject
   Empty(in_signature);
   Empty(out_signature);
   return Pass(kGetMethod, Asked(name), [&] {
-    if (name == nullptr) return WBEM_E_INVALID_PARAMETER;
+    if (name == nullptr) return Status(WBEM_E_INVALID_PARAMETER);
     const auto* method = FindMethod(methods_, name);
-    if (method == nullptr) return WBEM_E_NOT_FOUND;
+    if (method == nullptr) return Status(WBEM_E_NOT_FOUND);
     if (in_signature != nullptr && method->has_input) *in_signature = new WmiClassObject({});
-    return WBEM_S_NO_ERROR;
+    return Status(WBEM_S_NO_ERROR);
   });
 }
 

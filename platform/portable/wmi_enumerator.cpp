@@ -9,7 +9,8 @@
 namespace platform {
 namespace {
 
-constexpr Call<HRESULT> kNext = ObjectCall("IEnumWbemClassObject::Next", WBEM_E_FAILED, WBEM_E_OUT_OF_MEMORY);
+constexpr Call<HRESULT> kNext =
+    ObjectCall("IEnumWbemClassObject::Next", Status(WBEM_E_FAILED), Status(WBEM_E_OUT_OF_MEMORY));
 
 }  // namespace
 
@@ -24,7 +25,7 @@ HRESULT WmiEnumerator::Take(ULONG count, IWbemClassObject** objects, ULONG& retu
   for (std::size_t i = 0; i < taken; ++i) objects[i] = made[i].release();
   next_ += taken;
   returned = static_cast<ULONG>(taken);
-  return taken == count ? WBEM_S_NO_ERROR : WBEM_S_FALSE;
+  return taken == count ? Status(WBEM_S_NO_ERROR) : Status(WBEM_S_FALSE);
 }
 
 HRESULT WmiEnumerator::Next(LONG timeout, ULONG count, IWbemClassObject** objects, ULONG* returned) {
@@ -32,7 +33,8 @@ HRESULT WmiEnumerator::Next(LONG timeout, ULONG count, IWbemClassObject** object
   return Pass(
       kNext, Asked(timeout, count),
       [&] {
-        return objects != nullptr && returned != nullptr ? Take(count, objects, *returned) : WBEM_E_INVALID_PARAMETER;
+        return objects != nullptr && returned != nullptr ? Take(count, objects, *returned)
+                                                         : Status(WBEM_E_INVALID_PARAMETER);
       },
       [&](HRESULT) { return returned != nullptr ? Described(*returned) : ""; });
 }

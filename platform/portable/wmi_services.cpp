@@ -12,7 +12,9 @@
 namespace platform {
 namespace {
 
-constexpr Call<HRESULT> ServiceCall(const char* name) { return ObjectCall(name, WBEM_E_FAILED, WBEM_E_OUT_OF_MEMORY); }
+constexpr Call<HRESULT> ServiceCall(const char* name) {
+  return ObjectCall(name, Status(WBEM_E_FAILED), Status(WBEM_E_OUT_OF_MEMORY));
+}
 
 constexpr Call<HRESULT> kGetObject = ServiceCall("IWbemServices::GetObject");
 constexpr Call<HRESULT> kCreateInstanceEnum = ServiceCall("IWbemServices::CreateInstanceEnum");
@@ -29,23 +31,23 @@ NamedValues ValuesOf(IWbemClassObject* object) {
 }
 
 HRESULT Enumerate(std::wstring_view class_name, IEnumWbemClassObject** enumerator) {
-  if (enumerator == nullptr) return WBEM_E_INVALID_PARAMETER;
+  if (enumerator == nullptr) return Status(WBEM_E_INVALID_PARAMETER);
   auto definition = FindManagementClass(class_name);
   *enumerator = new WmiEnumerator(definition ? std::move(definition->instances) : std::vector<NamedValues>());
-  return WBEM_S_NO_ERROR;
+  return Status(WBEM_S_NO_ERROR);
 }
 
 /// No lock is held while the firmware runs.
 HRESULT RunMethod(std::wstring_view path, std::wstring_view method_name, IWbemClassObject* in_params,
                   IWbemClassObject** out_params) {
-  if (path.empty()) return WBEM_E_INVALID_QUERY;
+  if (path.empty()) return Status(WBEM_E_INVALID_QUERY);
   const auto parsed = ParseObjectPath(path);
-  if (!parsed) return WBEM_E_INVALID_OBJECT_PATH;
+  if (!parsed) return Status(WBEM_E_INVALID_OBJECT_PATH);
   const auto definition = FindManagementClass(parsed->class_name);
   const std::wstring* instance = definition ? FindInstance(*definition, parsed->instance_name) : nullptr;
-  if (instance == nullptr) return WBEM_E_NOT_FOUND;
+  if (instance == nullptr) return Status(WBEM_E_NOT_FOUND);
   const auto* method = FindMethod(definition->methods, method_name);
-  if (method == nullptr) return WBEM_E_INVALID_METHOD;
+  if (method == nullptr) return Status(WBEM_E_INVALID_METHOD);
 
   FirmwareAnswer answer = CurrentMachine()->CallFirmware(*instance, method->name, ValuesOf(in_params));
   if (SUCCEEDED(answer.status) && out_params != nullptr) *out_params = new WmiClassObject(std::move(answer.out));
@@ -58,11 +60,11 @@ HRESULT WmiServices::GetObject(BSTR path, LONG /*flags*/, IWbemContext* /*contex
                                IWbemCallResult** /*call_result*/) {
   Empty(object);
   return Pass(kGetObject, Asked(path), [&] {
-    if (object == nullptr) return WBEM_E_INVALID_PARAMETER;
+    if (object == nullptr) return Status(WBEM_E_INVALID_PARAMETER);
     auto definition = FindManagementClass(View(path));
-    if (!definition) return WBEM_E_NOT_FOUND;
+    if (!definition) return Status(WBEM_E_NOT_FOUND);
     *object = new WmiClassObject({}, std::move(definition->methods));
-    return WBEM_S_NO_ERROR;
+    return Status(WBEM_S_NO_ERROR);
   });
 }
 
@@ -77,7 +79,7 @@ HRESULT WmiServices::ExecQuery(BSTR language, BSTR query, LONG flags, IWbemConte
   Empty(enumerator);
   return Pass(kExecQuery, Asked(language, query, flags), [&] {
     const auto class_name = ParseSelectAll(View(query));
-    if (!class_name || !EqualsWithoutCase(View(language), L"WQL")) return WBEM_E_INVALID_QUERY;
+    if (!class_name || !EqualsWithoutCase(View(language), L"WQL")) return Status(WBEM_E_INVALID_QUERY);
     return Enumerate(*class_name, enumerator);
   });
 }

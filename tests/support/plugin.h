@@ -1,16 +1,14 @@
 /// The plug-in as a host has it: loaded, its exports found by name, its controllers' slots called by position.
 #pragma once
 
-#include <dlfcn.h>
-
 #include <cstdint>
 #include <filesystem>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "controller/rgb_controller_interface.h"
+#include "tests/support/library.h"
 #include "tests/support/temporary_folder.h"
 
 class ZarnECGlobalController;
@@ -32,18 +30,11 @@ struct Discovered {
 
 class Plugin {
  public:
-  explicit Plugin(const char* path = ZARN_LIGHTING_PATH) : library_(dlopen(path, RTLD_NOW | RTLD_LOCAL)) {
-    if (library_ == nullptr) throw std::runtime_error(dlerror());
-  }
-  Plugin(const Plugin&) = delete;
-  Plugin& operator=(const Plugin&) = delete;
-  ~Plugin() { dlclose(library_); }
+  explicit Plugin(const std::filesystem::path& path = ZARN_LIGHTING_PATH) : library_(path) {}
 
   template <typename Function>
   Function* Find(const std::string& name) const {
-    void* const address = dlsym(library_, name.c_str());
-    if (address == nullptr) throw std::runtime_error("no export " + name);
-    return reinterpret_cast<Function*>(address);
+    return reinterpret_cast<Function*>(library_.Find(name));
   }
 
   Discovered Discover() const {
@@ -79,7 +70,7 @@ class Plugin {
     return std::unique_ptr<RGBControllerInterface>(make(static_cast<Controller*>(controller)));
   }
 
-  void* library_;
+  Library library_;
 };
 
 /// A copy of the plug-in, loaded for the first time, as in a process that has just begun.
@@ -88,14 +79,15 @@ class FreshPlugin {
   Plugin* operator->() { return &plugin_; }
 
  private:
-  static Plugin LoadCopy() {
-    const TemporaryFolder folder;  // which the file that was loaded does not need any more
-    const std::filesystem::path copy = folder.path() / "plugin.so";
-    std::filesystem::copy_file(ZARN_LIGHTING_PATH, copy);
-    return Plugin(copy.c_str());
+  static std::filesystem::path Copy(const std::filesystem::path& folder) {
+    const std::filesystem::path original = ZARN_LIGHTING_PATH;
+    std::filesystem::path copy = folder / original.filename();
+    std::filesystem::copy_file(original, copy);
+    return copy;
   }
 
-  Plugin plugin_ = LoadCopy();
+  TemporaryFolder folder_;
+  Plugin plugin_{Copy(folder_.path())};
 };
 
 /// Calls a slot by its position in the virtual table, with the arguments as they are typed here.

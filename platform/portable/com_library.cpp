@@ -1,8 +1,6 @@
-#include "platform/portable/com_apartment.h"
-
 #include "platform/portable/live_counters.h"
 #include "platform/portable/platform_call.h"
-#include "platform/portable/wmi_api.h"
+#include "platform/portable/wmi_locator.h"
 
 namespace platform {
 namespace {
@@ -18,6 +16,8 @@ constinit thread_local Apartment t_apartment;
 
 constexpr Call<HRESULT> kCoInitializeEx = ComCall("CoInitializeEx", E_OUTOFMEMORY, E_OUTOFMEMORY);
 constexpr Call<Nothing> kCoUninitialize = SureCall("CoUninitialize");
+constexpr Call<HRESULT> kCoCreateInstance = ObjectCall("CoCreateInstance", REGDB_E_CLASSNOTREG, E_OUTOFMEMORY);
+constexpr Call<HRESULT> kCoSetProxyBlanket = ComCall("CoSetProxyBlanket", E_NOINTERFACE, E_OUTOFMEMORY);
 
 HRESULT Enter(DWORD kind) {
   if (t_apartment.entered) return t_apartment.kind == kind ? S_FALSE : RPC_E_CHANGED_MODE;
@@ -34,8 +34,6 @@ void Leave() {
 
 }  // namespace
 
-bool ComInitializedHere() noexcept { return t_apartment.entered; }
-
 extern "C" {
 
 HRESULT CoInitializeEx(LPVOID /*reserved*/, DWORD apartment) {
@@ -50,6 +48,26 @@ HRESULT CoInitializeEx(LPVOID /*reserved*/, DWORD apartment) {
 }
 
 void CoUninitialize() { Pass(kCoUninitialize, Asked(), Leave); }
+
+HRESULT CoCreateInstance(REFCLSID class_id, IUnknown* /*outer*/, DWORD context, REFIID iid, LPVOID* object) {
+  Empty(object);
+  return Pass(kCoCreateInstance, Asked(context), [&] {
+    if (object == nullptr) return E_POINTER;
+    if (!t_apartment.entered) return CO_E_NOTINITIALIZED;
+    if (class_id != CLSID_WbemLocator) return REGDB_E_CLASSNOTREG;
+    if (iid != IID_IWbemLocator) return E_NOINTERFACE;
+    *object = static_cast<IWbemLocator*>(new WmiLocator);
+    return S_OK;
+  });
+}
+
+HRESULT CoSetProxyBlanket(IUnknown* proxy, DWORD authn_service, DWORD authz_service, OLECHAR* principal,
+                          DWORD authn_level, DWORD imp_level, RPC_AUTH_IDENTITY_HANDLE identity, DWORD capabilities) {
+  const wchar_t* const other_identity = identity != nullptr ? L"identity" : nullptr;
+  return Pass(kCoSetProxyBlanket,
+              Asked(authn_service, authz_service, principal, authn_level, imp_level, other_identity, capabilities),
+              [&] { return proxy != nullptr ? S_OK : E_INVALIDARG; });
+}
 
 }  // extern "C"
 

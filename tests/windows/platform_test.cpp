@@ -1,0 +1,194 @@
+/// What the plug-in asks of the platform, answered by the platform itself: registry, log file, threads, HID devices,
+/// the management service. Neither the firmware nor a keyboard of the family is there.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "controller/description_format.h"
+#include "discovery/lighting_plugin.h"
+#include "firmware/firmware_methods.h"
+#include "firmware/smbios.h"
+#include "firmware/wmi_connection.h"
+#include "hid/ts_hid.h"
+#include "log/service_switch.h"
+#include "log/ts_log.h"
+#include "platform/registry.h"
+#include "tests/support/plugin.h"
+
+// After the platform's main header.
+#include <tlhelp32.h>
+
+namespace test {
+namespace {
+
+/// Deletes what a test has set below the service's key.
+class RegistryTest : public testing::Test {
+ protected:
+  ~RegistryTest() override { RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\OEM"); }
+
+  static void Set(const ServiceSwitch& service_switch, DWORD type, const std::vector<std::uint8_t>& bytes) {
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, service_switch.key, 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr),
+              ERROR_SUCCESS);
+    EXPECT_EQ(RegSetValueExW(key, service_switch.value, 0, type, bytes.data(), static_cast<DWORD>(bytes.size())),
+              ERROR_SUCCESS);
+    RegCloseKey(key);
+  }
+};
+
+TEST_F(RegistryTest, ASwitchIsOnWhenItsFourBytesAreAOneWhateverTheType) {
+  EXPECT_FALSE(IsOn(kHybridSwitch)) << "no key";
+  Set(kLogSwitch, REG_DWORD, {1, 0, 0, 0});
+  EXPECT_FALSE(IsOn(kHybridSwitch)) << "no value";
+  for (const DWORD type : {REG_DWORD, REG_BINARY, REG_SZ, REG_NONE, REG_QWORD}) {
+    const auto is_on = [type](const std::vector<std::uint8_t>& bytes) {
+      Set(kHybridSwitch, type, bytes);
+      return IsOn(kHybridSwitch);
+    };
+    EXPECT_TRUE(is_on({1, 0, 0, 0})) << type;
+    EXPECT_FALSE(is_on({2, 0, 0, 0})) << type;
+    EXPECT_FALSE(is_on({1, 0, 0, 1})) << type;
+    EXPECT_FALSE(is_on({1, 0, 0, 0, 0, 0, 0, 0})) << type;
+    EXPECT_FALSE(is_on({1})) << type;
+    EXPECT_EQ(is_on({1, 0}), type == REG_SZ) << type << ": the platform ends a text that has no end";
+    EXPECT_FALSE(is_on({})) << type;
+  }
+}
+
+TEST_F(RegistryTest, TheLogStandsBelowTheProgramDataFolderUnderTheUsersName) {
+  const TemporaryFolder folder;
+  SetEnvironmentVariableW(L"PROGRAMDATA", folder.path().c_str());
+  EXPECT_EQ(TsLog::GetInstance(), nullptr);
+  Set(kLogSwitch, REG_DWORD, {1, 0, 0, 0});
+  TsLog* const log = TsLog::GetInstance();
+  ASSERT_NE(log, nullptr);
+  EXPECT_TRUE(log->WriteLine(TsLog::Info, L"CheckDeviceStatus", L"Enter!!"));
+  EXPECT_TRUE(log->WriteLine(TsLog::Error, L"", L"second"));
+
+  std::array<wchar_t, 257> user{};
+  auto size = static_cast<DWORD>(user.size());
+  ASSERT_TRUE(GetUserNameW(user.data(), &size));
+  std::vector<std::filesystem::path> files;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path() / "OEM/ZarnLightingService/Log"))
+    files.push_back(entry.path());
+  ASSERT_EQ(files.size(), 1U);
+  const std::wstring name = files[0].filename().wstring();
+  EXPECT_EQ(name.substr(0, name.size() - 12), std::wstring(user.data()) + L"_ZarnECKeyboard_");
+  const std::string text = ContentOf(files[0]);
+  EXPECT_EQ(text.substr(0, 12), "[INFO]      ");
+  EXPECT_EQ(text.substr(33, 56), " | ZarnECKeyboard | CheckDeviceStatus | Enter!!\r\n[ERROR]");
+  EXPECT_TRUE(text.ends_with(" | ZarnECKeyboard |  | second\r\n")) << text;
+}
+
+/// The threads of this process.
+std::size_t CountThreads() {
+  const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+  THREADENTRY32 entry{};
+  entry.dwSize = sizeof(entry);
+  std::size_t count = 0;
+  for (BOOL more = Thread32First(snapshot, &entry); more != FALSE; more = Thread32Next(snapshot, &entry)) {
+    if (entry.th32OwnerProcessID == GetCurrentProcessId()) ++count;
+  }
+  CloseHandle(snapshot);
+  return count;
+}
+
+TEST(Dll, ADeviceHasOneThreadAndTheLibraryNone) {
+  { const Plugin warm; }  // what the platform starts for itself is there from here on
+  const std::size_t before = CountThreads();
+  {
+    const Plugin plugin;
+    EXPECT_EQ(CountThreads(), before);
+    auto device = plugin.Create("ZarnHIDKeyboard");
+    EXPECT_EQ(CountThreads(), before + 1);
+    device.reset();
+    EXPECT_EQ(CountThreads(), before);
+  }
+  EXPECT_EQ(CountThreads(), before);
+  EXPECT_EQ(GetModuleHandleW(L"zarn_lighting.dll"), nullptr);
+}
+
+TEST(Dll, ServesAHostByNameAndSlot) {
+  const Plugin plugin;
+  Discovered expected{0, L"as it was", 3, L"", L""};
+  EXPECT_EQ(plugin.Discover(), expected);
+  const auto device = plugin.Create("ZarnECKeyboard");
+  ControllerRecords records;
+  ASSERT_TRUE(UnpackDescription(records, Take(CallSlot<std::uint8_t*>(device.get(), 7, std::uint32_t{3})), 3));
+  EXPECT_EQ(records.title, "Zarn EC Keyboard Device");
+  EXPECT_EQ(records.mode_list.size(), 9U);
+  CallSlot(device.get(), 6, std::int32_t{2});
+  EXPECT_EQ(CallSlot<std::int32_t>(device.get(), 5), 2);
+  CallSlot(device.get(), 30);
+  CallSlot(device.get(), 32);
+  EXPECT_EQ(device->CurrentModeIndex(), 0);
+}
+
+TEST(Hid, DevicesOfTheSystemAreEnumeratedOpenedAndAsked) {
+  using zarn::WRV520::TsHID;
+  std::vector<_HIDDevice> devices;
+  const bool any = TsHID::GetHIDDeviceHandle([](auto...) { return true; }, [](auto&) { return true; }, devices);
+  EXPECT_EQ(any, !devices.empty());
+  EXPECT_FALSE(devices.empty()) << "Wine brings a mouse and a keyboard";
+  for (const _HIDDevice& device : devices) {
+    EXPECT_NE(device.devicePath.find(L"hid"), std::wstring::npos);
+    HIDP_CAPS caps{};
+    EXPECT_TRUE(TsHID::GetHIDCapability(device.handle, caps));
+    EXPECT_EQ(caps.UsagePage, device.usagePage);
+    std::vector<HIDP_VALUE_CAPS> values;
+    TsHID::GetHIDValueCapability(device.handle, values);
+    EXPECT_EQ(values.size(), caps.NumberFeatureValueCaps);
+    std::array<std::uint8_t, TsHID::kFeatureBufferSize> report{};
+    EXPECT_FALSE(TsHID::GetHIDFeature(device.handle, 0xA1, report.data()));
+    EXPECT_TRUE(CloseHandle(device.handle));
+  }
+}
+
+TEST(ManagementService, AnswersWithoutOurFirmwareAreFailures) {
+  WmiConnection connection;
+  ASSERT_EQ(OpenWmiConnection(connection), 1) << connection.status;
+  std::wstring path = L"as it was";
+  EXPECT_GE(FindInstancePath(connection, kFirmwareClass, kFirmwareInstances, path), 0);
+  EXPECT_EQ(path, L"");
+  Variant data;
+  const NamedVariant table[] = {{L"SMBiosData", data}};
+  EXPECT_EQ(ReadInstanceProperties(connection, L"NoSuchClass", table), 0);
+  CloseWmiConnection(connection);
+
+  RawSmbiosTable smbios;
+  EXPECT_EQ(ReadRawSmbiosTable(smbios), 0);
+  EXPECT_EQ(smbios.length, 0U);
+  const std::array<std::uint8_t, 16> packet{};
+  std::uint64_t output = 7;
+  EXPECT_EQ(SetGamingKBBacklight(packet.data(), &output), 0);
+  EXPECT_EQ(output, 7U);
+  EXPECT_EQ(SetGamingRgbKb(1), 0);
+}
+
+TEST(ManagementService, AThreadThatLivesInASingleThreadedApartmentStaysThere) {
+  std::thread([] {
+    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
+    for (int i = 0; i < 2; ++i) {
+      WmiConnection connection;
+      EXPECT_EQ(OpenWmiConnection(connection), 1) << connection.status;
+      EXPECT_EQ(connection.may_uninitialize, 0);
+    }
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), RPC_E_CHANGED_MODE);
+    CoUninitialize();
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK) << "the plug-in's connections took nothing back";
+    CoUninitialize();
+  }).join();
+}
+
+}  // namespace
+}  // namespace test
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}

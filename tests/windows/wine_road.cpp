@@ -1,0 +1,123 @@
+/// The cases over the platform itself: its registry, files and COM, with the layer's objects in the place of its
+/// management service, and its HID functions over the notebook. See forward.h for how the plug-in gets to those.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "platform/portable/empty_machine.h"
+#include "platform/portable/instruments.h"
+#include "platform/portable/report_descriptor.h"
+#include "platform/registry.h"
+#include "platform/wmi.h"
+#include "simulator/notebook_machine.h"
+#include "tests/cases/road.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/windows/service.h"
+
+namespace test {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The notebook as far as the platform does not have it itself. Its HID devices are files, so that the platform's own
+/// calls open and close them: one for each interface and each time that a keyboard is plugged in, "2-5" for the third
+/// keyboard's fifth connection.
+class NotebookInFiles final : public platform::EmptyMachine {
+ public:
+  explicit NotebookInFiles(std::shared_ptr<simulator::Notebook> notebook)
+      : notebook_(std::move(notebook)), machine_(simulator::MakeMachine(notebook_)) {}
+
+  std::optional<platform::SmbiosTable> ReadSmbiosTable() override { return machine_->ReadSmbiosTable(); }
+  std::optional<platform::FirmwareClass> FindFirmwareClass() override { return machine_->FindFirmwareClass(); }
+  platform::FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,
+                                        const platform::NamedValues& in) override {
+    return machine_->CallFirmware(instance_name, method, in);
+  }
+
+  std::vector<platform::HidDevice> HidDevices() override {
+    std::vector<platform::HidDevice> devices;
+    for (std::size_t i = 0; i < notebook_->HidKeyboardCount(); ++i) {
+      const auto connection = notebook_->HidKeyboardAt(i).Connect();
+      if (!connection) continue;
+      devices.push_back(DeviceAt(i, folder_.path() / (std::to_string(i) + "-" + std::to_string(*connection))));
+      MakeFiles(devices.back());
+    }
+    return devices;
+  }
+
+  platform::OpenedHidDevice OpenHidDevice(const std::wstring& path) override {
+    const std::string name = fs::path(path).filename().string();
+    const std::size_t dash = name.find('-');
+    if (fs::path(path).parent_path() != folder_.path() || dash == std::string::npos) return {};
+    const std::size_t keyboard = std::stoul(name);
+    return {ERROR_SUCCESS, DeviceAt(keyboard, path),
+            simulator::MakeConnection(notebook_, keyboard, std::stoull(name.substr(dash + 1)))};
+  }
+
+ private:
+  platform::HidDevice DeviceAt(std::size_t index, const fs::path& path) const {
+    const simulator::HidKeyboard& keyboard = notebook_->HidKeyboardAt(index);
+    return {path.wstring(), keyboard.settings().vendor, keyboard.settings().product, 0x0100,
+            keyboard.report_descriptor()};
+  }
+
+  static void MakeFiles(const platform::HidDevice& device) {
+    const std::size_t count = platform::ParseReportDescriptor(device.report_descriptor).collections.size();
+    std::ofstream(fs::path(device.path));
+    for (std::size_t i = 1; i <= count; ++i) std::ofstream(fs::path(device.path + L"&col0" + std::to_wstring(i)));
+  }
+
+  const std::shared_ptr<simulator::Notebook> notebook_;
+  const std::shared_ptr<platform::Machine> machine_;
+  const TemporaryFolder folder_;
+};
+
+class WineRoad final : public Road {
+ public:
+  WineRoad() {
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+    ReplaceManagementService();
+  }
+
+  std::string Name() const override { return "Wine"; }
+  std::string WhyNot(Need /*need*/) const override { return ""; }
+
+  void Place(const std::shared_ptr<simulator::Notebook>& notebook) override {
+    const simulator::Profile& profile = notebook->profile();
+    for (const auto& [key, values] : profile.registry) WriteKey(key, values);
+    for (const auto& [name, value] : profile.environment) SetEnvironmentVariableW(name.c_str(), value.c_str());
+    EXPECT_TRUE(platform::UseMachine(std::make_shared<NotebookInFiles>(notebook)));
+  }
+  void Settle() override {}
+  void TakeAway() override {
+    EXPECT_EQ(platform::CountLive(), platform::LiveCounts{});
+    EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{});
+    EXPECT_TRUE(platform::UseMachine(std::make_shared<platform::EmptyMachine>()));
+    EXPECT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\OEM"), ERROR_SUCCESS);
+  }
+
+ private:
+  static void WriteKey(const std::wstring& key, const std::map<std::wstring, std::vector<std::uint8_t>>& values) {
+    HKEY opened = nullptr;
+    ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &opened, nullptr),
+              ERROR_SUCCESS);
+    for (const auto& [name, bytes] : values) {
+      EXPECT_EQ(RegSetValueExW(opened, name.c_str(), 0, bytes.size() == sizeof(DWORD) ? REG_DWORD : REG_BINARY,
+                               bytes.data(), static_cast<DWORD>(bytes.size())),
+                ERROR_SUCCESS);
+    }
+    RegCloseKey(opened);
+  }
+};
+
+}  // namespace
+
+Road& TheRoad() {
+  static WineRoad road;
+  return road;
+}
+
+}  // namespace test
