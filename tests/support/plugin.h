@@ -79,15 +79,15 @@ class FreshPlugin {
   Plugin* operator->() { return &plugin_; }
 
  private:
-  static std::filesystem::path Copy(const std::filesystem::path& folder) {
+  static Plugin LoadCopy() {
+    const TemporaryFolder folder;  // which a file that was loaded does not need any more, or goes with Wine's prefix
     const std::filesystem::path original = ZARN_LIGHTING_PATH;
-    std::filesystem::path copy = folder / original.filename();
+    const std::filesystem::path copy = folder.path() / original.filename();
     std::filesystem::copy_file(original, copy);
-    return copy;
+    return Plugin(copy);
   }
 
-  TemporaryFolder folder_;
-  Plugin plugin_{Copy(folder_.path())};
+  Plugin plugin_ = LoadCopy();
 };
 
 /// Calls a slot by its position in the virtual table, with the arguments as they are typed here.
