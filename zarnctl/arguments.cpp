@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "zarnctl/complaint.h"
+#include "zarnctl/hardware.h"
 #include "zarnctl/text.h"
 
 namespace zarnctl {
@@ -19,6 +20,13 @@ constexpr const char* kFooter =
     "  2  wrong command line; nothing was sent\n"
     "  3  no such device, or nothing to light\n"
     "  4  firmware or keyboard refused, the lights did not follow, or a record lacks something";
+
+constexpr const char* kCommands = "devices, show, set, leds, demo, doctor, config and record";
+constexpr const char* kCommandsWithoutLayer = "devices, show, set, leds, demo, doctor and config";
+constexpr const char* kWithoutLayer =
+    "\n\nHere it drives this computer alone: to simulate notebooks (--machine), to trace exchanges (--trace) and to "
+    "record\n"
+    "machines (record) is for zarnctl on Linux.";
 
 /// The values of options as they were typed; they are read when all of them are known.
 struct Typed {
@@ -39,12 +47,8 @@ class CommandLine {
     app_.footer(kFooter);
     app_.fallthrough();
     app_.require_subcommand(1);
-    app_.add_option("--machine", arguments_.machine,
-                    "profile of a notebook to simulate, a TOML file or a shipped name; this computer otherwise")
-        ->envname("ZARN_MACHINE")
-        ->type_name("PROFILE");
+    if (Hardware::HasOurLayer()) AddLayerOptions();
     app_.add_option("--plugin", arguments_.plugin, "lighting plug-in to load instead of our own")->type_name("FILE");
-    app_.add_flag("--trace", arguments_.trace, "print every firmware call and HID report to stderr");
 
     // After the application's own settings, which commands take over when they are added.
     app_.add_subcommand("devices", "list the lighting devices");
@@ -62,6 +66,10 @@ class CommandLine {
     app_.add_subcommand("demo", "walk through all modes of all devices");
     app_.add_subcommand("doctor", "tell what discovery depends on, what is missing, and what to do");
     app_.add_subcommand("config", "show what is set, and where");
+    if (!Hardware::HasOurLayer()) {
+      app_.footer(std::string(kFooter) + kWithoutLayer);
+      return;
+    }
     app_.add_subcommand("record", "write what this machine answers as a profile")
         ->add_option("FILE", typed_.file, "file to write, which must not be there yet")
         ->required()
@@ -97,6 +105,14 @@ class CommandLine {
     return command;
   }
 
+  void AddLayerOptions() {
+    app_.add_option("--machine", arguments_.machine,
+                    "profile of a notebook to simulate, a TOML file or a shipped name; this computer otherwise")
+        ->envname("ZARN_MACHINE")
+        ->type_name("PROFILE");
+    app_.add_flag("--trace", arguments_.trace, "print every firmware call and HID report to stderr");
+  }
+
   static std::string Explained(const CLI::ParseError& error) {
     std::string line = error.what();
     std::replace(line.begin(), line.end(), '\n', ' ');
@@ -114,7 +130,7 @@ class CommandLine {
   std::string NoCommand() const {
     const std::vector<std::string> strangers = app_.remaining();
     const std::string what = strangers.empty() ? "a command is missing" : strangers.front() + ": no such command";
-    return what + "; the commands are devices, show, set, leds, demo, doctor, config and record";
+    return what + "; the commands are " + (Hardware::HasOurLayer() ? kCommands : kCommandsWithoutLayer);
   }
 
   Command ReadCommand() const {
@@ -124,7 +140,7 @@ class CommandLine {
     if (app_.got_subcommand("leds")) return LedsCommand{typed_.device, LedColors()};
     if (app_.got_subcommand("doctor")) return DoctorCommand{};
     if (app_.got_subcommand("config")) return ConfigCommand{};
-    if (app_.got_subcommand("record")) return RecordCommand{FileName()};
+    if (Hardware::HasOurLayer() && app_.got_subcommand("record")) return RecordCommand{FileName()};
     return DemoCommand{};
   }
 

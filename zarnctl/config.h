@@ -9,11 +9,10 @@ namespace zarnctl {
 /// The switches and the log's folder, several lines.
 std::string Config();
 
-/// The settings files of this computer, a line each, with what is wrong with them or not known, and what to write
-/// there.
-std::string SettingsFiles();
+/// Where this computer has the switches, with what is wrong or not known there, and how to turn them on; several lines.
+std::string SettingsPlaces();
 
-/// One line for each settings file of this computer that counts for nothing because something is wrong with it.
+/// One line for each place of this computer's that counts for nothing because something is wrong with it.
 std::vector<std::string> ComplaintsAboutSettings();
 
 }  // namespace zarnctl

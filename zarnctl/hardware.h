@@ -11,6 +11,7 @@
 #include "simulator/notebook.h"
 #include "zarnctl/doctor.h"
 #include "zarnctl/panel.h"
+#include "zarnctl/record.h"
 
 namespace zarnctl {
 
@@ -27,6 +28,9 @@ class Hardware {
   Hardware(const Hardware&) = delete;
   Hardware& operator=(const Hardware&) = delete;
 
+  /// Whether there are notebooks to simulate, exchanges to trace and machines to record on this system.
+  static bool HasOurLayer();
+
   /// "the notebook \"Four zones\"", "this computer"
   std::string Name() const;
   /// Whether the lights can be looked at.
@@ -36,6 +40,8 @@ class Hardware {
 
   /// One line for each way in which the firmware or a HID keyboard refused or did not answer.
   std::vector<std::string> TakeRefusals();
+  /// What is to be known where neither lights nor exchanges can be seen; empty elsewhere.
+  static std::string Blindness();
   /// The refusals; without any, one line when the lights of the device are not those of its active mode, where it says
   /// `records` of itself, or nothing was sent. Empty when all is well.
   std::vector<std::string> TakeFaults(const std::string& device, const ControllerRecords& records);
@@ -44,6 +50,8 @@ class Hardware {
 
   /// What to do about what the doctor finds missing.
   Remedies RemediesHere() const;
+  /// What this machine is and answers. Throws Complaint.
+  static Recording RecordMachine();
   /// HID devices that the platform does not show because it cannot read their descriptors, a line each.
   static std::vector<std::string> UnreadableDevices();
 

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 fs::path LogFolderPath() {
   std::wstring folder = LogFolder().value_or(L"");
   std::ranges::replace(folder, L'\\', L'/');
-  return folder;
+  return fs::path(folder).make_preferred();
 }
 
 std::vector<std::string> LogWatch::NewLines() const {

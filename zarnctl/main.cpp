@@ -18,6 +18,7 @@
 #include "zarnctl/lights.h"
 #include "zarnctl/log_watch.h"
 #include "zarnctl/mode_settings.h"
+#include "zarnctl/new_file.h"
 #include "zarnctl/panel.h"
 #include "zarnctl/plugin.h"
 #include "zarnctl/record.h"
@@ -100,12 +101,12 @@ class Session {
   }
 
   ExitCode operator()(const ConfigCommand& /*command*/) const {
-    std::cout << Config() << (hardware_.HasVisibleLights() ? "" : SettingsFiles());
+    std::cout << Config() << (hardware_.HasVisibleLights() ? "" : SettingsPlaces());
     return settings_are_sound_ ? ExitCode::Done : ExitCode::Failed;
   }
 
   ExitCode operator()(const RecordCommand& command) {
-    const Recording recording = Record(*platform::CurrentMachine());
+    const Recording recording = Hardware::RecordMachine();
     WriteNewFile(command.file, recording.profile);
     hardware_.TakeRefusals();  // the record tells what did not answer
     std::cout << "written; 'zarnctl --machine " << command.file.string() << " demo' plays it back\n";
@@ -143,8 +144,8 @@ class Session {
       for (const Panel& panel : hardware_.Panels()) lights += (lights.empty() ? "" : ", ") + panel.name;
       throw Complaint(ExitCode::NothingThere,
                       "discovery reports no lighting device on " + hardware_.Name() +
-                          (lights.empty() ? "" : " (" + lights + ")") +
-                          "; 'zarnctl doctor' tells why, --machine drives a simulated notebook");
+                          (lights.empty() ? "" : " (" + lights + ")") + "; 'zarnctl doctor' tells why" +
+                          (Hardware::HasOurLayer() ? ", --machine drives a simulated notebook" : ""));
     }
     return Discovered().names;
   }
@@ -168,8 +169,10 @@ class Session {
   ExitCode Push(Device& device, const std::string& name) {
     device.Push();
     const ControllerRecords records = device.Describe();
-    if (!hardware_.HasVisibleLights())
-      std::cout << name << ": " << records.mode_list.at(static_cast<std::size_t>(records.current_mode)).label << "\n";
+    if (!hardware_.HasVisibleLights()) {
+      std::cout << name << ": " << records.mode_list.at(static_cast<std::size_t>(records.current_mode)).label
+                << Hardware::Blindness() << "\n";
+    }
     Draw(records);
     return Report(hardware_.TakeFaults(name, records)) ? ExitCode::LightsDiffer : ExitCode::Done;
   }

@@ -1,7 +1,5 @@
 #include "zarnctl/plugin.h"
 
-#include <dlfcn.h>
-
 #include <sstream>
 
 #include "discovery/lighting_plugin.h"
@@ -10,8 +8,6 @@
 
 namespace zarnctl {
 namespace {
-
-constexpr const char* kPluginName = "libzarn_lighting.so";
 
 std::vector<std::string> Listed(const std::string& names) {
   std::vector<std::string> list;
@@ -23,16 +19,17 @@ std::vector<std::string> Listed(const std::string& names) {
 }  // namespace
 
 Plugin::Plugin(const std::filesystem::path& file)
-    // Without a path the loader searches for the name, beside this program first.
-    : library_(dlopen(file.empty() ? kPluginName : std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL)) {
-  if (library_ == nullptr) {
-    throw Complaint(ExitCode::Failed, std::string("the plug-in cannot be loaded (use --plugin FILE): ") + dlerror());
+    // Without a path the loader searches for the name, beside this program first. Never destroyed: see the class.
+    : library_(*new platform::Library(file.empty() ? ZARN_LIGHTING_NAME : std::filesystem::absolute(file))) {
+  if (!library_) {
+    throw Complaint(ExitCode::Failed,
+                    "the plug-in cannot be loaded (use --plugin FILE): " + platform::Library::Error());
   }
 }
 
-void* Plugin::Find(const char* name) const {
-  void* const address = dlsym(library_, name);
-  if (address == nullptr) throw Complaint(ExitCode::Failed, std::string("the plug-in has no export ") + name);
+void* Plugin::Find(const std::string& name) const {
+  void* const address = library_.Find(name);
+  if (address == nullptr) throw Complaint(ExitCode::Failed, "the plug-in has no export " + name);
   return address;
 }
 
@@ -64,9 +61,8 @@ std::unique_ptr<RGBControllerInterface> Plugin::CreateDevice(const std::string& 
 template <typename Controller>
 std::unique_ptr<RGBControllerInterface> Plugin::Create(const std::string& name) const {
   const std::string device_factory = "CreateRGBController_" + name + "ClassInstance";
-  const auto make_controller =
-      reinterpret_cast<Controller* (*)()>(Find(("Create" + name + "ControllerClassInstance").c_str()));
-  const auto make_device = reinterpret_cast<RGBControllerInterface* (*)(Controller*)>(Find(device_factory.c_str()));
+  const auto make_controller = reinterpret_cast<Controller* (*)()>(Find("Create" + name + "ControllerClassInstance"));
+  const auto make_device = reinterpret_cast<RGBControllerInterface* (*)(Controller*)>(Find(device_factory));
   std::unique_ptr<RGBControllerInterface> device(make_device(make_controller()));
   if (device == nullptr) throw Complaint(ExitCode::Failed, device_factory + " created nothing");
   return device;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "controller/rgb_controller_interface.h"
+#include "platform/library.h"
 
 namespace zarnctl {
 
@@ -33,11 +34,11 @@ class Plugin {
   std::unique_ptr<RGBControllerInterface> CreateDevice(const std::string& name) const;
 
  private:
-  void* Find(const char* name) const;
+  void* Find(const std::string& name) const;
   template <typename Controller>
   std::unique_ptr<RGBControllerInterface> Create(const std::string& name) const;
 
-  void* library_;
+  platform::Library& library_;
 };
 
 }  // namespace zarnctl

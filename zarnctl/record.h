@@ -2,11 +2,12 @@
 /// reaches the tests.
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
-#include "platform/portable/machine.h"
+namespace platform {
+class Machine;
+}
 
 namespace zarnctl {
 
@@ -21,8 +22,5 @@ struct Recording {
 /// no user, no path, no serial number, and of no answer more than the plug-in understands. Asks the machine itself.
 /// Throws Complaint when the profile could not be played back.
 Recording Record(platform::Machine& machine);
-
-/// Writes a file that must not be there yet, whole or not at all. Throws Complaint.
-void WriteNewFile(const std::filesystem::path& path, const std::string& text);
 
 }  // namespace zarnctl

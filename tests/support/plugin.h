@@ -4,11 +4,12 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "controller/rgb_controller_interface.h"
-#include "tests/support/library.h"
+#include "platform/library.h"
 #include "tests/support/temporary_folder.h"
 
 class ZarnECGlobalController;
@@ -30,11 +31,15 @@ struct Discovered {
 
 class Plugin {
  public:
-  explicit Plugin(const std::filesystem::path& path = ZARN_LIGHTING_PATH) : library_(path) {}
+  explicit Plugin(const std::filesystem::path& path = ZARN_LIGHTING_PATH) : library_(path) {
+    if (!library_) throw std::runtime_error(platform::Library::Error());
+  }
 
   template <typename Function>
   Function* Find(const std::string& name) const {
-    return reinterpret_cast<Function*>(library_.Find(name));
+    void* const address = library_.Find(name);
+    if (address == nullptr) throw std::runtime_error("no export " + name);
+    return reinterpret_cast<Function*>(address);
   }
 
   Discovered Discover() const {
@@ -70,7 +75,7 @@ class Plugin {
     return std::unique_ptr<RGBControllerInterface>(make(static_cast<Controller*>(controller)));
   }
 
-  Library library_;
+  platform::Library library_;
 };
 
 /// A copy of the plug-in, loaded for the first time, as in a process that has just begun.

@@ -130,6 +130,12 @@ Hardware::Hardware(const std::string& machine, bool trace)
 
 Hardware::~Hardware() { platform::SetJournal({}); }
 
+bool Hardware::HasOurLayer() { return true; }
+
+std::string Hardware::Blindness() { return ""; }
+
+Recording Hardware::RecordMachine() { return Record(*platform::CurrentMachine()); }
+
 std::string Hardware::Name() const {
   return HasVisibleLights() ? "the notebook \"" + notebook_->profile().title + "\"" : "this computer";
 }

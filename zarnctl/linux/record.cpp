@@ -2,18 +2,17 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <optional>
 #include <span>
-#include <system_error>
 #include <utility>
 
 #include "firmware/firmware_methods.h"
 #include "firmware/smbios.h"
 #include "hid/lighting_hid.h"
 #include "log/service_switch.h"
+#include "platform/portable/machine.h"
 #include "platform/portable/report_descriptor.h"
 #include "platform/portable/text.h"
 #include "simulator/hid_keyboard.h"
@@ -222,21 +221,6 @@ Recording Record(platform::Machine& machine) {
     throw Complaint(ExitCode::Failed, std::string("this machine cannot be recorded: ") + error.what());
   }
   return recording;
-}
-
-void WriteNewFile(const std::filesystem::path& path, const std::string& text) {
-  std::FILE* const file = std::fopen(path.string().c_str(), "wbx");
-  if (file == nullptr && errno == EEXIST) {
-    throw Complaint(ExitCode::WrongCommandLine, path.string() + " is there already; give another name");
-  }
-  const bool written = file != nullptr && std::fwrite(text.data(), 1, text.size(), file) == text.size();
-  if (file != nullptr && std::fclose(file) == 0 && written) return;
-  const std::string why = std::generic_category().message(errno);
-  if (file != nullptr) {
-    std::error_code ignored;
-    std::filesystem::remove(path, ignored);
-  }
-  throw Complaint(ExitCode::Failed, "\"" + path.string() + "\" cannot be written: " + why);
 }
 
 }  // namespace zarnctl

@@ -1,0 +1,49 @@
+#include "zarnctl/hardware.h"
+
+#include "zarnctl/complaint.h"
+
+namespace zarnctl {
+
+/// The platform is the system's own here, and nobody sees what crosses it.
+class ExchangeWatch {};
+
+Hardware::Hardware(const std::string& /*machine*/, bool /*trace*/) {}
+
+Hardware::~Hardware() = default;
+
+bool Hardware::HasOurLayer() { return false; }
+
+std::string Hardware::Blindness() { return " was sent; whether it arrived, the log alone tells"; }
+
+Recording Hardware::RecordMachine() {
+  throw Complaint(ExitCode::WrongCommandLine, "record: Windows hands out no report descriptors");
+}
+
+std::string Hardware::Name() const { return "this computer"; }
+
+std::vector<Panel> Hardware::Panels() const { return {}; }
+
+std::vector<std::string> Hardware::TakeRefusals() { return {}; }
+
+std::vector<std::string> Hardware::TakeFaults(const std::string& /*device*/, const ControllerRecords& /*records*/) {
+  return {};
+}
+
+bool Hardware::Shows(const std::string& /*device*/, const ControllerRecords& /*records*/) const { return true; }
+
+Remedies Hardware::RemediesHere() const {
+  return {.switches = "'zarnctl config' shows where it is set",
+          .no_hid_devices = "plug the keyboard in",
+          .may_not_open = "another program may have it for itself",
+          .no_node = "plug it in again",
+          .no_answer = "plug it in again",
+          .no_table = "run as administrator",
+          .no_record = "this is no notebook of the family; HID keyboards need none",
+          .no_firmware_class = "the firmware publishes it on a notebook of the family, to administrators"};
+}
+
+std::vector<std::string> Hardware::UnreadableDevices() { return {}; }
+
+std::chrono::milliseconds Hardware::FirmwareLatency() const { return {}; }
+
+}  // namespace zarnctl
