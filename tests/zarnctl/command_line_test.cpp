@@ -33,6 +33,10 @@ class CommandLine : public testing::Test {
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, test::ContentOf(out), test::ContentOf(err)};
   }
 
+  int Record(const std::string& file, const std::string& machine) {
+    return Run(std::string("record ").append(file).append(" --machine ").append(machine)).exit_code;
+  }
+
   void ExpectComplaint(const std::string& arguments, int exit_code, const std::string& line) {
     const Outcome outcome = Run(arguments);
     EXPECT_EQ(outcome.exit_code, exit_code) << arguments;
@@ -273,8 +277,8 @@ TEST_F(CommandLine, ARecordPlaysBackWhatTheMachineWas) {
   for (const auto& [name, exit_code] : kProfiles) {
     const std::string first = folder_.path() / name;
     const std::string second = first + "-again";
-    EXPECT_EQ(Run("record " + first + " --machine " + name).exit_code, exit_code);
-    EXPECT_EQ(Run("record " + second + " --machine " + first).exit_code, exit_code);
+    EXPECT_EQ(Record(first, name), exit_code);
+    EXPECT_EQ(Record(second, first), exit_code);
     EXPECT_EQ(test::ContentOf(first), test::ContentOf(second));
     EXPECT_EQ(Run("devices --machine " + first).out, Run("devices --machine " + name).out);
   }

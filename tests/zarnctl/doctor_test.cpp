@@ -41,17 +41,18 @@ class Doctor : public test::MachineTest {
 
 TEST_F(Doctor, NothingIsThere) {
   machine->has_firmware = false;
-  EXPECT_EQ(Lines(),
-            (std::vector<std::string>{
-                "note     logging: off, not set, the plug-in writes no log; (switches)",
-                "note     hybrid mode: off, not set, a HID keyboard hides the devices of the embedded "
-                "controller; (switches)",
-                "note     HID devices: none; (bus)",
-                "missing  SMBIOS table: cannot be read; (table)",
-                "missing  firmware class ZarnGamingFunction: not there, the embedded controller's devices stay "
-                "dark; (class)",
-                "missing  discovery: 0 lighting devices",
-            }));
+  const std::string no_hybrid =
+      "note     hybrid mode: off, not set, a HID keyboard hides the devices of the embedded controller; (switches)";
+  const std::string no_class =
+      "missing  firmware class ZarnGamingFunction: not there, the embedded controller's devices stay dark; (class)";
+  EXPECT_EQ(Lines(), (std::vector<std::string>{
+                         "note     logging: off, not set, the plug-in writes no log; (switches)",
+                         no_hybrid,
+                         "note     HID devices: none; (bus)",
+                         "missing  SMBIOS table: cannot be read; (table)",
+                         no_class,
+                         "missing  discovery: 0 lighting devices",
+                     }));
 }
 
 TEST_F(Doctor, WhatKeepsAKeyboardFromBeingUsed) {
@@ -64,20 +65,24 @@ TEST_F(Doctor, WhatKeepsAKeyboardFromBeingUsed) {
   PlugLighting(7).answers[0xA1] = {0xA1, 2, 0x20, 0x22};
   PlugLighting(8).answers[0xA1] = {0xA1, 0xFF, 0x21};
   PlugLighting(8).answers[0xA1] = {0xA1, 1, 0x21};
+  const std::string mute =
+      "missing  \\\\?\\hid#test#04 (1209:0004): a lighting device, which does not answer report A1 (error 121); "
+      "(answer)";
+  const std::string twin =
+      "note     \\\\?\\hid#test#09 (1209:0008): the same vendor, product and usage as another one, which may get its "
+      "reports";
   EXPECT_EQ(HidLines(),
             (std::vector<std::string>{
                 "missing  \\\\?\\hid#test#01 (1209:0001): a lighting device, which this user may not open; (rights)",
                 "missing  \\\\?\\hid#test#02 (1209:0001): a lighting device, which cannot be opened (error 2); (node)",
                 "missing  \\\\?\\hid#test#03 (1209:0001): a lighting device, which this user may not open; (rights)",
-                "missing  \\\\?\\hid#test#04 (1209:0004): a lighting device, which does not answer report A1 (error "
-                "121); (answer)",
+                mute,
                 "missing  \\\\?\\hid#test#05 (1209:0001): a lighting device without feature reports",
                 "note     \\\\?\\hid#test#06 (1209:0001): no lighting device, its usage page is FF00, not FF5A",
                 "note     \\\\?\\hid#test#07 (1209:0007): a lighting device, but no keyboard, serves 20 22",
                 "fine     \\\\?\\hid#test#08 (1209:0008): a lighting keyboard, serves 00 21",
                 "fine     \\\\?\\hid#test#09 (1209:0008): a lighting keyboard, serves 21",
-                "note     \\\\?\\hid#test#09 (1209:0008): the same vendor, product and usage as another one, "
-                "which may get its reports",
+                twin,
             }));
 }
 
@@ -91,12 +96,11 @@ TEST_F(Doctor, WhatTheFirmwareLacks) {
   EXPECT_EQ(about_firmware({}),
             (std::vector<std::string>{"missing  SMBIOS table: no structure of type 172; (record)", there}));
   // The last items count, in front of the light bar's.
+  const std::string colourless =
+      "missing  SMBIOS structure of type 172: firmware 2.91, a keyboard with 4 zones, no colours, a light bar: the "
+      "embedded controller's devices are reported only with a keyboard in colour";
   machine->SetSmbios({0xAC, 18, 1, 0, 2, 91, 8, 4, 0, 10, 2, 0, 10, 1, 0, 23, 1, 0, 0, 0});
-  EXPECT_EQ(about_firmware({}),
-            (std::vector<std::string>{
-                "missing  SMBIOS structure of type 172: firmware 2.91, a keyboard with 4 zones, no colours, a light "
-                "bar: the embedded controller's devices are reported only with a keyboard in colour",
-                there}));
+  EXPECT_EQ(about_firmware({}), (std::vector<std::string>{colourless, there}));
   machine->SetSmbios({0xAC, 15, 1, 0, 2, 91, 8, 4, 0, 10, 2, 0, 23, 1, 0, 0, 0});
   machine->firmware.instance_names.clear();
   EXPECT_EQ(about_firmware({"ZarnECKeyboard"}),
