@@ -2,7 +2,11 @@
 ///
 /// host LIBRARY [DEVICE...]: the devices named are driven instead of those that discovery reports.
 
+#if defined(_WIN32)
+#include <windows.h>
+#else
 #include <dlfcn.h>
+#endif
 
 #include <algorithm>
 #include <cstdint>
@@ -16,10 +20,20 @@
 
 namespace {
 
+#if defined(_WIN32)
+void* Load(const char* path) { return LoadLibraryA(path); }
+void* AddressOf(void* library, const std::string& name) {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name.c_str()));
+}
+#else
+void* Load(const char* path) { return dlopen(path, RTLD_NOW); }
+void* AddressOf(void* library, const std::string& name) { return dlsym(library, name.c_str()); }
+#endif
+
 /// A function by its exported name. The library stays loaded to the end of the process.
 template <typename Function>
 Function* Find(void* library, const std::string& name) {
-  void* const address = dlsym(library, name.c_str());
+  void* const address = AddressOf(library, name);
   if (address == nullptr) throw std::runtime_error("the plug-in has no export " + name);
   return reinterpret_cast<Function*>(address);
 }
@@ -75,8 +89,8 @@ void TurnRed(void* library, const std::string& name) {
 
 int main(int argc, char** argv) try {
   if (argc < 2) throw std::runtime_error("usage: host LIBRARY [DEVICE...]");
-  void* const library = dlopen(argv[1], RTLD_NOW);
-  if (library == nullptr) throw std::runtime_error(dlerror());
+  void* const library = Load(argv[1]);
+  if (library == nullptr) throw std::runtime_error(std::string(argv[1]) + " cannot be loaded");
   std::vector<std::string> devices = Discover(library);
   std::cout << devices.size() << " lighting devices\n";
   if (argc > 2) devices.assign(argv + 2, argv + argc);

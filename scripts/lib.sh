@@ -50,3 +50,17 @@ count_tests() {
   skipped=$((skipped + disabled))
   echo "$passed passed, $((tests - passed - skipped)) failed$( ((skipped == 0)) || echo ", $skipped skipped")"
 }
+
+# expect WHAT COMMAND...: standard input is what the command must print, with its exit code when that is not 0. Counts in
+# $passed and $failed.
+expect() {
+  local what=$1 found
+  shift
+  found=$("$@" 2>&1 </dev/null || echo "exit code $?")
+  if diff -u --label expected --label found - <(printf '%s' "${found:+$found$'\n'}"); then
+    passed=$((passed + 1))
+  else
+    failed=$((failed + 1))
+    echo "${0##*/}: wrong: $what"
+  fi
+}
