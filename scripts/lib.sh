@@ -10,6 +10,9 @@ fail() {
   exit 1
 }
 
+# The time of the last commit in seconds, or, of sources that are not under git, the first that a zip can hold.
+commit_time() { git -c safe.directory="$root" log -1 --format=%ct 2>/dev/null || echo 315532800; }
+
 # configure PRESET: a build directory that was copied from another checkout, or made with another generator, starts anew.
 configure() {
   local cache=build/$1/CMakeCache.txt fresh=()
