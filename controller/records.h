@@ -59,7 +59,7 @@ struct LedRecord {
 struct ZoneGrid {
   std::uint32_t rows = 0;
   std::uint32_t columns = 0;
-  std::vector<std::uint32_t> cells;  // rows × columns of them
+  std::vector<std::uint32_t> cells;  // rows x columns of them
 };
 
 struct ZoneRecord {

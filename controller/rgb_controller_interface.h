@@ -2,25 +2,29 @@
 ///
 /// The order of the slots is the contract. Nothing is inserted before the destructor, nothing is overloaded, and
 /// nothing is added that would move a slot. With compilers of the Itanium ABI the virtual destructor takes two
-/// entries, 33 (complete) and 34 (deleting); with Microsoft's compiler it takes one, 33.
+/// entries, 33 (complete) and 34 (deleting); with Microsoft's compiler it takes one, 33, whose argument tells whether
+/// to free the object (1) or not (0).
 ///
 /// Threads: a host may call any slot on any of its threads, except that slots 17 to 19 take no lock, so that they need
 /// the listeners to themselves (one thread at a time, and none that notifies: slots 20 and 21), and that the destructor
-/// needs the controller to itself. Slots 27 to 30 talk to the hardware and return when it has answered; all others
-/// return at once.
+/// needs the controller to itself. Slots 27 to 30 talk to the hardware and return when it has answered, slots 20 and 21
+/// when the listeners have; all others return at once.
 ///
 /// Errors: device errors are never thrown and never reported here. What can leave a slot is the standard
-/// out-of-memory exception, and the records are as they were when it does.
+/// out-of-memory exception, and the records are as they were when it does; from slots 20 and 21 also what a listener
+/// throws.
 ///
 /// Requests (slots 6, 21, 22) are carried out by the controller's worker thread, which sends whatever the records
 /// hold at that moment. Requests of one kind coalesce, and one that is raised while the hardware operation of its
 /// kind is running is absorbed by it. So change the records first and ask once; after a series of changes, end with
-/// slot 27 or 30 on your own thread, which returns when the last value has been sent. Do the same before destroying: a
-/// request raised while the worker is busy may die with the controller.
+/// slot 27 or 30 on your own thread, which returns when the last value has been sent. It does not wait for a push that
+/// the worker is at, which may send the rest of older values behind it: docs/hosts.md tells how to be sure. A request
+/// raised while the worker is busy may die with the controller.
 ///
 /// Buffers: a buffer handed out belongs to the caller, who releases it with `delete[]`. A buffer handed in stays the
-/// caller's; its first four bytes (little-endian) bound what is read of it (the one-colour packet is always 8 bytes).
-/// A buffer that does not hold what it claims, or a null one, is ignored whole. Formats: docs/formats.md.
+/// caller's; it must have as many bytes as its first four (little-endian) claim, which bound what is read of it (the
+/// one-colour packet always has 8). A buffer whose content does not fit into that, or a null one, is ignored whole.
+/// Formats: docs/formats.md.
 #pragma once
 
 #include <cstdint>
@@ -95,9 +99,9 @@ class RGBControllerInterface {
   virtual void DeviceSpareHook() = 0;
   /// 27: sends the colour table, now, on this thread.
   virtual void WriteColorsToDevice() = 0;
-  /// 28: sends the colours of one zone, now, on this thread.
+  /// 28: sends the colours of one zone, now, on this thread; the devices here send all of them.
   virtual void WriteZoneToDevice(std::int32_t zone_index) = 0;
-  /// 29: sends the colour of one LED, now, on this thread.
+  /// 29: sends the colour of one LED, now, on this thread; only the HID keyboard can do less than all.
   virtual void WriteLedToDevice(std::int32_t led_index) = 0;
   /// 30: applies the active mode, now, on this thread.
   virtual void WriteModeToDevice() = 0;

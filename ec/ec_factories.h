@@ -3,7 +3,8 @@
 /// Ownership: the host owns what a factory returns. The generic controller takes its device controller over, and
 /// destroys it, as soon as the second factory has returned; when that one throws, the device controller stays with
 /// the host, which can hand it in again and in no other way give it back. Errors: std::bad_alloc, and std::system_error
-/// when the worker thread cannot be started. Any thread may call.
+/// when the worker thread cannot be started. Microsoft's compiler takes for granted under /EHsc that functions like
+/// these throw nothing: hosts are built with /EHs. Any thread may call.
 #pragma once
 
 #include "platform/export.h"

@@ -1,4 +1,5 @@
-/// A host with nothing but what is installed: loads the plug-in, asks it for the lighting devices, and turns them red.
+/// A host with nothing but what is installed: loads the plug-in, asks it for the lighting devices, and turns their LEDs
+/// red.
 ///
 /// host LIBRARY [DEVICE...]: the devices named are driven instead of those that discovery reports.
 

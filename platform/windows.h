@@ -9,3 +9,5 @@
 #endif
 
 #include <windows.h>
+
+#undef interface  // a macro of COM's headers for what is a name here
