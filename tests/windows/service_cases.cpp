@@ -1,9 +1,9 @@
 /// What shows on the platform's own COM alone: apartments, and how calls through a proxy authenticate.
 
 #include "platform/portable/instruments.h"
+#include "platform/windows/management_service.h"
 #include "platform/wmi.h"
 #include "tests/cases/case.h"
-#include "tests/windows/service.h"
 
 namespace test {
 namespace {
@@ -37,7 +37,7 @@ TEST_F(ServiceCase, AHostsThreadMayLiveInASingleThreadedApartment) {
   Start("light-bar");
   std::thread([this] {
     ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
-    ReplaceManagementService();
+    platform::ReplaceManagementService();
     EXPECT_EQ(Discover().count, 2);
     Choose(Create("ZarnECGlobal"), "WAVE");
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), RPC_E_CHANGED_MODE) << "it left the apartment";

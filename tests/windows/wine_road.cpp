@@ -11,11 +11,11 @@
 #include "platform/portable/instruments.h"
 #include "platform/portable/report_descriptor.h"
 #include "platform/registry.h"
+#include "platform/windows/management_service.h"
 #include "platform/wmi.h"
 #include "simulator/notebook_machine.h"
 #include "tests/cases/road.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/windows/service.h"
 
 namespace test {
 namespace {
@@ -79,7 +79,7 @@ class WineRoad final : public Road {
  public:
   WineRoad() {
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
-    ReplaceManagementService();
+    platform::ReplaceManagementService();
   }
 
   std::string Name() const override { return "Wine"; }

@@ -1,10 +1,10 @@
-#include "tests/windows/service.h"
+#include "platform/windows/management_service.h"
 
 #include <stdexcept>
 
 #include "platform/portable/wmi_locator.h"
 
-namespace test {
+namespace platform {
 namespace {
 
 /// Lives as long as the process, so that its references count nothing.
@@ -19,7 +19,7 @@ class LocatorFactory final : public IClassFactory {
   ULONG STDMETHODCALLTYPE Release() override { return 1; }
 
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* /*outer*/, REFIID iid, void** object) override {
-    IUnknown* const locator = new platform::WmiLocator;
+    IUnknown* const locator = new WmiLocator;
     const HRESULT result = locator->QueryInterface(iid, object);
     locator->Release();
     return result;
@@ -38,4 +38,4 @@ void ReplaceManagementService() {
   }
 }
 
-}  // namespace test
+}  // namespace platform
