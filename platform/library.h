@@ -3,7 +3,7 @@
 
 #include <filesystem>
 #include <string>
-#include <utility>
+#include <system_error>
 
 #if defined(_WIN32)
 #include "platform/windows.h"
@@ -16,11 +16,9 @@ namespace platform {
 /// A library that is loaded at run time, and unloaded with its owner.
 class Library {
  public:
-  /// A name without a folder is searched for as the system does it, beside the program first. Check with operator bool,
-  /// and right after a failure with Error.
+  /// A name without a folder is searched for beside the program, and elsewhere than on Windows where the system looks.
+  /// Check with operator bool, and right after a failure with Error.
   explicit Library(const std::filesystem::path& path) : library_(Load(path)) {}
-  Library(Library&& other) noexcept : library_(std::exchange(other.library_, nullptr)) {}
-  Library& operator=(Library&&) = delete;
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
   ~Library() {
@@ -29,21 +27,29 @@ class Library {
 
   explicit operator bool() const { return library_ != nullptr; }
 
+  // Find: the address of an export; null when there is none of that name. Error: why the file at `path` was not loaded.
+
 #if defined(_WIN32)
   void* Find(const std::string& name) const {
     return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library_), name.c_str()));
   }
 
-  static std::string Error() { return "error " + std::to_string(GetLastError()); }
+  static std::string Error(const std::filesystem::path& path) {
+    return path.string() + ": " + std::system_category().message(static_cast<int>(GetLastError()));
+  }
 
  private:
-  static void* Load(const std::filesystem::path& path) { return LoadLibraryW(path.c_str()); }
+  static void* Load(const std::filesystem::path& path) {
+    // A bare name is looked for beside the program alone, not where somebody else may have put one.
+    return LoadLibraryExW(
+        path.c_str(), nullptr,
+        path.has_parent_path() ? 0 : LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
+  }
   static void Unload(void* library) { FreeLibrary(static_cast<HMODULE>(library)); }
 #else
-  /// The address of an export; null when there is none of that name.
   void* Find(const std::string& name) const { return dlsym(library_, name.c_str()); }
 
-  static std::string Error() { return dlerror(); }
+  static std::string Error(const std::filesystem::path& /*path*/) { return dlerror(); }
 
  private:
   static void* Load(const std::filesystem::path& path) { return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL); }

@@ -10,7 +10,6 @@
 #include "platform/hid.h"
 #include "platform/linux/user.h"
 #include "platform/portable/empty_machine.h"
-
 #include "platform/portable/registry_values.h"
 #include "platform/portable/text.h"
 #include "platform/wmi.h"

@@ -94,14 +94,19 @@ class Examination {
     }
     const Bstr class_name(kFirmwareClass);
     ComPtr<IWbemClassObject> definition;
-    if (connection.services->GetObject(class_name.Get(), 0, nullptr, definition.Put(), nullptr) < 0) {
-      return Add(Kind::Missing, name + "not there, the embedded controller's devices stay dark",
-                 remedies_.no_firmware_class);
-    }
+    HRESULT status = connection.services->GetObject(class_name.Get(), 0, nullptr, definition.Put(), nullptr);
     std::wstring instance;
-    FindInstancePath(connection, kFirmwareClass, kFirmwareInstances, instance);
+    if (status >= 0) {
+      FindInstancePath(connection, kFirmwareClass, kFirmwareInstances, instance);
+      status = connection.status;  // of its last step
+    }
     if (!instance.empty()) return Add(Kind::Fine, name + "there");
-    Add(Kind::Missing, name + "there, but without an instance to call");
+    if (status == static_cast<HRESULT>(WBEM_E_ACCESS_DENIED)) {
+      return Add(Kind::Missing, name + "this user may not use it", remedies_.may_not_open);
+    }
+    if (status >= 0) return Add(Kind::Missing, name + "there, but without an instance to call");
+    Add(Kind::Missing, name + "not there (" + Code(status) + "), the embedded controller's devices stay dark",
+        remedies_.no_firmware_class);
   }
 
   void Conclude() {
@@ -210,6 +215,9 @@ class Examination {
     const DWORD error = GetLastError();
     if (error == ERROR_ACCESS_DENIED) {
       return Add(Kind::Missing, name + ": a lighting device, which this user may not open", remedies_.may_not_open);
+    }
+    if (error == ERROR_SHARING_VIOLATION) {
+      return Add(Kind::Missing, name + ": a lighting device, which another program has for itself", "end that program");
     }
     const bool has_no_node = error == ERROR_FILE_NOT_FOUND || error == ERROR_DEVICE_NOT_CONNECTED;
     Add(Kind::Missing, name + ": a lighting device, which " + what + " (error " + std::to_string(error) + ")",

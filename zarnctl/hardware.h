@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,7 +12,6 @@
 #include "simulator/notebook.h"
 #include "zarnctl/doctor.h"
 #include "zarnctl/panel.h"
-#include "zarnctl/record.h"
 
 namespace zarnctl {
 
@@ -40,8 +40,8 @@ class Hardware {
 
   /// One line for each way in which the firmware or a HID keyboard refused or did not answer.
   std::vector<std::string> TakeRefusals();
-  /// What is to be known where neither lights nor exchanges can be seen; empty elsewhere.
-  static std::string Blindness();
+  /// Whether it is known what was sent and what failed.
+  static bool SeesExchanges();
   /// The refusals; without any, one line when the lights of the device are not those of its active mode, where it says
   /// `records` of itself, or nothing was sent. Empty when all is well.
   std::vector<std::string> TakeFaults(const std::string& device, const ControllerRecords& records);
@@ -50,8 +50,9 @@ class Hardware {
 
   /// What to do about what the doctor finds missing.
   Remedies RemediesHere() const;
-  /// What this machine is and answers. Throws Complaint.
-  static Recording RecordMachine();
+  /// Writes a profile that plays this machine back to a file that must not be there yet; a line for each thing that it
+  /// lacks. Throws Complaint.
+  static std::vector<std::string> RecordMachine(const std::filesystem::path& file);
   /// HID devices that the platform does not show because it cannot read their descriptors, a line each.
   static std::vector<std::string> UnreadableDevices();
 

@@ -18,10 +18,8 @@
 #include "zarnctl/lights.h"
 #include "zarnctl/log_watch.h"
 #include "zarnctl/mode_settings.h"
-#include "zarnctl/new_file.h"
 #include "zarnctl/panel.h"
 #include "zarnctl/plugin.h"
-#include "zarnctl/record.h"
 #include "zarnctl/terminal.h"
 #include "zarnctl/text.h"
 
@@ -106,11 +104,10 @@ class Session {
   }
 
   ExitCode operator()(const RecordCommand& command) {
-    const Recording recording = Hardware::RecordMachine();
-    WriteNewFile(command.file, recording.profile);
+    const std::vector<std::string> omissions = Hardware::RecordMachine(command.file);
     hardware_.TakeRefusals();  // the record tells what did not answer
     std::cout << "written; 'zarnctl --machine " << command.file.string() << " demo' plays it back\n";
-    return Report(recording.omissions) ? ExitCode::LightsDiffer : ExitCode::Done;
+    return Report(omissions) ? ExitCode::LightsDiffer : ExitCode::Done;
   }
 
   ExitCode operator()(const DemoCommand& /*command*/) {
@@ -171,7 +168,8 @@ class Session {
     const ControllerRecords records = device.Describe();
     if (!hardware_.HasVisibleLights()) {
       std::cout << name << ": " << records.mode_list.at(static_cast<std::size_t>(records.current_mode)).label
-                << Hardware::Blindness() << "\n";
+                << (Hardware::SeesExchanges() ? "" : ", handed to the plug-in; what came of it, its log alone tells")
+                << "\n";
     }
     Draw(records);
     return Report(hardware_.TakeFaults(name, records)) ? ExitCode::LightsDiffer : ExitCode::Done;

@@ -22,8 +22,8 @@ Plugin::Plugin(const std::filesystem::path& file)
     // Without a path the loader searches for the name, beside this program first. Never destroyed: see the class.
     : library_(*new platform::Library(file.empty() ? ZARN_LIGHTING_NAME : std::filesystem::absolute(file))) {
   if (!library_) {
-    throw Complaint(ExitCode::Failed,
-                    "the plug-in cannot be loaded (use --plugin FILE): " + platform::Library::Error());
+    throw Complaint(ExitCode::Failed, "the plug-in cannot be loaded (use --plugin FILE): " +
+                                          platform::Library::Error(file.empty() ? ZARN_LIGHTING_NAME : file));
   }
 }
 

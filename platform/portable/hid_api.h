@@ -38,6 +38,7 @@ inline constexpr DWORD OPEN_EXISTING = 3;
 
 inline constexpr LONG ERROR_INVALID_DATA = 13;
 inline constexpr LONG ERROR_GEN_FAILURE = 31;
+inline constexpr LONG ERROR_SHARING_VIOLATION = 32;
 inline constexpr LONG ERROR_SEM_TIMEOUT = 121;
 inline constexpr LONG ERROR_NO_MORE_ITEMS = 259;
 inline constexpr LONG ERROR_DEVICE_NOT_CONNECTED = 1167;

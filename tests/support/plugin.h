@@ -32,7 +32,7 @@ struct Discovered {
 class Plugin {
  public:
   explicit Plugin(const std::filesystem::path& path = ZARN_LIGHTING_PATH) : library_(path) {
-    if (!library_) throw std::runtime_error(platform::Library::Error());
+    if (!library_) throw std::runtime_error(platform::Library::Error(path));
   }
 
   template <typename Function>

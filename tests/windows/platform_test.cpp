@@ -29,7 +29,7 @@ namespace {
 /// Deletes what a test has set below the service's key.
 class RegistryTest : public testing::Test {
  protected:
-  ~RegistryTest() override { RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\OEM"); }
+  ~RegistryTest() override { RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\OEM\\ZarnLightingService"); }
 
   static void Set(const ServiceSwitch& service_switch, DWORD type, const std::vector<std::uint8_t>& bytes) {
     HKEY key = nullptr;

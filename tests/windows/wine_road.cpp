@@ -96,7 +96,7 @@ class WineRoad final : public Road {
     EXPECT_EQ(platform::CountLive(), platform::LiveCounts{});
     EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{});
     EXPECT_TRUE(platform::UseMachine(std::make_shared<platform::EmptyMachine>()));
-    EXPECT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\OEM"), ERROR_SUCCESS);
+    EXPECT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\OEM\\ZarnLightingService"), ERROR_SUCCESS);
   }
 
  private:

@@ -233,7 +233,8 @@ TEST_F(CommandLine, DoctorTellsWhatIsThereWhatIsMissingAndWhatToDo) {
                 "note     \\\\?\\hid#vid_1209&pid_0001#0 (1209:0001): its report descriptor cannot be read, byte 2: "
                 "the descriptor ends inside a collection\n"
                 "missing  SMBIOS table: cannot be read; [firmware] in the profile makes one\n"
-                "missing  firmware class ZarnGamingFunction: not there, the embedded controller's devices stay dark; "
+                "missing  firmware class ZarnGamingFunction: not there (0x80041002), the embedded controller's devices "
+                "stay dark; "
                 "[firmware] in the profile makes one, unless its instance is empty\n"
                 "missing  discovery: 0 lighting devices\n");
   const std::string logged = Run("doctor --machine " + WriteProfile("title = 'Dark'\nlog.enabled = true\n"

@@ -44,7 +44,8 @@ TEST_F(Doctor, NothingIsThere) {
   const std::string no_hybrid =
       "note     hybrid mode: off, not set, a HID keyboard hides the devices of the embedded controller; (switches)";
   const std::string no_class =
-      "missing  firmware class ZarnGamingFunction: not there, the embedded controller's devices stay dark; (class)";
+      "missing  firmware class ZarnGamingFunction: not there (0x80041002), the embedded controller's devices stay "
+      "dark; (class)";
   EXPECT_EQ(Lines(), (std::vector<std::string>{
                          "note     logging: off, not set, the plug-in writes no log; (switches)",
                          no_hybrid,

@@ -15,6 +15,8 @@
 #include "simulator/notebook_machine.h"
 #include "zarnctl/complaint.h"
 #include "zarnctl/lights.h"
+#include "zarnctl/linux/new_file.h"
+#include "zarnctl/linux/record.h"
 #include "zarnctl/text.h"
 
 namespace zarnctl {
@@ -132,9 +134,13 @@ Hardware::~Hardware() { platform::SetJournal({}); }
 
 bool Hardware::HasOurLayer() { return true; }
 
-std::string Hardware::Blindness() { return ""; }
+bool Hardware::SeesExchanges() { return true; }
 
-Recording Hardware::RecordMachine() { return Record(*platform::CurrentMachine()); }
+std::vector<std::string> Hardware::RecordMachine(const fs::path& file) {
+  const Recording recording = Record(*platform::CurrentMachine());
+  WriteNewFile(file, recording.profile);
+  return recording.omissions;
+}
 
 std::string Hardware::Name() const {
   return HasVisibleLights() ? "the notebook \"" + notebook_->profile().title + "\"" : "this computer";

@@ -1,4 +1,4 @@
-#include "zarnctl/record.h"
+#include "zarnctl/linux/record.h"
 
 #include <algorithm>
 #include <array>

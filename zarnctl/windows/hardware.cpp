@@ -4,18 +4,15 @@
 
 namespace zarnctl {
 
-/// The platform is the system's own here, and nobody sees what crosses it.
-class ExchangeWatch {};
-
 Hardware::Hardware(const std::string& /*machine*/, bool /*trace*/) {}
 
 Hardware::~Hardware() = default;
 
 bool Hardware::HasOurLayer() { return false; }
 
-std::string Hardware::Blindness() { return " was sent; whether it arrived, the log alone tells"; }
+bool Hardware::SeesExchanges() { return false; }
 
-Recording Hardware::RecordMachine() {
+std::vector<std::string> Hardware::RecordMachine(const std::filesystem::path& /*file*/) {
   throw Complaint(ExitCode::WrongCommandLine, "record: Windows hands out no report descriptors");
 }
 
@@ -34,7 +31,7 @@ bool Hardware::Shows(const std::string& /*device*/, const ControllerRecords& /*r
 Remedies Hardware::RemediesHere() const {
   return {.switches = "'zarnctl config' shows where it is set",
           .no_hid_devices = "plug the keyboard in",
-          .may_not_open = "another program may have it for itself",
+          .may_not_open = "run as administrator",
           .no_node = "plug it in again",
           .no_answer = "plug it in again",
           .no_table = "run as administrator",

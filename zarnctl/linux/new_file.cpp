@@ -1,4 +1,4 @@
-#include "zarnctl/new_file.h"
+#include "zarnctl/linux/new_file.h"
 
 #include <cerrno>
 #include <cstdio>
