@@ -21,9 +21,3 @@ set(CMAKE_CXX_FLAGS_INIT "${_zarn_definitions}")
 # Otherwise every program and DLL needs the compiler's three runtime DLLs beside it.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 set(CMAKE_SHARED_LINKER_FLAGS_INIT -static)
-set(CMAKE_MODULE_LINKER_FLAGS_INIT -static)
-
-find_program(ZARN_WINE wine)
-if(ZARN_WINE)
-  set(CMAKE_CROSSCOMPILING_EMULATOR ${ZARN_WINE})
-endif()

@@ -141,8 +141,7 @@ TEST(Hid, DevicesOfTheSystemAreEnumeratedOpenedAndAsked) {
     EXPECT_TRUE(TsHID::GetHIDCapability(device.handle, caps));
     EXPECT_EQ(caps.UsagePage, device.usagePage);
     std::vector<HIDP_VALUE_CAPS> values;
-    TsHID::GetHIDValueCapability(device.handle, values);
-    EXPECT_EQ(values.size(), caps.NumberFeatureValueCaps);
+    EXPECT_EQ(TsHID::GetHIDValueCapability(device.handle, values), caps.NumberFeatureValueCaps != 0);
     std::array<std::uint8_t, TsHID::kFeatureBufferSize> report{};
     EXPECT_FALSE(TsHID::GetHIDFeature(device.handle, 0xA1, report.data()));
     EXPECT_TRUE(CloseHandle(device.handle));

@@ -28,6 +28,7 @@ using platform::HidCollection;
 using simulator::HidKeyboard;
 using namespace zarn::WRV520::Lighting;  // NOLINT(google-build-using-namespace): the reports' and fields' numbers
 
+constexpr std::size_t kMostIds = 63;    // of a profile; the plug-in reads no more either
 constexpr std::size_t kReportHead = 2;  // the report id, then a count or the lighting device id
 
 std::string Number(std::uint32_t number, int digits) { return "0x" + Hexadecimal(number, digits); }
@@ -177,7 +178,7 @@ class Recorder {
       text_ += "zones = 0  # no keyboard\n";
       return;
     }
-    text_ += "device_ids = " + Listed(ids) + "\n";
+    text_ += "device_ids = " + Listed(ids.first(std::min(ids.size(), kMostIds))) + "\n";
     RecordBaseInfo(*opened.connection, *lighting, name);
   }
 
