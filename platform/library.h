@@ -13,7 +13,7 @@
 
 namespace platform {
 
-/// A library that is loaded at run time, and unloaded with its owner.
+/// A library that is loaded at run time, and unloaded with its owner unless that asks to keep it.
 class Library {
  public:
   /// A name without a folder is searched for beside the program, and elsewhere than on Windows where the system looks.
@@ -22,10 +22,13 @@ class Library {
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
   ~Library() {
-    if (library_ != nullptr) Unload(library_);
+    if (library_ != nullptr && !kept_) Unload(library_);
   }
 
   explicit operator bool() const { return library_ != nullptr; }
+
+  /// Leaves the library loaded to the end of the process.
+  void Keep() { kept_ = true; }
 
   // Find: the address of an export; null when there is none of that name. Error: why the file at `path` was not loaded.
 
@@ -57,6 +60,7 @@ class Library {
 #endif
 
   void* library_;
+  bool kept_ = false;
 };
 
 }  // namespace platform

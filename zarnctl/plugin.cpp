@@ -19,12 +19,13 @@ std::vector<std::string> Listed(const std::string& names) {
 }  // namespace
 
 Plugin::Plugin(const std::filesystem::path& file)
-    // Without a path the loader searches for the name, beside this program first. Never destroyed: see the class.
-    : library_(*new platform::Library(file.empty() ? ZARN_LIGHTING_NAME : std::filesystem::absolute(file))) {
+    // Without a path the loader searches for the name, beside this program first.
+    : library_(file.empty() ? ZARN_LIGHTING_NAME : std::filesystem::absolute(file)) {
   if (!library_) {
     throw Complaint(ExitCode::Failed, "the plug-in cannot be loaded (use --plugin FILE): " +
                                           platform::Library::Error(file.empty() ? ZARN_LIGHTING_NAME : file));
   }
+  library_.Keep();
 }
 
 void* Plugin::Find(const std::string& name) const {

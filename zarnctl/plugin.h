@@ -38,7 +38,7 @@ class Plugin {
   template <typename Controller>
   std::unique_ptr<RGBControllerInterface> Create(const std::string& name) const;
 
-  platform::Library& library_;
+  platform::Library library_;
 };
 
 }  // namespace zarnctl
