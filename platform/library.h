@@ -30,7 +30,8 @@ class Library {
   /// Leaves the library loaded to the end of the process.
   void Keep() { kept_ = true; }
 
-  // Find: the address of an export; null when there is none of that name. Error: why the file at `path` was not loaded.
+  // Find: the address of an export; null when there is none of that name. Error: why the file at `path` was not loaded, in
+  // UTF-8.
 
 #if defined(_WIN32)
   void* Find(const std::string& name) const {
@@ -38,7 +39,9 @@ class Library {
   }
 
   static std::string Error(const std::filesystem::path& path) {
-    return path.string() + ": " + std::system_category().message(static_cast<int>(GetLastError()));
+    const std::string why = std::system_category().message(static_cast<int>(GetLastError()));
+    const std::u8string name = path.u8string();
+    return std::string(name.begin(), name.end()) + ": " + why;
   }
 
  private:

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "platform/hid.h"
-#include "platform/linux/user.h"
 #include "platform/portable/empty_machine.h"
 #include "platform/portable/registry_values.h"
 #include "platform/portable/text.h"

@@ -9,8 +9,10 @@ namespace simulator {
 
 /// Throws std::filesystem::filesystem_error for what is no UTF-8.
 inline std::wstring WideFromUtf8(std::string_view utf8) {
+  const std::filesystem::path text(std::u8string(utf8.begin(), utf8.end()));
+  if constexpr (sizeof(wchar_t) == sizeof(char16_t)) return text.wstring();
   // By way of char32_t, because the direct way obeys the process's locale.
-  const std::u32string characters = std::filesystem::path(utf8).u32string();
+  const std::u32string characters = text.u32string();
   return {characters.begin(), characters.end()};
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 #include "zarnctl/complaint.h"
 #include "zarnctl/hardware.h"
@@ -20,11 +21,15 @@ constexpr const char* kFooter =
     "  2  wrong command line; nothing was sent\n"
     "  3  no such device, or nothing to light\n"
     "  4  firmware or keyboard refused, the lights did not follow, or a record lacks something";
-
-constexpr const char* kCommands = "devices, show, set, leds, demo, doctor, config and record";
-constexpr const char* kCommandsWithoutLayer = "devices, show, set, leds, demo, doctor and config";
-constexpr const char* kWithoutLayer =
-    "\n\nHere it drives this computer alone: to simulate notebooks (--machine), to trace exchanges (--trace) and to "
+constexpr const char* kFooterWithoutLayer =
+    "Exit codes:\n"
+    "  0  done\n"
+    "  1  the plug-in or the output failed\n"
+    "  2  wrong command line; nothing was sent\n"
+    "  3  no such device, or nothing to light\n"
+    "  4  the plug-in logged a failure; without its log nothing tells whether firmware or keyboard refused\n"
+    "\n"
+    "Here it drives this computer alone: to simulate notebooks (--machine), to trace exchanges (--trace) and to "
     "record\n"
     "machines (record) is for zarnctl on Linux.";
 
@@ -32,6 +37,7 @@ constexpr const char* kWithoutLayer =
 struct Typed {
   std::string device;
   std::string file;
+  std::string plugin;
   std::string mode;
   std::optional<std::string> speed;
   std::optional<std::string> brightness;
@@ -44,11 +50,11 @@ class CommandLine {
  public:
   CommandLine() {
     app_.set_version_flag("--version", "zarnctl " ZARN_VERSION);
-    app_.footer(kFooter);
+    app_.footer(Hardware::HasOurLayer() ? kFooter : kFooterWithoutLayer);
     app_.fallthrough();
     app_.require_subcommand(1);
     if (Hardware::HasOurLayer()) AddLayerOptions();
-    app_.add_option("--plugin", arguments_.plugin, "lighting plug-in to load instead of our own")->type_name("FILE");
+    app_.add_option("--plugin", typed_.plugin, "lighting plug-in to load instead of our own")->type_name("FILE");
 
     // After the application's own settings, which commands take over when they are added.
     app_.add_subcommand("devices", "list the lighting devices");
@@ -66,19 +72,17 @@ class CommandLine {
     app_.add_subcommand("demo", "walk through all modes of all devices");
     app_.add_subcommand("doctor", "tell what discovery depends on, what is missing, and what to do");
     app_.add_subcommand("config", "show what is set, and where");
-    if (!Hardware::HasOurLayer()) {
-      app_.footer(std::string(kFooter) + kWithoutLayer);
-      return;
-    }
+    if (!Hardware::HasOurLayer()) return;
     app_.add_subcommand("record", "write what this machine answers as a profile")
         ->add_option("FILE", typed_.file, "file to write, which must not be there yet")
         ->required()
         ->type_name("");
   }
 
-  std::optional<Arguments> Read(int argc, const char* const* argv) {
+  std::optional<Arguments> Read(std::vector<std::string> words) {
     try {
-      app_.parse(argc, argv);
+      std::ranges::reverse(words);  // it takes them from the end
+      app_.parse(std::move(words));
     } catch (const CLI::Success& help_or_version) {
       app_.exit(help_or_version);
       return std::nullopt;
@@ -92,6 +96,7 @@ class CommandLine {
     } catch (const CLI::ParseError& error) {
       throw Complaint(ExitCode::WrongCommandLine, Explained(error));
     }
+    arguments_.plugin = PathFromUtf8(typed_.plugin);
     arguments_.command = ReadCommand();
     return arguments_;
   }
@@ -130,7 +135,11 @@ class CommandLine {
   std::string NoCommand() const {
     const std::vector<std::string> strangers = app_.remaining();
     const std::string what = strangers.empty() ? "a command is missing" : strangers.front() + ": no such command";
-    return what + "; the commands are " + (Hardware::HasOurLayer() ? kCommands : kCommandsWithoutLayer);
+    std::vector<std::string> commands;
+    for (const CLI::App* command : app_.get_subcommands([](const CLI::App* /*any*/) { return true; })) {
+      commands.push_back(command->get_name());
+    }
+    return what + "; use " + Alternatives(commands);
   }
 
   Command ReadCommand() const {
@@ -171,6 +180,6 @@ class CommandLine {
 
 }  // namespace
 
-std::optional<Arguments> ReadArguments(int argc, const char* const* argv) { return CommandLine().Read(argc, argv); }
+std::optional<Arguments> ReadArguments(std::vector<std::string> words) { return CommandLine().Read(std::move(words)); }
 
 }  // namespace zarnctl

@@ -41,7 +41,8 @@ struct Arguments {
   Command command;
 };
 
-/// Nothing when --help or --version was all that was asked for, and has been answered. Throws Complaint.
-std::optional<Arguments> ReadArguments(int argc, const char* const* argv);
+/// Reads the words behind the program's name, in UTF-8. Nothing when --help or --version was all that was asked for,
+/// and has been answered. Throws Complaint.
+std::optional<Arguments> ReadArguments(std::vector<std::string> words);
 
 }  // namespace zarnctl

@@ -2,11 +2,12 @@
 
 #include "zarnctl/log_watch.h"
 #include "zarnctl/switches.h"
+#include "zarnctl/text.h"
 
 namespace zarnctl {
 
 std::string Config() {
-  return "logging: " + StateOf(kLogSwitch) + "\nlog folder: " + LogFolderPath().string() +
+  return "logging: " + StateOf(kLogSwitch) + "\nlog folder: " + Utf8FromPath(LogFolderPath()) +
          "\nhybrid mode: " + StateOf(kHybridSwitch) + "\n";
 }
 

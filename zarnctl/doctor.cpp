@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <memory>
 #include <new>
-#include <optional>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -32,12 +31,6 @@ bool Contains(const std::vector<std::string>& names, const std::string& name) {
   return std::ranges::count(names, name) != 0;
 }
 
-/// What a line of the log says, without time and place, if it says that something went wrong.
-std::optional<std::string> FailureIn(const std::string& line) {
-  if (!line.starts_with("[ERROR]") && line.find("fail") == std::string::npos) return std::nullopt;
-  return line.substr(line.rfind(" | ") + 3);
-}
-
 class Examination {
  public:
   Examination(const Symptoms& symptoms, const Remedies& remedies) : symptoms_(symptoms), remedies_(remedies) {}
@@ -45,14 +38,10 @@ class Examination {
   void ExamineLogging() {
     const std::string state = "logging: " + StateOf(kLogSwitch);
     if (!IsOn(kLogSwitch)) return Add(Kind::Note, state + ", the plug-in writes no log", remedies_.switches);
-    const std::string folder = LogFolderPath().string();
+    const std::string folder = Utf8FromPath(LogFolderPath());
     if (symptoms_.log.empty()) return Add(Kind::Missing, state + ", but nothing was written to " + folder);
     Add(Kind::Fine, state + ", in " + folder);
-    std::set<std::string> told;
-    for (const std::string& line : symptoms_.log) {
-      const std::optional<std::string> failure = FailureIn(line);
-      if (failure && told.insert(*failure).second) Add(Kind::Note, "log: " + *failure);
-    }
+    for (const std::string& failure : FailuresIn(symptoms_.log)) Add(Kind::Note, "log: " + failure);
   }
 
   void ExamineHybridMode() {

@@ -40,10 +40,10 @@ class Hardware {
 
   /// One line for each way in which the firmware or a HID keyboard refused or did not answer.
   std::vector<std::string> TakeRefusals();
-  /// Whether it is known what was sent and what failed.
-  static bool SeesExchanges();
+  /// Whether it is known what failed.
+  static bool SeesFailures();
   /// The refusals; without any, one line when the lights of the device are not those of its active mode, where it says
-  /// `records` of itself, or nothing was sent. Empty when all is well.
+  /// `records` of itself, or nothing was sent. Empty when all is well, as far as that is known.
   std::vector<std::string> TakeFaults(const std::string& device, const ControllerRecords& records);
   /// Whether the lights of the device are those of its active mode, as far as they can be seen.
   bool Shows(const std::string& device, const ControllerRecords& records) const;

@@ -16,6 +16,16 @@ fs::path LogFolderPath() {
   return fs::path(folder).make_preferred();
 }
 
+std::vector<std::string> FailuresIn(const std::vector<std::string>& lines) {
+  std::vector<std::string> failures;
+  for (const std::string& line : lines) {
+    if (!line.starts_with("[ERROR]") && line.find("fail") == std::string::npos) continue;
+    const std::string failure = line.substr(line.rfind(" | ") + 3);
+    if (std::ranges::count(failures, failure) == 0) failures.push_back(failure);
+  }
+  return failures;
+}
+
 std::vector<std::string> LogWatch::NewLines() const {
   std::vector<std::string> lines;
   for (const auto& [path, end] : Ends()) {

@@ -12,6 +12,9 @@ namespace zarnctl {
 /// The folder of the log's files; empty when it cannot be told.
 std::filesystem::path LogFolderPath();
 
+/// What lines of the log tell of things that went wrong, without time and place, each once.
+std::vector<std::string> FailuresIn(const std::vector<std::string>& lines);
+
 /// Remembers where the log ends when it is made.
 class LogWatch {
  public:

@@ -67,6 +67,13 @@ std::string Alternatives(const std::vector<std::string>& names) {
   return text;
 }
 
+std::filesystem::path PathFromUtf8(std::string_view text) { return std::u8string(text.begin(), text.end()); }
+
+std::string Utf8FromPath(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
 bool EqualWithoutCase(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](char left, char right) { return LowerCase(left) == LowerCase(right); });

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +25,10 @@ std::uint32_t ReadNumber(std::string_view what, std::string_view text);
 std::string Counted(std::size_t count, std::string_view noun);
 /// "a, b or c"
 std::string Alternatives(const std::vector<std::string>& names);
+
+/// A path and its text in UTF-8, whatever the system's own is.
+std::filesystem::path PathFromUtf8(std::string_view text);
+std::string Utf8FromPath(const std::filesystem::path& path);
 
 bool EqualWithoutCase(std::string_view a, std::string_view b);
 

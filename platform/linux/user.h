@@ -1,10 +1,9 @@
-/// The user that runs the process: name, folders, environment.
+/// The user that runs the process: name and folders.
 #pragma once
 
 #include <filesystem>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace platform {
 
@@ -14,9 +13,5 @@ std::optional<std::filesystem::path> UserFolder(const char* variable, const char
 
 /// The name of the user that runs the process, in UTF-8; nothing when it cannot be told.
 std::optional<std::string> CurrentUser();
-
-/// A variable of the process's environment. PROGRAMDATA, where the environment has none or one that is no path from the
-/// root, is zarn in the user's folder for states ($XDG_STATE_HOME, or ~/.local/state).
-std::optional<std::wstring> ProcessVariable(std::wstring_view name);
 
 }  // namespace platform

@@ -134,6 +134,11 @@ class Machine {
 /// A machine that stands for this computer; each system has its own.
 std::shared_ptr<Machine> MakeThisComputer();
 
+/// A variable of the process's environment, for machines that have none of their own; nothing where the platform's own
+/// calls answer. PROGRAMDATA, where the environment has none or one that is no path from the root, is zarn in the user's
+/// folder for states ($XDG_STATE_HOME, or ~/.local/state).
+std::optional<std::wstring> ProcessVariable(std::wstring_view name);
+
 /// Puts `machine` under the layer, for the whole process. Refuses (false) while anything that platform calls
 /// handed out is still alive. Until the first call the process runs on this computer.
 bool UseMachine(std::shared_ptr<Machine> machine);

@@ -13,21 +13,35 @@ wchar_t LowerCase(wchar_t character) {
 
 }  // namespace
 
-Utf8Character EncodeUtf8(wchar_t character) {
-  const auto code = static_cast<char32_t>(character);
-  const auto lead = [code](std::uint32_t mark, unsigned shift) { return static_cast<char>(mark | (code >> shift)); };
-  const auto tail = [code](unsigned shift) { return static_cast<char>(0x80U | ((code >> shift) & 0x3FU)); };
-  if (code < 0x80) return {{lead(0, 0)}, 1};
-  if (code < 0x800) return {{lead(0xC0, 6), tail(0)}, 2};
-  if (code >= 0xD800 && code <= 0xDFFF) return {};
-  if (code < 0x10000) return {{lead(0xE0, 12), tail(6), tail(0)}, 3};
-  if (code <= 0x10FFFF) return {{lead(0xF0, 18), tail(12), tail(6), tail(0)}, 4};
+Utf8Character EncodeUtf8(char32_t character) {
+  const auto lead = [character](std::uint32_t mark, unsigned shift) {
+    return static_cast<char>(mark | (character >> shift));
+  };
+  const auto tail = [character](unsigned shift) { return static_cast<char>(0x80U | ((character >> shift) & 0x3FU)); };
+  if (character < 0x80) return {{lead(0, 0)}, 1};
+  if (character < 0x800) return {{lead(0xC0, 6), tail(0)}, 2};
+  if (character >= 0xD800 && character <= 0xDFFF) return {};
+  if (character < 0x10000) return {{lead(0xE0, 12), tail(6), tail(0)}, 3};
+  if (character <= 0x10FFFF) return {{lead(0xF0, 18), tail(12), tail(6), tail(0)}, 4};
   return {};
 }
 
+char32_t TakeCharacter(std::wstring_view& text) {
+  const auto first = static_cast<char32_t>(text.front());
+  text.remove_prefix(1);
+  if constexpr (sizeof(wchar_t) == sizeof(char16_t)) {
+    const char32_t second = text.empty() ? 0 : static_cast<char32_t>(text.front());
+    if (first >= 0xD800 && first <= 0xDBFF && second >= 0xDC00 && second <= 0xDFFF) {
+      text.remove_prefix(1);
+      return 0x10000 + ((first - 0xD800) << 10U) + (second - 0xDC00);
+    }
+  }
+  return first;
+}
+
 bool AppendUtf8(std::wstring_view text, std::string& utf8) {
-  for (const wchar_t character : text) {
-    const Utf8Character encoded = EncodeUtf8(character);
+  while (!text.empty()) {
+    const Utf8Character encoded = EncodeUtf8(TakeCharacter(text));
     if (encoded.size == 0) return false;
     utf8.append(encoded.units, encoded.size);
   }
@@ -36,15 +50,22 @@ bool AppendUtf8(std::wstring_view text, std::string& utf8) {
 
 std::string ReadableUtf8(std::wstring_view text) {
   std::string utf8;
-  for (const wchar_t character : text) {
-    if (!AppendUtf8({&character, 1}, utf8)) utf8 += '?';
+  while (!text.empty()) {
+    const Utf8Character encoded = EncodeUtf8(TakeCharacter(text));
+    if (encoded.size == 0) {
+      utf8 += '?';
+    } else {
+      utf8.append(encoded.units, encoded.size);
+    }
   }
   return utf8;
 }
 
 std::wstring WideFromUtf8(std::string_view utf8) {
+  const std::filesystem::path text(std::u8string(utf8.begin(), utf8.end()));
+  if constexpr (sizeof(wchar_t) == sizeof(char16_t)) return text.wstring();
   // By way of char32_t, because the direct way obeys the process's locale.
-  const std::u32string characters = std::filesystem::path(utf8).u32string();
+  const std::u32string characters = text.u32string();
   return {characters.begin(), characters.end()};
 }
 

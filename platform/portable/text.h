@@ -13,7 +13,11 @@ struct Utf8Character {
   std::size_t size;
 };
 
-Utf8Character EncodeUtf8(wchar_t character);
+Utf8Character EncodeUtf8(char32_t character);
+
+/// Takes the first character off `text`, which is not empty. Where wide characters have 16 bits, a pair of surrogates
+/// is one.
+char32_t TakeCharacter(std::wstring_view& text);
 
 /// Whether all of `text` could be converted and was appended to `utf8`; at least its beginning was.
 bool AppendUtf8(std::wstring_view text, std::string& utf8);

@@ -19,8 +19,8 @@ int Refuse(LONG error) {
 /// Writes as much as fits; a `size` of 0 only measures.
 int ConvertToUtf8(std::wstring_view wide, LPSTR narrow, int size) {
   std::size_t length = 0;
-  for (const wchar_t character : wide) {
-    const Utf8Character encoded = EncodeUtf8(character);
+  while (!wide.empty()) {
+    const Utf8Character encoded = EncodeUtf8(TakeCharacter(wide));
     if (encoded.size == 0) return Refuse(ERROR_NO_UNICODE_TRANSLATION);
     if (size != 0) {
       if (length + encoded.size > static_cast<std::size_t>(size)) return Refuse(ERROR_INSUFFICIENT_BUFFER);

@@ -6,7 +6,6 @@
 #include <new>
 #include <vector>
 
-#include "platform/linux/user.h"
 #include "platform/portable/com_object.h"
 #include "platform/portable/device_handles.h"
 #include "platform/portable/empty_machine.h"

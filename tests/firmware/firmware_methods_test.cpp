@@ -51,11 +51,15 @@ TEST_F(FirmwareMethods, EachSendsItsInputAndDeliversItsOutput) {
 
 TEST_F(FirmwareMethods, LedQueryDeliversReturnByteAndOutputBytes) {
   const Bytes output = Hex("10 11 12 13 14 15 16 17 18 19 1a 1b");
-  Answer({{L"gmReturn", std::uint64_t{0xFFFFFF08}}, {L"gmOutput", output}});
-  std::vector<std::uint8_t> buffer(11, 0xEE);
-  EXPECT_EQ(GetGamingLED(buffer.data(), 11), 1);
-  EXPECT_EQ(buffer, Hex("08 10 11 12 13 14 15 16 17 18 19"));
-  EXPECT_EQ(TheCall(), (FirmwareCall{L"ACPI\\ZARN\\0_0", L"GetGamingLED", std::wstring(L"16")}));
+  std::vector<std::uint8_t> buffer;
+  // Numbers of 64 bits come as text from the management service.
+  for (const Value& gm_return : {Value(std::uint64_t{0xFFFFFF08}), Value(std::wstring(L"4294967048"))}) {
+    Answer({{L"gmReturn", gm_return}, {L"gmOutput", output}});
+    buffer.assign(11, 0xEE);
+    EXPECT_EQ(GetGamingLED(buffer.data(), 11), 1);
+    EXPECT_EQ(buffer, Hex("08 10 11 12 13 14 15 16 17 18 19"));
+    EXPECT_EQ(TheCall(), (FirmwareCall{L"ACPI\\ZARN\\0_0", L"GetGamingLED", std::wstring(L"16")}));
+  }
 
   buffer.assign(16, 0xEE);  // longer than what comes
   EXPECT_EQ(GetGamingLED(buffer.data(), 16), 1);

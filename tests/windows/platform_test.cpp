@@ -28,7 +28,12 @@ namespace {
 
 /// Deletes what a test has set below the service's key.
 class RegistryTest : public testing::Test {
+ public:
+  RegistryTest(const RegistryTest&) = delete;
+  RegistryTest& operator=(const RegistryTest&) = delete;
+
  protected:
+  RegistryTest() = default;
   ~RegistryTest() override { RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\OEM\\ZarnLightingService"); }
 
   static void Set(const ServiceSwitch& service_switch, DWORD type, const std::vector<std::uint8_t>& bytes) {
@@ -45,7 +50,9 @@ TEST_F(RegistryTest, ASwitchIsOnWhenItsFourBytesAreAOneWhateverTheType) {
   EXPECT_FALSE(IsOn(kHybridSwitch)) << "no key";
   Set(kLogSwitch, REG_DWORD, {1, 0, 0, 0});
   EXPECT_FALSE(IsOn(kHybridSwitch)) << "no value";
-  for (const DWORD type : {REG_DWORD, REG_BINARY, REG_SZ, REG_NONE, REG_QWORD}) {
+  constexpr std::array<DWORD, 8> kTypes = {REG_DWORD,     REG_DWORD_BIG_ENDIAN, REG_BINARY, REG_SZ,
+                                           REG_EXPAND_SZ, REG_MULTI_SZ,         REG_NONE,   REG_QWORD};
+  for (const DWORD type : kTypes) {
     const auto is_on = [type](const std::vector<std::uint8_t>& bytes) {
       Set(kHybridSwitch, type, bytes);
       return IsOn(kHybridSwitch);
@@ -55,7 +62,8 @@ TEST_F(RegistryTest, ASwitchIsOnWhenItsFourBytesAreAOneWhateverTheType) {
     EXPECT_FALSE(is_on({1, 0, 0, 1})) << type;
     EXPECT_FALSE(is_on({1, 0, 0, 0, 0, 0, 0, 0})) << type;
     EXPECT_FALSE(is_on({1})) << type;
-    EXPECT_EQ(is_on({1, 0}), type == REG_SZ) << type << ": the platform ends a text that has no end";
+    const bool is_text = type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
+    EXPECT_EQ(is_on({1, 0}), is_text) << type << ": the platform ends a text that has no end";
     EXPECT_FALSE(is_on({})) << type;
   }
 }
@@ -127,6 +135,8 @@ TEST(Dll, ServesAHostByNameAndSlot) {
   CallSlot(device.get(), 30);
   CallSlot(device.get(), 32);
   EXPECT_EQ(device->CurrentModeIndex(), 0);
+  device->AddChangeListener([](void* /*context*/) { throw std::runtime_error("a host's own"); }, nullptr);
+  EXPECT_THROW(device->NotifyChangeListeners(), std::runtime_error) << "it passes through the library";
 }
 
 TEST(Hid, DevicesOfTheSystemAreEnumeratedOpenedAndAsked) {
@@ -167,6 +177,25 @@ TEST(ManagementService, AnswersWithoutOurFirmwareAreFailures) {
   EXPECT_EQ(SetGamingKBBacklight(packet.data(), &output), 0);
   EXPECT_EQ(output, 7U);
   EXPECT_EQ(SetGamingRgbKb(1), 0);
+}
+
+TEST(ManagementService, AThreadWithoutComHasNoneAfterwards) {
+  const Plugin plugin;
+  std::thread([&plugin] {
+    const auto has_com = [] {
+      APTTYPE type{};
+      APTTYPEQUALIFIER qualifier{};
+      return CoGetApartmentType(&type, &qualifier) != CO_E_NOTINITIALIZED;
+    };
+    EXPECT_FALSE(has_com());
+    plugin.Discover();
+    EXPECT_FALSE(has_com());
+    const auto device = plugin.Create("ZarnECKeyboard");
+    EXPECT_FALSE(has_com());
+    device->WriteColorsToDevice();
+    device->WriteModeToDevice();
+    EXPECT_FALSE(has_com());
+  }).join();
 }
 
 TEST(ManagementService, AThreadThatLivesInASingleThreadedApartmentStaysThere) {

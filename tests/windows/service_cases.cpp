@@ -1,4 +1,4 @@
-/// What shows on the platform's own COM alone: apartments, and how calls through a proxy authenticate.
+/// What shows on the platform itself alone: apartments, how calls through a proxy authenticate, handles.
 
 #include "platform/portable/instruments.h"
 #include "platform/windows/management_service.h"
@@ -9,6 +9,10 @@ namespace test {
 namespace {
 
 class ServiceCase : public Case {
+ public:
+  ServiceCase(const ServiceCase&) = delete;
+  ServiceCase& operator=(const ServiceCase&) = delete;
+
  protected:
   /// What the service's proxies were told, a line for each time.
   Lines blankets;
@@ -44,6 +48,25 @@ TEST_F(ServiceCase, AHostsThreadMayLiveInASingleThreadedApartment) {
     CoUninitialize();
   }).join();
   EXPECT_EQ(notebook->Lights().effect->code, 3);
+}
+
+TEST_F(ServiceCase, UseLeavesNoHandleOfThePlatformOpen) {
+  Start("hybrid");
+  const auto use = [this] {
+    EXPECT_EQ(Discover().count, 3);
+    for (const std::string name : {"ZarnECGlobal", "ZarnECKeyboard", "ZarnHIDKeyboard"}) {
+      const Device device = Create(name);
+      device->ChooseMode(1);
+      device->WriteColorsToDevice();
+    }
+    DWORD handles = 0;
+    EXPECT_TRUE(GetProcessHandleCount(GetCurrentProcess(), &handles));
+    return handles;
+  };
+  use();  // what the platform keeps for itself is there from here on
+  const DWORD before = use();
+  for (int i = 0; i < 10; ++i) use();
+  EXPECT_EQ(use(), before);
 }
 
 }  // namespace

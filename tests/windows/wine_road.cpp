@@ -34,7 +34,9 @@ class NotebookInFiles final : public platform::EmptyMachine {
   std::optional<platform::FirmwareClass> FindFirmwareClass() override { return machine_->FindFirmwareClass(); }
   platform::FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,
                                         const platform::NamedValues& in) override {
-    return machine_->CallFirmware(instance_name, method, in);
+    platform::FirmwareAnswer answer = machine_->CallFirmware(instance_name, method, in);
+    for (auto& [name, value] : answer.out) value = AsTheServiceHasIt(std::move(value));
+    return answer;
   }
 
   std::vector<platform::HidDevice> HidDevices() override {
@@ -58,6 +60,13 @@ class NotebookInFiles final : public platform::EmptyMachine {
   }
 
  private:
+  /// Windows' service has signed numbers for unsigned ones of 32 bits, and text for those of 64.
+  static platform::Value AsTheServiceHasIt(platform::Value value) {
+    if (const auto* const number = std::get_if<std::uint32_t>(&value)) return static_cast<std::int32_t>(*number);
+    if (const auto* const number = std::get_if<std::uint64_t>(&value)) return std::to_wstring(*number);
+    return value;
+  }
+
   platform::HidDevice DeviceAt(std::size_t index, const fs::path& path) const {
     const simulator::HidKeyboard& keyboard = notebook_->HidKeyboardAt(index);
     return {path.wstring(), keyboard.settings().vendor, keyboard.settings().product, 0x0100,
@@ -66,8 +75,9 @@ class NotebookInFiles final : public platform::EmptyMachine {
 
   static void MakeFiles(const platform::HidDevice& device) {
     const std::size_t count = platform::ParseReportDescriptor(device.report_descriptor).collections.size();
-    std::ofstream(fs::path(device.path));
-    for (std::size_t i = 1; i <= count; ++i) std::ofstream(fs::path(device.path + L"&col0" + std::to_wstring(i)));
+    std::ofstream file(fs::path(device.path));
+    for (std::size_t i = 1; i <= count; ++i)
+      file = std::ofstream(fs::path(device.path + L"&col0" + std::to_wstring(i)));
   }
 
   const std::shared_ptr<simulator::Notebook> notebook_;

@@ -60,7 +60,7 @@ class CommandLine : public testing::Test {
 };
 
 TEST_F(CommandLine, WrongOnesGetOneLineAndExitWithTwo) {
-  const std::string commands = "; the commands are devices, show, set, leds, demo, doctor, config and record";
+  const std::string commands = "; use devices, show, set, leds, demo, doctor, config or record";
   const std::string help = "; see 'zarnctl --help'";
   ExpectComplaint("", 2, "a command is missing" + commands);
   ExpectComplaint("paint", 2, "paint: no such command" + commands);

@@ -134,7 +134,7 @@ Hardware::~Hardware() { platform::SetJournal({}); }
 
 bool Hardware::HasOurLayer() { return true; }
 
-bool Hardware::SeesExchanges() { return true; }
+bool Hardware::SeesFailures() { return true; }
 
 std::vector<std::string> Hardware::RecordMachine(const fs::path& file) {
   const Recording recording = Record(*platform::CurrentMachine());

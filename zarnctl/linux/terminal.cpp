@@ -29,6 +29,15 @@ std::array<struct sigaction, kEndingSignals.size()> g_dispositions;
 
 }  // namespace
 
+std::vector<std::string> TypedWords(int argc, const char* const* argv) {
+  return argc > 0 ? std::vector<std::string>(argv + 1, argv + argc) : std::vector<std::string>();
+}
+
+// It does that by itself here.
+Utf8Terminal::Utf8Terminal() = default;
+
+Utf8Terminal::~Utf8Terminal() = default;
+
 bool StdoutShowsColors() {
   const char* const no_color = std::getenv("NO_COLOR");
   const char* const terminal = std::getenv("TERM");

@@ -1,16 +1,21 @@
 #include "zarnctl/hardware.h"
 
+#include "log/service_switch.h"
 #include "zarnctl/complaint.h"
+#include "zarnctl/log_watch.h"
 
 namespace zarnctl {
 
-Hardware::Hardware(const std::string& /*machine*/, bool /*trace*/) {}
+/// What is exchanged cannot be seen here, but the plug-in logs what failed.
+class ExchangeWatch : public LogWatch {};
+
+Hardware::Hardware(const std::string& /*machine*/, bool /*trace*/) : watch_(std::make_shared<ExchangeWatch>()) {}
 
 Hardware::~Hardware() = default;
 
 bool Hardware::HasOurLayer() { return false; }
 
-bool Hardware::SeesExchanges() { return false; }
+bool Hardware::SeesFailures() { return IsOn(kLogSwitch); }
 
 std::vector<std::string> Hardware::RecordMachine(const std::filesystem::path& /*file*/) {
   throw Complaint(ExitCode::WrongCommandLine, "record: Windows hands out no report descriptors");
@@ -20,10 +25,16 @@ std::string Hardware::Name() const { return "this computer"; }
 
 std::vector<Panel> Hardware::Panels() const { return {}; }
 
-std::vector<std::string> Hardware::TakeRefusals() { return {}; }
+std::vector<std::string> Hardware::TakeRefusals() {
+  // Discovery and construction log as failures, too, what a notebook just does not have.
+  *watch_ = {};
+  return {};
+}
 
 std::vector<std::string> Hardware::TakeFaults(const std::string& /*device*/, const ControllerRecords& /*records*/) {
-  return {};
+  std::vector<std::string> failures = FailuresIn(watch_->NewLines());
+  *watch_ = {};
+  return failures;
 }
 
 bool Hardware::Shows(const std::string& /*device*/, const ControllerRecords& /*records*/) const { return true; }

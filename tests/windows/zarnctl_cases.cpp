@@ -1,0 +1,70 @@
+/// zarnctl as it is on Windows, over the notebook.
+
+#include <iostream>
+#include <sstream>
+
+#include "log/service_switch.h"
+#include "platform/registry.h"
+#include "tests/cases/case.h"
+#include "zarnctl/session.h"
+
+namespace test {
+namespace {
+
+using zarnctl::ExitCode;
+
+/// What one run said, stdout before stderr.
+struct Said {
+  ExitCode code = ExitCode::Failed;
+  std::string text;
+};
+
+Said Zarnctl(std::vector<std::string> words) {
+  std::ostringstream out;
+  std::ostringstream errors;
+  std::streambuf* const stdout_before = std::cout.rdbuf(out.rdbuf());
+  std::streambuf* const stderr_before = std::cerr.rdbuf(errors.rdbuf());
+  words.insert(words.begin(), {"--plugin", ZARN_LIGHTING_PATH});
+  const ExitCode code = zarnctl::Run(std::move(words));
+  std::cout.rdbuf(stdout_before);
+  std::cerr.rdbuf(stderr_before);
+  return {code, out.str() + errors.str()};
+}
+
+class ZarnctlCase : public Case {
+ protected:
+  static Said SetRed() { return Zarnctl({"set", "zarnhidkeyboard", "--mode", "static", "--color", "ff0000"}); }
+};
+
+TEST_F(ZarnctlCase, DrivesAKeyboardAndTellsWhatTheLogKnows) {
+  Start(HidProfile(2, 1));
+  EXPECT_EQ(Zarnctl({"devices"}).text,
+            "ZarnHIDKeyboard: Zarn HID Keyboard Device, 1 zone, 2 LEDs, 2 modes\n"
+            "interface type 1, hardware id USB\\VID_1209&PID_0001, usage page FF5A\n");
+  Said said = SetRed();
+  EXPECT_EQ(said.code, ExitCode::Done);
+  EXPECT_EQ(said.text, "ZarnHIDKeyboard: STATIC\n");
+  EXPECT_EQ(Keyboard().Lights().zones.at(1).color, (simulator::Color{255, 0, 0}));
+
+  Keyboard().Misbehave({.kind = HidKeyboard::Misbehaviour::Kind::Fail, .first = 3});
+  said = SetRed();
+  EXPECT_EQ(said.code, ExitCode::LightsDiffer);
+  EXPECT_EQ(said.text,
+            "ZarnHIDKeyboard: STATIC\n"
+            "zarnctl: Error setting feature on HID device: 31\n"
+            "zarnctl: Error setting feature on HID device\n");
+  Keyboard().Misbehave({.first = 0});
+
+  HKEY key = nullptr;
+  ASSERT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, kLogSwitch.key, 0, KEY_WRITE, &key), ERROR_SUCCESS);
+  EXPECT_EQ(RegDeleteValueW(key, kLogSwitch.value), ERROR_SUCCESS);
+  RegCloseKey(key);
+  said = SetRed();
+  EXPECT_EQ(said.code, ExitCode::Done);
+  EXPECT_EQ(said.text,
+            "ZarnHIDKeyboard: STATIC, handed to the plug-in; what came of it would be in its log, which is off: see "
+            "'zarnctl config'\n");
+}
+
+}  // namespace
+}  // namespace test
