@@ -36,12 +36,19 @@ class ZarnctlCase : public Case {
   static Said SetRed() { return Zarnctl({"set", "zarnhidkeyboard", "--mode", "static", "--color", "ff0000"}); }
 };
 
-TEST_F(ZarnctlCase, DrivesAKeyboardAndTellsWhatTheLogKnows) {
-  Start(HidProfile(2, 1));
+TEST_F(ZarnctlCase, DrivesKeyboardsAndTellsWhatTheLogKnows) {
+  Start("hybrid");
   EXPECT_EQ(Zarnctl({"devices"}).text,
-            "ZarnHIDKeyboard: Zarn HID Keyboard Device, 1 zone, 2 LEDs, 2 modes\n"
-            "interface type 1, hardware id USB\\VID_1209&PID_0001, usage page FF5A\n");
-  Said said = SetRed();
+            "ZarnECGlobal: Zarn Global Device, 1 zone, 1 LED, 9 modes\n"
+            "ZarnECKeyboard: Zarn EC Keyboard Device, 1 zone, 4 LEDs, 9 modes\n"
+            "ZarnHIDKeyboard: Zarn HID Keyboard Device, 1 zone, 16 LEDs, 14 modes\n"
+            "interface type 3\n");
+  Said said = Zarnctl({"leds", "ZarnECKeyboard", "00ff00"});
+  EXPECT_EQ(said.code, ExitCode::Done);
+  EXPECT_EQ(said.text, "ZarnECKeyboard: Direct\n");
+  EXPECT_EQ(notebook->Lights().zones.at(3).color, (simulator::Color{0, 255, 0}));
+
+  said = SetRed();
   EXPECT_EQ(said.code, ExitCode::Done);
   EXPECT_EQ(said.text, "ZarnHIDKeyboard: STATIC\n");
   EXPECT_EQ(Keyboard().Lights().zones.at(1).color, (simulator::Color{255, 0, 0}));
