@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -22,7 +23,7 @@
 namespace {
 
 #if defined(_WIN32)
-void* Load(const char* path) { return LoadLibraryA(path); }
+void* Load(const char* path) { return LoadLibraryW(std::filesystem::absolute(path).c_str()); }
 void* AddressOf(void* library, const std::string& name) {
   return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name.c_str()));
 }

@@ -3,9 +3,10 @@
 
 #include <filesystem>
 #include <string>
-#include <system_error>
 
 #if defined(_WIN32)
+#include <array>
+
 #include "platform/windows.h"
 #else
 #include <dlfcn.h>
@@ -30,8 +31,8 @@ class Library {
   /// Leaves the library loaded to the end of the process.
   void Keep() { kept_ = true; }
 
-  // Find: the address of an export; null when there is none of that name. Error: why the file at `path` was not loaded, in
-  // UTF-8.
+  // Find: the address of an export; null when there is none of that name. Error: why the file at `path` was not loaded,
+  // in UTF-8.
 
 #if defined(_WIN32)
   void* Find(const std::string& name) const {
@@ -39,9 +40,12 @@ class Library {
   }
 
   static std::string Error(const std::filesystem::path& path) {
-    const std::string why = std::system_category().message(static_cast<int>(GetLastError()));
-    const std::u8string name = path.u8string();
-    return std::string(name.begin(), name.end()) + ": " + why;
+    const DWORD error = GetLastError();
+    std::array<wchar_t, 512> why{};
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK, nullptr,
+                   error, 0, why.data(), static_cast<DWORD>(why.size()), nullptr);
+    const std::u8string text = path.u8string() + u8": " + std::filesystem::path(why.data()).u8string();
+    return std::string(text.begin(), text.end()) + "(error " + std::to_string(error) + ")";
   }
 
  private:

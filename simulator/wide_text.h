@@ -1,4 +1,5 @@
-/// UTF-8, as files and the computer's environment have it, on its way to the platform's wide characters.
+/// What the platform layer has, too, but the simulator knows none: UTF-8, as files and the computer's environment have
+/// it, on its way to the platform's wide characters.
 #pragma once
 
 #include <filesystem>

@@ -27,7 +27,7 @@ constexpr const char* kFooterWithoutLayer =
     "  1  the plug-in or the output failed\n"
     "  2  wrong command line; nothing was sent\n"
     "  3  no such device, or nothing to light\n"
-    "  4  the plug-in logged a failure; without its log nothing tells whether firmware or keyboard refused\n"
+    "  4  the plug-in logged that firmware or keyboard refused, which it does not do in all cases\n"
     "\n"
     "Here it drives this computer alone: to simulate notebooks (--machine), to trace exchanges (--trace) and to "
     "record\n"

@@ -1,5 +1,5 @@
 /// What the plug-in drives, as far as zarnctl can see it: a simulated notebook, whose lights it looks at, or this
-/// computer, of which it knows what was sent and what failed.
+/// computer, of which it knows what was sent and what failed, or, on Windows, what the plug-in logs of that.
 #pragma once
 
 #include <chrono>
@@ -15,7 +15,7 @@
 
 namespace zarnctl {
 
-class ExchangeWatch;
+class FailureWatch;
 
 /// One at a time, for the rest of the process. The refusals and faults of one time are those since the time before.
 class Hardware {
@@ -38,10 +38,12 @@ class Hardware {
   /// What is lit; nothing where that cannot be seen.
   std::vector<Panel> Panels() const;
 
-  /// One line for each way in which the firmware or a HID keyboard refused or did not answer.
+  /// One line for each way in which the firmware or a HID keyboard refused or did not answer; none on Windows, where
+  /// the log also calls a failure what a notebook just does not have.
   std::vector<std::string> TakeRefusals();
-  /// Whether it is known what failed.
-  static bool SeesFailures();
+  /// Why the faults may not tell all that went wrong with the device, as the end of a sentence about the plug-in; empty
+  /// where they do. Ask before they are taken.
+  std::string Doubt(const std::string& device) const;
   /// The refusals; without any, one line when the lights of the device are not those of its active mode, where it says
   /// `records` of itself, or nothing was sent. Empty when all is well, as far as that is known.
   std::vector<std::string> TakeFaults(const std::string& device, const ControllerRecords& records);
@@ -61,7 +63,7 @@ class Hardware {
 
  private:
   std::shared_ptr<simulator::Notebook> notebook_;  // null: this computer
-  std::shared_ptr<ExchangeWatch> watch_;
+  std::shared_ptr<FailureWatch> watch_;
 };
 
 }  // namespace zarnctl

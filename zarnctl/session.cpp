@@ -169,12 +169,9 @@ class Session {
     device.Push();
     const ControllerRecords records = device.Describe();
     if (!hardware_.HasVisibleLights()) {
-      std::cout
-          << name << ": " << records.mode_list.at(static_cast<std::size_t>(records.current_mode)).label
-          << (Hardware::SeesFailures()
-                  ? ""
-                  : ", handed to the plug-in; what came of it would be in its log, which is off: see 'zarnctl config'")
-          << "\n";
+      const std::string doubt = hardware_.Doubt(name);
+      std::cout << name << ": " << records.mode_list.at(static_cast<std::size_t>(records.current_mode)).label
+                << (doubt.empty() ? "" : ", handed to the plug-in, " + doubt) << "\n";
     }
     Draw(records);
     return Report(hardware_.TakeFaults(name, records)) ? ExitCode::LightsDiffer : ExitCode::Done;

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/portable/machine.h"
 #include "platform/portable/text.h"
 
 namespace platform {

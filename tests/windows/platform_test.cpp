@@ -62,6 +62,7 @@ TEST_F(RegistryTest, ASwitchIsOnWhenItsFourBytesAreAOneWhateverTheType) {
     EXPECT_FALSE(is_on({1, 0, 0, 1})) << type;
     EXPECT_FALSE(is_on({1, 0, 0, 0, 0, 0, 0, 0})) << type;
     EXPECT_FALSE(is_on({1})) << type;
+    EXPECT_FALSE(is_on({1, 0, 0})) << type;
     const bool is_text = type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
     EXPECT_EQ(is_on({1, 0}), is_text) << type << ": the platform ends a text that has no end";
     EXPECT_FALSE(is_on({})) << type;

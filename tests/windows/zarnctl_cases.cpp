@@ -45,7 +45,8 @@ TEST_F(ZarnctlCase, DrivesKeyboardsAndTellsWhatTheLogKnows) {
             "interface type 3\n");
   Said said = Zarnctl({"leds", "ZarnECKeyboard", "00ff00"});
   EXPECT_EQ(said.code, ExitCode::Done);
-  EXPECT_EQ(said.text, "ZarnECKeyboard: Direct\n");
+  EXPECT_EQ(said.text,
+            "ZarnECKeyboard: Direct, handed to the plug-in, which does not tell whether the firmware took it\n");
   EXPECT_EQ(notebook->Lights().zones.at(3).color, (simulator::Color{0, 255, 0}));
 
   said = SetRed();
@@ -69,7 +70,7 @@ TEST_F(ZarnctlCase, DrivesKeyboardsAndTellsWhatTheLogKnows) {
   said = SetRed();
   EXPECT_EQ(said.code, ExitCode::Done);
   EXPECT_EQ(said.text,
-            "ZarnHIDKeyboard: STATIC, handed to the plug-in; what came of it would be in its log, which is off: see "
+            "ZarnHIDKeyboard: STATIC, handed to the plug-in, whose log would tell what came of it, but is off: see "
             "'zarnctl config'\n");
 }
 

@@ -22,9 +22,9 @@
 namespace zarnctl {
 
 /// Follows the platform's calls for what crosses to the hardware. Any thread may call.
-class ExchangeWatch {
+class FailureWatch {
  public:
-  explicit ExchangeWatch(bool trace) : trace_(trace) {}
+  explicit FailureWatch(bool trace) : trace_(trace) {}
 
   void Note(const platform::JournalEntry& entry) {
     const bool hid = entry.call == "HidD_SetFeature" || entry.call == "HidD_GetFeature";
@@ -126,7 +126,7 @@ std::shared_ptr<simulator::Notebook> OpenNotebook(const std::string& machine) {
 }  // namespace
 
 Hardware::Hardware(const std::string& machine, bool trace)
-    : notebook_(machine.empty() ? nullptr : OpenNotebook(machine)), watch_(std::make_shared<ExchangeWatch>(trace)) {
+    : notebook_(machine.empty() ? nullptr : OpenNotebook(machine)), watch_(std::make_shared<FailureWatch>(trace)) {
   platform::SetJournal([watch = watch_](const platform::JournalEntry& entry) { watch->Note(entry); });
 }
 
@@ -134,7 +134,7 @@ Hardware::~Hardware() { platform::SetJournal({}); }
 
 bool Hardware::HasOurLayer() { return true; }
 
-bool Hardware::SeesFailures() { return true; }
+std::string Hardware::Doubt(const std::string& /*device*/) const { return ""; }
 
 std::vector<std::string> Hardware::RecordMachine(const fs::path& file) {
   const Recording recording = Record(*platform::CurrentMachine());
@@ -149,12 +149,12 @@ std::string Hardware::Name() const {
 std::vector<Panel> Hardware::Panels() const { return HasVisibleLights() ? PanelsOf(*notebook_) : std::vector<Panel>(); }
 
 std::vector<std::string> Hardware::TakeRefusals() {
-  ExchangeWatch::Seen seen = watch_->Take();
+  FailureWatch::Seen seen = watch_->Take();
   return HasVisibleLights() ? FindRefusals(*notebook_) : std::move(seen.failures);
 }
 
 std::vector<std::string> Hardware::TakeFaults(const std::string& device, const ControllerRecords& records) {
-  ExchangeWatch::Seen seen = watch_->Take();
+  FailureWatch::Seen seen = watch_->Take();
   if (HasVisibleLights()) return FindFaults(*notebook_, device, records);
   if (seen.exchanges == 0) return {"nothing was sent to " + device + "; 'zarnctl doctor' tells why"};
   return std::move(seen.failures);

@@ -6,16 +6,22 @@
 
 namespace zarnctl {
 
-/// What is exchanged cannot be seen here, but the plug-in logs what failed.
-class ExchangeWatch : public LogWatch {};
+/// What is exchanged cannot be seen here, but the plug-in logs what fails of it, if not all.
+class FailureWatch : public LogWatch {};
 
-Hardware::Hardware(const std::string& /*machine*/, bool /*trace*/) : watch_(std::make_shared<ExchangeWatch>()) {}
+Hardware::Hardware(const std::string& /*machine*/, bool /*trace*/) : watch_(std::make_shared<FailureWatch>()) {}
 
 Hardware::~Hardware() = default;
 
 bool Hardware::HasOurLayer() { return false; }
 
-bool Hardware::SeesFailures() { return IsOn(kLogSwitch); }
+std::string Hardware::Doubt(const std::string& device) const {
+  if (!IsOn(kLogSwitch)) return "whose log would tell what came of it, but is off: see 'zarnctl config'";
+  const std::vector<std::string> lines = watch_->NewLines();
+  if (lines.empty()) return "which logged nothing of it: see 'zarnctl doctor'";
+  const bool tells_all = device == "ZarnHIDKeyboard" || !FailuresIn(lines).empty();
+  return tells_all ? "" : "which does not tell whether the firmware took it";
+}
 
 std::vector<std::string> Hardware::RecordMachine(const std::filesystem::path& /*file*/) {
   throw Complaint(ExitCode::WrongCommandLine, "record: Windows hands out no report descriptors");
@@ -26,7 +32,6 @@ std::string Hardware::Name() const { return "this computer"; }
 std::vector<Panel> Hardware::Panels() const { return {}; }
 
 std::vector<std::string> Hardware::TakeRefusals() {
-  // Discovery and construction log as failures, too, what a notebook just does not have.
   *watch_ = {};
   return {};
 }
