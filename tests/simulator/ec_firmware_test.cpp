@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/hex.h"
-
 #include <tuple>
 
 namespace simulator {
@@ -32,15 +30,6 @@ struct Firmware {
 
   EcFirmware ec;
 };
-
-TEST(EcFirmwareTest, ZonesAreSwitchedOneByOneAndKeepTheirColours) {
-  Firmware firmware(4);
-  EXPECT_EQ(firmware.Send("SetGamingRgbKb", L"305419777"), "");   // 0x12345601
-  EXPECT_EQ(firmware.Send("SetGamingRgbKb", L"4278190088"), "");  // 0xFF000008
-  EXPECT_EQ(firmware.Send("SetGamingLED", Padded({8, 0, 0, 0, 0, 0x0A})), "");
-  EXPECT_EQ(firmware.ec.Lights().zones,
-            (std::vector<Zone>{{false, {0x56, 0x34, 0x12}}, {true, {}}, {}, {true, {0, 0, 0xFF}}}));
-}
 
 TEST(EcFirmwareTest, EffectRunsUntilTheZonesGetTheirColoursBack) {
   Firmware firmware(1);

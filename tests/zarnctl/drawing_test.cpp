@@ -107,18 +107,6 @@ TEST(DrawnPanel, DividesFifteenKeysBetweenTheZonesScalesThemAndKeepsDarkOnesVisi
   EXPECT_TRUE(DrawnPanel(TwoZones(50), 0).starts_with(Key(144, 32, 88) + " "));
 }
 
-TEST(DrawnPanel, BarIsOneRowAsWideAsAKeyboard) {
-  Panel bar = TwoZones();
-  bar.shape = Panel::Shape::Bar;
-  bar.zones.pop_back();
-  const std::string drawing = DrawnPanel(bar, 0);
-  EXPECT_TRUE(drawing.starts_with("\033[38;2;255;32;144m▇"));
-  EXPECT_TRUE(drawing.ends_with("▇\033[0m\n"));
-  // A block's first byte, or a space, in each of 15 keys' three columns and the gaps between them.
-  const auto count = [&](char byte) { return std::count(drawing.begin(), drawing.end(), byte); };
-  EXPECT_EQ(count('\xE2') + count(' '), 15 * 4 - 1);
-}
-
 TEST(DrawnPanel, EveryEffectWithoutAColourMovesAndIsColourful) {
   for (const std::uint8_t code : std::vector<std::uint8_t>{2, 3, 8, 9, 10, 11}) {
     const auto at = [&](double seconds) { return DrawnPanel(TwoZones(100, Effect{code, 5, 2, {}}), seconds); };
@@ -131,22 +119,6 @@ TEST(DrawnPanel, EveryEffectWithoutAColourMovesAndIsColourful) {
     return DrawnPanel(TwoZones(100, Effect{1, speed, 2, {255, 0, 0}}), 0.3);
   };
   EXPECT_NE(breath(9), breath(1));
-}
-
-TEST(DrawnPanel, MovesInTheDirectionOfTheEffect) {
-  const std::pair<std::uint8_t, const char*> directions[] = {{1, "#######........"},
-                                                             {2, "........#######"},
-                                                             {3, "..............."},
-                                                             {4, "###############"},
-                                                             {5, "....#######...."}};
-  for (const auto& [direction, keys] : directions) {
-    const std::string row = FirstRow(DrawnPanel(TwoZones(30, Effect{4, 5, direction, {255, 255, 255}}), 0));
-    std::string lit;
-    for (std::size_t at = row.find("8;2;"); at != std::string::npos; at = row.find("8;2;", at + 1)) {
-      lit += row.compare(at, 6, "8;2;32") == 0 ? '.' : '#';
-    }
-    EXPECT_EQ(lit, keys) << int{direction};
-  }
 }
 
 ControllerRecords Described(std::int32_t current_mode) {
