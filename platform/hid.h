@@ -7,7 +7,7 @@
 
 // After the main header, which they need. The functions are declared as anybody's, not as another library's, so that
 // tests can have them themselves.
-#define _SETUPAPI_  // NOLINT(bugprone-reserved-identifier,cppcoreguidelines-macro-usage): the header's own
+#define _SETUPAPI_  // NOLINT(bugprone-reserved-identifier): the header's own
 #include <setupapi.h>
 
 extern "C" {
