@@ -8,7 +8,7 @@
 
 #include "firmware/firmware_methods.h"
 #include "firmware/smbios.h"
-#include "platform/portable/empty_machine.h"
+#include "platform/standin/empty_machine.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 
 #include "controller/description_format.h"
 #include "controller/packet_formats.h"
+#include "controller/zone_storage.h"
 
 namespace {
 
@@ -62,7 +63,7 @@ BENCHMARK(CopyOfADescription)->Arg(4)->Arg(128)->Arg(65535);
 
 void UnpackColorTable(benchmark::State& state) {
   ControllerRecords records = RecordsWith(state.range(0));
-  const PackedBuffer packet = PackColorTablePacket(records);
+  const PackedBuffer packet = PackColorTablePacket(records.color_table);
   for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(UnpackColorTablePacket(records, packet.view()));
 }
 BENCHMARK(UnpackColorTable)->Arg(4)->Arg(128);

@@ -8,8 +8,8 @@
 
 #include "hid/lighting_hid.h"
 #include "log/logger.h"
-#include "platform/portable/report_descriptor.h"
-#include "simulator/notebook_machine.h"
+#include "platform/standin/report_descriptor.h"
+#include "simulator/road/notebook_machine.h"
 
 namespace {
 

@@ -16,7 +16,7 @@
 #include "hid/ts_hid.h"
 #include "log/logger.h"
 #include "platform/linux/linux_machine.h"
-#include "platform/portable/machine.h"
+#include "platform/standin/machine.h"
 #include "simulator/hid_keyboard.h"
 
 namespace {

@@ -8,6 +8,7 @@
 
 #include "controller/description_format.h"
 #include "controller/packet_formats.h"
+#include "controller/zone_storage.h"
 #include "fuzz/check.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "fuzz/check.h"
-#include "platform/portable/report_descriptor.h"
+#include "platform/standin/report_descriptor.h"
 
 namespace {
 

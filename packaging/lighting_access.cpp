@@ -11,7 +11,7 @@
 #include <string>
 
 #include "platform/linux/read_file.h"
-#include "platform/portable/report_descriptor.h"
+#include "platform/standin/report_descriptor.h"
 
 namespace {
 

@@ -16,6 +16,6 @@ extern "C" {
 
 #else
 
-#include "platform/portable/hid_api.h"
+#include "platform/standin/hid_api.h"
 
 #endif

@@ -7,6 +7,6 @@
 
 #else
 
-#include "platform/portable/registry_api.h"
+#include "platform/standin/registry_api.h"
 
 #endif

@@ -22,6 +22,6 @@ inline void OpenStream(std::wofstream& stream, const wchar_t* path, std::ios_bas
 
 #else
 
-#include "platform/portable/system_api.h"
+#include "platform/standin/system_api.h"
 
 #endif

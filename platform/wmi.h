@@ -17,7 +17,7 @@
 
 #else
 
-#include "platform/portable/variant.h"
-#include "platform/portable/wmi_api.h"
+#include "platform/standin/variant.h"
+#include "platform/standin/wmi_api.h"
 
 #endif

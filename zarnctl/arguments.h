@@ -7,7 +7,7 @@
 #include <variant>
 #include <vector>
 
-#include "controller/records.h"
+#include "zarn_lighting/records.h"
 #include "zarnctl/mode_settings.h"
 
 namespace zarnctl {

@@ -11,6 +11,8 @@
 #include <thread>
 #include <vector>
 
+#include "zarnctl/checked.h"
+#include "zarnctl/description.h"
 #include "zarnctl/drawing.h"
 #include "zarnctl/lights.h"
 #include "zarnctl/mode_settings.h"
@@ -19,6 +21,8 @@
 
 namespace zarnctl {
 namespace {
+
+using zarn::host::Device;
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::duration;
@@ -91,7 +95,7 @@ class Demo {
       : device_(device),
         name_(name),
         hardware_(hardware),
-        records_(device.Describe()),
+        records_(Describe(device)),
         steps_(StepsFor(records_, LightsLeds(name))) {
     if (!hardware_.HasVisibleLights()) hold_ = kLongestHold;  // for whoever looks at the lights
     if (!hardware_.HasVisibleLights() || animated_devices == 0 || steps_.empty()) return;
@@ -101,13 +105,13 @@ class Demo {
 
   ExitCode Run() {
     // A notebook that cannot be lit at all shows it in a push that nobody has to wait for.
-    device_.Push();
+    Check(device_.WriteMode());
     if (Report(hardware_.TakeFaults(name_, records_))) return ExitCode::LightsDiffer;
     for (const Step& step : steps_) {
       Begin(step);
       if (!WaitForLights(step)) return GiveUp(step);
       // On this thread, as a service ends a drag: whatever the worker was doing, the last value is the one that stays.
-      device_.Push();
+      Check(device_.WriteMode());
       if (Report(hardware_.TakeFaults(name_, records_))) return ExitCode::LightsDiffer;
       Hold();
     }
@@ -116,9 +120,9 @@ class Demo {
 
  private:
   void Begin(const Step& step) {
-    device_.SendMode(step.mode_index, step.mode);
-    if (!step.colors.empty()) device_.SendColors(step.colors);
-    records_ = device_.Describe();
+    Check(device_.SetMode(step.mode_index, step.mode));
+    if (!step.colors.empty()) Check(device_.SetColors(step.colors));
+    records_ = Describe(device_);
     title_ = name_ + ": " + step.mode.label + (step.colors.empty() ? "" : ", a colour per LED");
     began_ = Clock::now();
     Request(step);
@@ -126,9 +130,9 @@ class Demo {
 
   void Request(const Step& step) {
     if (step.only_colors) {
-      device_.RequestColorPush();
+      device_.controller().RequestColorPush();
     } else {
-      device_.Choose(step.mode_index);
+      device_.controller().ChooseMode(step.mode_index);
     }
   }
 
@@ -188,7 +192,8 @@ class Demo {
 
 }  // namespace
 
-ExitCode RunDemo(Device& device, const std::string& name, Hardware& hardware, std::size_t animated_devices) {
+ExitCode RunDemo(zarn::host::Device& device, const std::string& name, Hardware& hardware,
+                 std::size_t animated_devices) {
   return Demo(device, name, hardware, animated_devices).Run();
 }
 

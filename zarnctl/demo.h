@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string>
 
+#include "zarn_lighting/host.h"
 #include "zarnctl/complaint.h"
-#include "zarnctl/device.h"
 #include "zarnctl/hardware.h"
 
 namespace zarnctl {
@@ -14,6 +14,6 @@ namespace zarnctl {
 /// after each step; ends at the first step whose lights are not as expected. `animated_devices` counts
 /// the devices that are shown on the terminal one after another, each step for a while, for all of them together less
 /// than half a minute beside the hardware's own time; 0 when the steps are printed instead.
-ExitCode RunDemo(Device& device, const std::string& name, Hardware& hardware, std::size_t animated_devices);
+ExitCode RunDemo(zarn::host::Device& device, const std::string& name, Hardware& hardware, std::size_t animated_devices);
 
 }  // namespace zarnctl

@@ -1,14 +1,25 @@
 #include "zarnctl/description.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "zarnctl/checked.h"
+#include "zarnctl/complaint.h"
 #include "zarnctl/mode_settings.h"
 #include "zarnctl/text.h"
 
 namespace zarnctl {
 namespace {
+
+bool IsUsable(const ControllerRecords& records) {
+  const bool has_active_mode =
+      records.current_mode >= 0 && static_cast<std::size_t>(records.current_mode) < records.mode_list.size();
+  return has_active_mode && std::ranges::all_of(records.mode_list, [](const ModeRecord& mode) {
+           return mode.speed_lowest <= mode.speed_highest && mode.brightness_lowest <= mode.brightness_highest;
+         });
+}
 
 std::string Setting(const char* name, std::uint32_t setting, std::uint32_t lowest, std::uint32_t highest) {
   return std::string(", ") + name + " " + std::to_string(setting) + " (" + std::to_string(lowest) + " to " +
@@ -37,6 +48,12 @@ std::string ModeLine(const ModeRecord& mode, bool active) {
 }
 
 }  // namespace
+
+ControllerRecords Describe(const zarn::host::Device& device) {
+  ControllerRecords records = Checked(device.Describe());
+  if (!IsUsable(records)) throw Complaint(ExitCode::Failed, "the plug-in's description of the device makes no sense");
+  return records;
+}
 
 std::string Summary(const std::string& name, const ControllerRecords& records) {
   return name + ": " + records.title + ", " + Counted(records.zone_list.size(), "zone") + ", " +

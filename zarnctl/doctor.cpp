@@ -13,7 +13,7 @@
 #include "firmware/wmi_connection.h"
 #include "hid/hid_resources.h"
 #include "hid/lighting_hid.h"
-#include "platform/portable/text.h"
+#include "platform/standin/text.h"
 #include "platform/system.h"
 #include "zarnctl/log_watch.h"
 #include "zarnctl/switches.h"

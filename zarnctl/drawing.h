@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "controller/records.h"
+#include "zarn_lighting/records.h"
 #include "zarnctl/panel.h"
 
 namespace zarnctl {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "controller/records.h"
 #include "simulator/notebook.h"
+#include "zarn_lighting/records.h"
 #include "zarnctl/doctor.h"
 #include "zarnctl/panel.h"
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "controller/records.h"
 #include "simulator/notebook.h"
+#include "zarn_lighting/records.h"
 
 namespace zarnctl {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "controller/records.h"
+#include "zarn_lighting/records.h"
 
 namespace zarnctl {
 

@@ -9,11 +9,12 @@
 #include <variant>
 #include <vector>
 
+#include "zarn_lighting/host.h"
 #include "zarnctl/arguments.h"
+#include "zarnctl/checked.h"
 #include "zarnctl/config.h"
 #include "zarnctl/demo.h"
 #include "zarnctl/description.h"
-#include "zarnctl/device.h"
 #include "zarnctl/doctor.h"
 #include "zarnctl/drawing.h"
 #include "zarnctl/hardware.h"
@@ -21,12 +22,15 @@
 #include "zarnctl/log_watch.h"
 #include "zarnctl/mode_settings.h"
 #include "zarnctl/panel.h"
-#include "zarnctl/plugin.h"
 #include "zarnctl/terminal.h"
 #include "zarnctl/text.h"
 
 namespace zarnctl {
 namespace {
+
+using zarn::host::Device;
+using zarn::host::Discovery;
+using zarn::host::Plugin;
 
 /// The commands over some hardware and the plug-in on top of it, which is loaded and asked by the first that needs it.
 class Session {
@@ -43,7 +47,7 @@ class Session {
   }
 
   ExitCode operator()(const DevicesCommand& /*command*/) {
-    for (const std::string& name : Names()) std::cout << Summary(name, Create(name).Describe()) << "\n";
+    for (const std::string& name : Names()) std::cout << Summary(name, Describe(Create(name))) << "\n";
     const Discovery& discovery = Discovered();
     std::cout << "interface type " << discovery.interface_type;
     if (!discovery.hardware_id.empty()) {
@@ -55,7 +59,7 @@ class Session {
 
   ExitCode operator()(const ShowCommand& command) {
     const std::string& name = FindName(command.device);
-    const ControllerRecords records = Create(name).Describe();
+    const ControllerRecords records = Describe(Create(name));
     std::cout << Details(name, records);
     Draw(records);
     return ExitCode::Done;
@@ -64,10 +68,10 @@ class Session {
   ExitCode operator()(const SetCommand& command) {
     const std::string& name = FindName(command.device);
     Device device = Create(name);
-    const std::vector<ModeRecord> modes = device.Describe().mode_list;
+    const std::vector<ModeRecord> modes = Describe(device).mode_list;
     const std::int32_t index = FindMode(modes, command.settings.mode);
     const ModeRecord& mode = modes.at(static_cast<std::size_t>(index));
-    device.SendMode(index, WithSettings(mode, command.settings));
+    Check(device.SetMode(index, WithSettings(mode, command.settings)));
     const bool shows_nothing = mode.color_source == ColorSource::PerLedColors && !LightsLeds(name);
     return shows_nothing ? PushNothing(device, name, mode) : Push(device, name);
   }
@@ -78,10 +82,10 @@ class Session {
     if (!LightsLeds(name)) {
       throw Complaint(ExitCode::WrongCommandLine, "leds: " + name + " has no colours per LED; use 'zarnctl set'");
     }
-    const ControllerRecords records = device.Describe();
+    const ControllerRecords records = Describe(device);
     const std::int32_t index = FindPerLedMode(records.mode_list);
-    device.SendColors(ColorPerLed(command.colors, records.color_table.size()));
-    device.SendMode(index, records.mode_list.at(static_cast<std::size_t>(index)));
+    Check(device.SetColors(ColorPerLed(command.colors, records.color_table.size())));
+    Check(device.SetMode(index, records.mode_list.at(static_cast<std::size_t>(index))));
     return Push(device, name);
   }
 
@@ -125,13 +129,19 @@ class Session {
   }
 
  private:
-  Plugin& LoadedPlugin() {
-    if (!plugin_) plugin_.emplace(plugin_file_);
-    return *plugin_;
+  const Plugin& LoadedPlugin() {
+    if (plugin_) return *plugin_;
+    // Without a path the loader searches for the name, beside this program first.
+    auto loaded = Plugin::Load(plugin_file_.empty() ? ZARN_LIGHTING_NAME : std::filesystem::absolute(plugin_file_));
+    if (!loaded) {
+      throw Complaint(ExitCode::Failed, std::string("the plug-in cannot be loaded (use --plugin FILE): ") +
+                                            ComplaintOf(loaded.error()).what());
+    }
+    return plugin_.emplace(std::move(*loaded));
   }
 
   const Discovery& Discovered() {
-    if (!discovery_) discovery_ = LoadedPlugin().Discover();
+    if (!discovery_) discovery_ = Checked(LoadedPlugin().Discover());
     return *discovery_;
   }
 
@@ -159,15 +169,15 @@ class Session {
   }
 
   Device Create(const std::string& name) {
-    Device device(LoadedPlugin().CreateDevice(name));
+    Device device = Checked(LoadedPlugin().Create(name));
     // For what it could not be asked it shows less than it might.
     if (Report(hardware_.TakeRefusals())) refused_ = true;
     return device;
   }
 
   ExitCode Push(Device& device, const std::string& name) {
-    device.Push();
-    const ControllerRecords records = device.Describe();
+    Check(device.WriteMode());
+    const ControllerRecords records = Describe(device);
     if (!hardware_.HasVisibleLights()) {
       const std::string doubt = hardware_.Doubt(name);
       std::cout << name << ": " << records.mode_list.at(static_cast<std::size_t>(records.current_mode)).label

@@ -11,8 +11,8 @@
 #include <optional>
 
 #include "platform/linux/read_file.h"
-#include "platform/portable/hid_api.h"
-#include "platform/portable/text.h"
+#include "platform/standin/hid_api.h"
+#include "platform/standin/text.h"
 
 namespace platform {
 namespace {

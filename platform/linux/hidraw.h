@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/portable/machine.h"
+#include "platform/standin/machine.h"
 
 namespace platform {
 

@@ -8,7 +8,7 @@
 
 #include "platform/linux/hidraw.h"
 #include "platform/linux/settings.h"
-#include "platform/portable/empty_machine.h"
+#include "platform/standin/empty_machine.h"
 
 namespace platform {
 

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "platform/portable/machine.h"
+#include "platform/standin/machine.h"
 
 namespace platform {
 

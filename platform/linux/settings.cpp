@@ -13,7 +13,7 @@
 
 #include "platform/linux/read_file.h"
 #include "platform/linux/user.h"
-#include "platform/portable/text.h"
+#include "platform/standin/text.h"
 
 namespace platform {
 namespace {

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/portable/registry_values.h"
+#include "platform/standin/registry_values.h"
 
 namespace platform {
 

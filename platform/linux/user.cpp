@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/portable/machine.h"
-#include "platform/portable/text.h"
+#include "platform/standin/machine.h"
+#include "platform/standin/text.h"
 
 namespace platform {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/portable/empty_machine.h"
-#include "platform/portable/instruments.h"
-#include "simulator/notebook_machine.h"
+#include "platform/standin/empty_machine.h"
+#include "platform/standin/instruments.h"
+#include "simulator/road/notebook_machine.h"
 #include "tests/cases/road.h"
 
 namespace test {

@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "controller/description_format.h"
-#include "controller/records.h"
+#include "controller/zone_storage.h"
+#include "zarn_lighting/records.h"
 
 namespace test {
 

@@ -61,7 +61,7 @@ TEST(PacketFormats, ColourPacketsHaveTheirBytesWhichReadBackChangeNothing) {
           "08 00 00 00");
   const Bytes zone = Hex("16 00 00 00 01 00 00 00 03 00 06 00 00 00 07 00 00 00 08 00 00 00");
   const Bytes one = Hex("07 00 00 00 08 00 00 00");
-  EXPECT_EQ(Copy(PackColorTablePacket(records)), table);
+  EXPECT_EQ(Copy(PackColorTablePacket(records.color_table)), table);
   EXPECT_EQ(Copy(PackZoneColorsPacket(records, 1)), zone);
   EXPECT_EQ(Copy(PackOneColorPacket(records, 7)), one);
   EXPECT_TRUE(UnpackColorTablePacket(records, table) && UnpackZoneColorsPacket(records, zone) &&
@@ -123,7 +123,7 @@ TEST(PacketFormats, EveryTruncationIsIgnoredWhole) {
   const ControllerRecords records = TwoZones();
   const std::vector<std::pair<Unpack, Bytes>> packets = {
       {kUnpackMode, kNumberedAt3},
-      {UnpackColorTablePacket, Copy(PackColorTablePacket(records))},
+      {UnpackColorTablePacket, Copy(PackColorTablePacket(records.color_table))},
       {UnpackZoneColorsPacket, Copy(PackZoneColorsPacket(records, 0))},
       {UnpackOneColorPacket, Copy(PackOneColorPacket(records, 0))}};
   for (const auto& [unpack, whole] : packets) {

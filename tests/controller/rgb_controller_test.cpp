@@ -186,6 +186,9 @@ TEST(RgbController, RebindingFollowsTheZones) {
   EXPECT_EQ(device.zone_list[2].color_view, &device.color_table[2]);
   device.PaintAllZones(7);
   device.zone_list[0].led_total = 4;
+  device.zone_list[2].led_total = 1000;
+  device.PaintZone(2, 7);  // ends with the table, whatever the total has become
+  device.zone_list[2].led_total = 3;
   device.RebindZoneStorage();
   EXPECT_EQ(device.color_table, (std::vector<PackedColor>{7, 7, 7, 7, 7, 0, 0}));
 }

@@ -9,7 +9,7 @@
 
 #include "hid/lighting_hid.h"
 #include "log/logger.h"
-#include "platform/portable/text.h"
+#include "platform/standin/text.h"
 #include "tests/support/hex.h"
 #include "tests/support/machine_fixture.h"
 

@@ -8,7 +8,7 @@
 
 #include "platform/linux/linux_machine.h"
 #include "platform/linux/read_file.h"
-#include "platform/portable/hid_api.h"
+#include "platform/standin/hid_api.h"
 #include "tests/support/allocation_faults.h"
 #include "tests/support/hex.h"
 #include "tests/support/temporary_folder.h"

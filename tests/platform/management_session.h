@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/portable/variant_value.h"
+#include "platform/standin/variant_value.h"
 #include "platform/wmi.h"
 
 namespace test {

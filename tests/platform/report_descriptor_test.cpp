@@ -1,4 +1,4 @@
-#include "platform/portable/report_descriptor.h"
+#include "platform/standin/report_descriptor.h"
 
 #include <gtest/gtest.h>
 

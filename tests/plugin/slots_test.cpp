@@ -1,5 +1,6 @@
 /// The contract with the host: exported names, slots by position, loading and unloading.
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>

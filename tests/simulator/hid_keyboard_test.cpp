@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/portable/hid_api.h"
-#include "simulator/notebook_machine.h"
+#include "platform/standin/hid_api.h"
+#include "simulator/road/notebook_machine.h"
 #include "tests/support/hex.h"
 
 namespace simulator {

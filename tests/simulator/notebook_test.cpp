@@ -4,8 +4,8 @@
 
 #include <cstdlib>
 
-#include "platform/portable/wmi_api.h"
-#include "simulator/notebook_machine.h"
+#include "platform/standin/wmi_api.h"
+#include "simulator/road/notebook_machine.h"
 
 namespace simulator {
 namespace {

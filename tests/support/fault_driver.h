@@ -7,7 +7,7 @@
 #include <new>
 #include <ostream>
 
-#include "platform/portable/instruments.h"
+#include "platform/standin/instruments.h"
 #include "tests/support/allocation_faults.h"
 
 namespace test {

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/portable/instruments.h"
+#include "platform/standin/instruments.h"
 #include "tests/support/scripted_machine.h"
 
 namespace test {

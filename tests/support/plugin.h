@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "controller/rgb_controller_interface.h"
-#include "platform/library.h"
+#include "host/library.h"
 #include "tests/support/temporary_folder.h"
+#include "zarn_lighting/rgb_controller_interface.h"
 
 class ZarnECGlobalController;
 class ZarnECKeyboardController;
@@ -32,7 +32,7 @@ struct Discovered {
 class Plugin {
  public:
   explicit Plugin(const std::filesystem::path& path = ZARN_LIGHTING_PATH) : library_(path) {
-    if (!library_) throw std::runtime_error(platform::Library::Error(path));
+    if (!library_) throw std::runtime_error(zarn::host::Library::LoadError(path));
   }
 
   template <typename Function>
@@ -75,7 +75,7 @@ class Plugin {
     return std::unique_ptr<RGBControllerInterface>(make(static_cast<Controller*>(controller)));
   }
 
-  platform::Library library_;
+  zarn::host::Library library_;
 };
 
 /// A copy of the plug-in, loaded for the first time, as in a process that has just begun.

@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/portable/hid_api.h"
-#include "platform/portable/machine.h"
+#include "platform/standin/hid_api.h"
+#include "platform/standin/machine.h"
 
 namespace test {
 

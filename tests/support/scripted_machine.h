@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "log/service_switch.h"
-#include "platform/portable/empty_machine.h"
-#include "platform/portable/registry_values.h"
+#include "platform/standin/empty_machine.h"
+#include "platform/standin/registry_values.h"
 #include "tests/support/scripted_hid.h"
 
 namespace test {

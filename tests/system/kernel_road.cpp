@@ -6,9 +6,9 @@
 #include <fstream>
 
 #include "platform/linux/linux_machine.h"
-#include "platform/portable/empty_machine.h"
-#include "platform/portable/instruments.h"
-#include "platform/portable/text.h"
+#include "platform/standin/empty_machine.h"
+#include "platform/standin/instruments.h"
+#include "platform/standin/text.h"
 #include "tests/cases/road.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/system/uhid_keyboards.h"

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "controller/description_format.h"
-#include "discovery/lighting_plugin.h"
 #include "firmware/firmware_methods.h"
 #include "firmware/smbios.h"
 #include "firmware/wmi_connection.h"
@@ -19,6 +18,7 @@
 #include "log/ts_log.h"
 #include "platform/registry.h"
 #include "tests/support/plugin.h"
+#include "zarn_lighting/plugin.h"
 
 // After the platform's main header.
 #include <tlhelp32.h>

@@ -1,9 +1,9 @@
 /// What shows on the platform itself alone: apartments, how calls through a proxy authenticate, handles.
 
-#include "platform/portable/instruments.h"
-#include "platform/windows/management_service.h"
+#include "platform/standin/instruments.h"
 #include "platform/wmi.h"
 #include "tests/cases/case.h"
+#include "tests/windows/management_service.h"
 
 namespace test {
 namespace {

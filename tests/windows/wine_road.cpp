@@ -7,15 +7,15 @@
 #include <fstream>
 #include <string>
 
-#include "platform/portable/empty_machine.h"
-#include "platform/portable/instruments.h"
-#include "platform/portable/report_descriptor.h"
 #include "platform/registry.h"
-#include "platform/windows/management_service.h"
+#include "platform/standin/empty_machine.h"
+#include "platform/standin/instruments.h"
+#include "platform/standin/report_descriptor.h"
 #include "platform/wmi.h"
-#include "simulator/notebook_machine.h"
+#include "simulator/road/notebook_machine.h"
 #include "tests/cases/road.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/windows/management_service.h"
 
 namespace test {
 namespace {

@@ -8,11 +8,11 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/portable/instruments.h"
-#include "platform/portable/machine.h"
-#include "platform/portable/report_descriptor.h"
-#include "platform/portable/text.h"
-#include "simulator/notebook_machine.h"
+#include "platform/standin/instruments.h"
+#include "platform/standin/machine.h"
+#include "platform/standin/report_descriptor.h"
+#include "platform/standin/text.h"
+#include "simulator/road/notebook_machine.h"
 #include "zarnctl/complaint.h"
 #include "zarnctl/lights.h"
 #include "zarnctl/linux/new_file.h"

@@ -5,7 +5,7 @@
 
 #include "log/service_switch.h"
 #include "platform/linux/settings.h"
-#include "platform/portable/text.h"
+#include "platform/standin/text.h"
 #include "zarnctl/text.h"
 
 namespace zarnctl {

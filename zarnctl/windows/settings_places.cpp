@@ -1,5 +1,5 @@
 #include "log/service_switch.h"
-#include "platform/portable/text.h"
+#include "platform/standin/text.h"
 #include "zarnctl/config.h"
 
 namespace zarnctl {

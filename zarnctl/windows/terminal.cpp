@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "platform/portable/text.h"
+#include "platform/standin/text.h"
 #include "platform/windows.h"
 
 // After the platform's main header.

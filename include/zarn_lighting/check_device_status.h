@@ -1,0 +1,31 @@
+/// The exported discovery: the host's first call.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "zarn_lighting/export.h"
+
+extern "C" {
+
+/// Tells which lighting devices the machine has, and answers their number, 0 to 3.
+///
+/// `deviceNames` becomes a list drawn from ZarnECGlobal, ZarnECKeyboard and ZarnHIDKeyboard, with commas between them;
+/// for each name there is a pair of factories. When the HID keyboard is reported alone, `interfaceType` becomes 1,
+/// `hardwareId` and `usagePageHex` its identity ("USB\VID_1209&PID_0001", "FF5A"). Otherwise the embedded controller
+/// was asked: `interfaceType` becomes 3, the two texts empty, and when it has no lighting device the answer is 0
+/// whatever `deviceNames` holds: the HID keyboard's name where the service's HybridMode is on and there is one, else
+/// what it held before.
+///
+/// Also turns the HID library's log to the log file, if logging is on by then, and builds the list of HID lighting
+/// devices as soon as there is one; that list stays, so that a keyboard unplugged later is still reported. Every call
+/// asks everything else anew.
+///
+/// Call it before creating controllers. Any thread may call; while a HID keyboard is driven the call waits for the
+/// report that is under way. It may take as long as the management service and the HID devices do. Throws nothing:
+/// failures show in the number alone, and when memory runs out the answer is 0 and the arguments are as they were. The
+/// strings are the standard library's, shared by host and plug-in, which therefore need the same one (with Microsoft's
+/// compiler also the same runtime library, /MD, and no debug build with a release build); what they hold is the host's.
+ZARN_EXPORT std::int32_t CheckDeviceStatus(std::wstring& deviceNames, std::uint32_t& interfaceType,
+                                           std::wstring& hardwareId, std::wstring& usagePageHex) noexcept;
+}

@@ -1,0 +1,27 @@
+/// The exported factories of the EC lighting devices.
+///
+/// Ownership: the host owns what a factory returns. The generic controller takes its device controller over, and
+/// destroys it, as soon as the second factory has returned; when that one throws, the device controller stays with
+/// the host, which can hand it in again and in no other way give it back. Errors: std::bad_alloc, and std::system_error
+/// when the worker thread cannot be started. Microsoft's compiler takes for granted under /EHsc that functions like
+/// these throw nothing: hosts are built with /EHs. Any thread may call.
+#pragma once
+
+#include "zarn_lighting/export.h"
+
+class RGBControllerInterface;
+class ZarnECGlobalController;
+class ZarnECKeyboardController;
+
+extern "C" {
+
+/// Reads the firmware's record of the EC keyboard. May take as long as the management service does.
+ZARN_EXPORT ZarnECKeyboardController* CreateZarnECKeyboardControllerClassInstance();
+/// The generic controller around `controller`; null for null. Destroyed through its virtual destructor.
+ZARN_EXPORT RGBControllerInterface* CreateRGBController_ZarnECKeyboardClassInstance(
+    ZarnECKeyboardController* controller);
+
+/// The same pair for the whole-device light.
+ZARN_EXPORT ZarnECGlobalController* CreateZarnECGlobalControllerClassInstance();
+ZARN_EXPORT RGBControllerInterface* CreateRGBController_ZarnECGlobalClassInstance(ZarnECGlobalController* controller);
+}

@@ -1,0 +1,11 @@
+/// All exports of the lighting plug-in, for hosts. They are to be found by name in the loaded library; the names stand
+/// in exports.def.
+///
+/// Keep the library loaded while any of its objects lives. A process that has turned logging on had better keep it to
+/// its end: the log is never given up, and a library loaded again starts another one.
+#pragma once
+
+#include "zarn_lighting/check_device_status.h"
+#include "zarn_lighting/ec_factories.h"
+#include "zarn_lighting/hid_keyboard_factories.h"
+#include "zarn_lighting/rgb_controller_interface.h"

@@ -1,0 +1,32 @@
+/// The machine's HID devices as the platform shows them: an interface for each top-level collection.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/standin/machine.h"
+#include "platform/standin/report_descriptor.h"
+
+namespace platform {
+
+/// An opened interface. Shared by its handle and the calls that are using it. Without a connection it only tells what
+/// it is.
+struct HidInterface {
+  std::wstring path;
+  std::uint16_t vendor = 0;
+  std::uint16_t product = 0;
+  std::uint16_t version = 0;
+  HidCollection collection;
+  std::shared_ptr<HidConnection> connection;
+};
+
+/// The paths of the interfaces that are there now.
+std::vector<std::wstring> HidInterfacePaths();
+
+/// Opens one; null, with the calling thread's last error set, when it cannot be opened.
+std::shared_ptr<const HidInterface> OpenHidInterface(const std::wstring& path);
+/// The same without the right to exchange reports, which nobody is denied.
+std::shared_ptr<const HidInterface> OpenHidInterfaceToLook(const std::wstring& path);
+
+}  // namespace platform

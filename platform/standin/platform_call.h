@@ -1,0 +1,172 @@
+/// The one point through which every platform call passes, on its way from a public function to the machine.
+///
+/// Pass serves the journal and the fault plan, keeps the calling thread's last error, and lets nothing escape: a body
+/// that throws makes the call fail in its own way, one that finds no memory in the way calls do for that.
+///
+/// The public functions have C linkage, so those defined in this namespace are the ones declared outside of it.
+#pragma once
+
+#include <atomic>
+#include <new>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "platform/standin/instruments.h"
+#include "platform/standin/journal_text.h"
+#include "platform/standin/last_error.h"
+#include "platform/standin/system_api.h"
+
+namespace platform {
+
+inline constexpr unsigned kJournalArmed = 1;
+inline constexpr unsigned kFaultsArmed = 2;
+/// Which instruments are armed: all that a call reads while none is.
+extern std::atomic<unsigned> g_instruments;
+
+enum class Fault { None, Failure, EmptySuccess };
+
+/// Counts a fallible call towards the fault plan and answers what is to become of it.
+Fault NextFault(bool hands_back_object) noexcept;
+void Deliver(const JournalEntry& entry);
+
+/// What a call that answers nothing passes back.
+struct Nothing {};
+
+/// An answer as the journal has it, unless it is a result code.
+template <typename Answer>
+std::string AnswerText(Answer answer) {
+  if constexpr (std::is_pointer_v<Answer>) {
+    return answer != nullptr ? "done" : "null";
+  } else if constexpr (std::is_same_v<Answer, Nothing>) {
+    return {};
+  } else {
+    return std::to_string(answer);
+  }
+}
+
+/// What the one point must know about a platform call. Answer{} is what an empty success answers.
+template <typename Answer>
+struct Call {
+  const char* name = nullptr;
+  Answer failure = {};
+  Answer out_of_memory = {};
+  std::string (*answer_text)(Answer) = AnswerText<Answer>;
+  /// The last error that a failure sets; ERROR_SUCCESS where a call keeps none.
+  LONG last_error = ERROR_SUCCESS;
+  bool fallible = true;
+  bool hands_back_object = false;
+};
+
+constexpr Call<HRESULT> ComCall(const char* name, HRESULT failure, HRESULT out_of_memory) {
+  return {.name = name, .failure = failure, .out_of_memory = out_of_memory, .answer_text = CodeText};
+}
+
+constexpr Call<HRESULT> ObjectCall(const char* name, HRESULT failure, HRESULT out_of_memory) {
+  Call<HRESULT> call = ComCall(name, failure, out_of_memory);
+  call.hands_back_object = true;
+  return call;
+}
+
+constexpr Call<LONG> StatusCall(const char* name, LONG failure) {
+  return {.name = name, .failure = failure, .out_of_memory = ERROR_NOT_ENOUGH_MEMORY};
+}
+
+/// A call that answers 0, FALSE or null when it fails.
+template <typename Answer>
+constexpr Call<Answer> ZeroCall(const char* name, LONG last_error = ERROR_SUCCESS) {
+  return {.name = name, .failure = {}, .out_of_memory = {}, .last_error = last_error};
+}
+
+template <typename Answer = Nothing>
+constexpr Call<Answer> SureCall(const char* name) {
+  return {.name = name, .failure = {}, .out_of_memory = {}, .fallible = false};
+}
+
+constexpr Call<HRESULT> SureComCall(const char* name) {
+  Call<HRESULT> call = ComCall(name, E_FAIL, E_OUTOFMEMORY);
+  call.fallible = false;
+  return call;
+}
+
+template <typename Answer>
+Answer Fail(const Call<Answer>& call, Answer answer, LONG error) noexcept {
+  if (call.last_error != ERROR_SUCCESS) SetThreadError(error);
+  return answer;
+}
+
+template <typename Answer, typename Body>
+Answer Attempt(const Call<Answer>& call, const Body& body, bool faults_armed) noexcept {
+  const Fault fault = faults_armed && call.fallible ? NextFault(call.hands_back_object) : Fault::None;
+  if (fault == Fault::EmptySuccess) return Answer{};
+  if (fault == Fault::Failure) return Fail(call, call.failure, call.last_error);
+  try {
+    if constexpr (std::is_same_v<Answer, Nothing>) {
+      body();
+      return Nothing{};
+    } else {
+      return body();
+    }
+  } catch (const std::bad_alloc&) {
+    return Fail(call, call.out_of_memory, ERROR_NOT_ENOUGH_MEMORY);
+  } catch (...) {
+    return Fail(call, call.failure, call.last_error);
+  }
+}
+
+/// Text for the journal; a part for which there is no memory stays empty.
+template <typename Compose>
+std::string Composed(const Compose& compose) noexcept {
+  try {
+    return compose();
+  } catch (...) {
+    return {};
+  }
+}
+
+/// An answer as the journal has it: with the last error, if it is a failure that sets one.
+template <typename Answer>
+std::string OutcomeText(const Call<Answer>& call, Answer answer) {
+  std::string text = call.answer_text(answer);
+  if constexpr (!std::is_same_v<Answer, Nothing>) {
+    if (call.last_error != ERROR_SUCCESS && answer == call.failure) text += ", error " + std::to_string(ThreadError());
+  }
+  return text;
+}
+
+/// Makes the call `body` does. For the journal `arguments()` tells what was asked, before the body runs, and
+/// `handed_back(answer)` what came of it beside the answer; neither is called while nobody listens.
+template <typename Answer, typename Arguments, typename Body, typename HandedBack>
+Answer Pass(const Call<Answer>& call, const Arguments& arguments, const Body& body,
+            const HandedBack& handed_back) noexcept {
+  const unsigned armed = g_instruments.load(std::memory_order_relaxed);
+  if ((armed & kJournalArmed) == 0) return Attempt(call, body, (armed & kFaultsArmed) != 0);
+
+  std::string asked = Composed(arguments);
+  const Answer answer = Attempt(call, body, (armed & kFaultsArmed) != 0);
+  try {
+    Deliver({call.name, std::move(asked), Listed({OutcomeText(call, answer), handed_back(answer)})});
+  } catch (...) {
+    // An entry that cannot be composed, or that its listener will not have, is lost; the call has been made.
+  }
+  return answer;
+}
+
+template <typename Answer, typename Arguments, typename Body>
+Answer Pass(const Call<Answer>& call, const Arguments& arguments, const Body& body) noexcept {
+  return Pass(call, arguments, body, [](const Answer&) { return std::string(); });
+}
+
+/// Empties the place for what a call hands back, so that no failure leaves anything in it.
+template <typename Object>
+void Empty(Object** place) noexcept {
+  if (place != nullptr) *place = nullptr;
+}
+
+/// The arguments of a call for its journal entry, read only if there is one.
+template <typename... Values>
+auto Asked(const Values&... values) {
+  return [&] { return Listed({Described(values)...}); };
+}
+
+}  // namespace platform

@@ -1,0 +1,58 @@
+#include "controller/description_format.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "controller/record_fields.h"
+#include "controller/wire_archive.h"
+#include "controller/zone_storage.h"
+
+namespace {
+
+template <typename Archive, typename Records, typename TotalSize>
+void DescriptionFields(Archive& archive, Records& records, TotalSize& total_size, std::uint32_t protocol_version) {
+  archive.Number(total_size);
+  archive.Number(records.hw_kind);
+  archive.Text(records.title);
+  if (protocol_version >= kVersionWithMaker) archive.Text(records.maker_name);
+  archive.Text(records.caption);
+  archive.Text(records.info_text_1);
+  archive.Text(records.info_text_2);
+  archive.Text(records.info_text_3);
+  // The active mode's index stands between the modes' count and the modes.
+  archive.List(
+      records.mode_list, [&](auto& inner, auto& mode) { ModeFields(inner, mode, protocol_version); },
+      [&](auto& inner) { inner.Number(records.current_mode); });
+  archive.List(records.zone_list, [](auto& inner, auto& zone) { ZoneFields(inner, zone); });
+  archive.List(records.led_list, [](auto& inner, auto& led) { LedFields(inner, led); });
+  ColorListFields(archive, records.color_table);
+}
+
+/// Whether no list, nor the zones' LEDs together (which become the colour table's length), outgrow the 16-bit counts
+/// they travel behind.
+bool CanBeWrittenAgain(const ControllerRecords& records) {
+  const std::size_t longest = std::max({records.mode_list.size(), records.zone_list.size(), records.led_list.size()});
+  std::uint64_t zone_leds = 0;
+  for (const ZoneRecord& zone : records.zone_list) zone_leds += zone.led_total;
+  return longest <= kLongestList && zone_leds <= kLongestList;
+}
+
+}  // namespace
+
+PackedBuffer PackDescription(const ControllerRecords& records, std::uint32_t protocol_version) {
+  return PackFields([&](auto& archive, std::uint32_t total_size) {
+    DescriptionFields(archive, records, total_size, protocol_version);
+  });
+}
+
+bool UnpackDescription(ControllerRecords& records, std::span<const std::uint8_t> buffer,
+                       std::uint32_t protocol_version) {
+  ControllerRecords updated = records;
+  ReadArchive reader(ClaimedPart(buffer));
+  std::uint32_t total_size = 0;
+  DescriptionFields(reader, updated, total_size, protocol_version);
+  if (!reader.ok() || !CanBeWrittenAgain(updated)) return false;
+  BindZoneStorage(updated);
+  records = std::move(updated);
+  return true;
+}

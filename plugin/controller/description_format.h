@@ -1,0 +1,26 @@
+/// The binary description of a whole controller. Layout and a worked example: docs/formats.md.
+///
+/// Free functions over plain records: no controller, no thread, no lock.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "controller/packed_buffer.h"
+#include "zarn_lighting/records.h"
+
+/// The description of `records` in the layout of `protocol_version`: the maker's name travels from version 1 on, the
+/// modes' brightness from version 3 on. Texts end at their first NUL and are cut at 65,534 bytes; of a list only as
+/// many entries are written as the low 16 bits of its length count. Throws std::bad_alloc.
+PackedBuffer PackDescription(const ControllerRecords& records, std::uint32_t protocol_version);
+
+/// Reads a description into `records`: texts, kind and active mode are replaced (the maker's name from version 1 on),
+/// modes, zones, LEDs and colours are appended, and the zones are bound to their storage.
+///
+/// All or nothing: false, with `records` exactly as they were, when the buffer does not hold what it claims, or when
+/// the result could not be written again (a list, or the zones' LEDs together, above 65,535; a grid above 16,381 cells;
+/// texts that overlap so often that they are longer than the buffer together). The same holds when std::bad_alloc is
+/// thrown. Beside copies of what `records` already hold, takes at most 16 times the buffer's size plus 256 KiB of
+/// memory.
+bool UnpackDescription(ControllerRecords& records, std::span<const std::uint8_t> buffer,
+                       std::uint32_t protocol_version);

@@ -1,0 +1,122 @@
+#include "controller/packet_formats.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "controller/record_fields.h"
+#include "controller/wire_archive.h"
+
+namespace {
+
+/// The entry at a host's signed index, or null.
+template <typename List>
+auto* EntryAt(List& list, std::int32_t index) {
+  return index >= 0 && static_cast<std::size_t>(index) < list.size() ? &list[static_cast<std::size_t>(index)] : nullptr;
+}
+
+/// The colours of `zone`, as far as they are there and a 16-bit count can tell.
+std::span<const PackedColor> ColorsOf(const ControllerRecords& records, const ZoneRecord& zone) {
+  const std::span<const PackedColor> table = records.color_table;
+  const std::span<const PackedColor> rest = table.subspan(std::min<std::size_t>(zone.first_index, table.size()));
+  return rest.first(std::min<std::size_t>(static_cast<std::uint16_t>(zone.led_total), rest.size()));
+}
+
+}  // namespace
+
+PackedBuffer PackModePacket(std::int32_t mode_index, const ModeRecord& mode, std::uint32_t protocol_version) {
+  return PackFields([&](auto& archive, std::uint32_t total_size) {
+    archive.Number(total_size);
+    archive.Number(mode_index);
+    ModeFields(archive, mode, protocol_version);
+  });
+}
+
+PackedBuffer PackModePacket(const ControllerRecords& records, std::int32_t mode_index, std::uint32_t protocol_version) {
+  static const ModeRecord kNoMode;
+  const ModeRecord* mode = EntryAt(records.mode_list, mode_index);
+  return PackModePacket(mode_index, mode != nullptr ? *mode : kNoMode, protocol_version);
+}
+
+bool UnpackModePacket(ControllerRecords& records, std::span<const std::uint8_t> packet,
+                      std::uint32_t protocol_version) {
+  ReadArchive reader(ClaimedPart(packet));
+  std::uint32_t total_size = 0;
+  std::int32_t mode_index = -1;
+  reader.Number(total_size);
+  reader.Number(mode_index);
+  ModeRecord* mode = EntryAt(records.mode_list, mode_index);
+  if (!reader.ok() || mode == nullptr) return false;
+
+  ModeRecord updated = *mode;  // fields that do not travel in this version keep their values
+  updated.mode_colors.clear();
+  ModeFields(reader, updated, protocol_version);
+  if (!reader.ok()) return false;
+  *mode = std::move(updated);
+  records.current_mode = mode_index;
+  return true;
+}
+
+PackedBuffer PackColorTablePacket(std::span<const PackedColor> colors) {
+  return PackFields([&](auto& archive, std::uint32_t total_size) {
+    archive.Number(total_size);
+    ColorListFields(archive, colors);
+  });
+}
+
+bool UnpackColorTablePacket(ControllerRecords& records, std::span<const std::uint8_t> packet) {
+  ReadArchive reader(ClaimedPart(packet));
+  std::uint32_t total_size = 0;
+  std::vector<PackedColor> colors;
+  reader.Number(total_size);
+  ColorListFields(reader, colors);
+  if (!reader.ok() || colors.size() > records.color_table.size()) return false;
+  std::copy(colors.begin(), colors.end(), records.color_table.begin());
+  return !colors.empty();
+}
+
+PackedBuffer PackZoneColorsPacket(const ControllerRecords& records, std::int32_t zone_index) {
+  const ZoneRecord* zone = EntryAt(records.zone_list, zone_index);
+  const auto colors = zone != nullptr ? ColorsOf(records, *zone) : std::span<const PackedColor>();
+  return PackFields([&](auto& archive, std::uint32_t total_size) {
+    archive.Number(total_size);
+    archive.Number(zone_index);
+    ColorListFields(archive, colors);
+  });
+}
+
+bool UnpackZoneColorsPacket(ControllerRecords& records, std::span<const std::uint8_t> packet) {
+  ReadArchive reader(ClaimedPart(packet));
+  std::uint32_t total_size = 0;
+  std::uint32_t zone_index = 0;
+  std::vector<PackedColor> colors;
+  reader.Number(total_size);
+  reader.Number(zone_index);
+  ColorListFields(reader, colors);
+  if (!reader.ok() || zone_index >= records.zone_list.size()) return false;
+
+  const ZoneRecord& zone = records.zone_list[zone_index];
+  if (colors.empty() || colors.size() > ColorsOf(records, zone).size()) return false;
+  std::copy(colors.begin(), colors.end(), records.color_table.begin() + static_cast<std::ptrdiff_t>(zone.first_index));
+  return true;
+}
+
+PackedBuffer PackOneColorPacket(const ControllerRecords& records, std::int32_t led_index) {
+  const PackedColor* color = EntryAt(records.color_table, led_index);
+  return PackFields([&](auto& archive, std::uint32_t) {
+    archive.Number(led_index);
+    archive.Number(color != nullptr ? *color : PackedColor{0});
+  });
+}
+
+bool UnpackOneColorPacket(ControllerRecords& records, std::span<const std::uint8_t> packet) {
+  ReadArchive reader(packet);
+  std::int32_t led_index = -1;
+  PackedColor color = 0;
+  reader.Number(led_index);
+  reader.Number(color);
+  PackedColor* entry = EntryAt(records.color_table, led_index);
+  if (!reader.ok() || EntryAt(records.led_list, led_index) == nullptr || entry == nullptr) return false;
+  *entry = color;
+  return true;
+}

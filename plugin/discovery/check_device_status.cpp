@@ -1,0 +1,152 @@
+#include "zarn_lighting/check_device_status.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include "firmware/firmware_methods.h"
+#include "firmware/smbios.h"
+#include "hid/lighting_hid.h"
+#include "log/format.h"
+#include "log/info_log.h"
+#include "log/logger.h"
+#include "log/service_switch.h"
+#include "log/ts_log.h"
+
+using zarn::WRV520::Lighting::LightingHID;
+
+namespace {
+
+constexpr std::uint32_t kHidInterface = 1;
+constexpr std::uint32_t kEcInterface = 3;
+
+constexpr wchar_t kHidKeyboard[] = L"ZarnHIDKeyboard";
+constexpr wchar_t kEcKeyboard[] = L"ZarnECKeyboard";
+constexpr wchar_t kEcKeyboardAndGlobal[] = L"ZarnECGlobal,ZarnECKeyboard";
+
+constexpr InfoLog kLog(L"CheckDeviceStatus");
+
+/// What the host is told.
+struct Status {
+  std::optional<std::wstring> names;  // nothing: the host's stay
+  std::uint32_t interface_type = 0;
+  std::wstring hardware_id;
+  std::wstring usage_page;
+  std::int32_t count = 0;
+};
+
+/// Closes the handles of all lighting devices at its end, whatever ends it.
+class PresenceTest {
+ public:
+  PresenceTest() = default;
+  PresenceTest(const PresenceTest&) = delete;
+  PresenceTest& operator=(const PresenceTest&) = delete;
+  ~PresenceTest() {
+    const std::lock_guard lock(g_lightingDevicesLock);
+    LightingHID::CloseLightingDevices();
+  }
+};
+
+/// The HID keyboard, if there is one.
+std::optional<_HIDInfo> FindHidKeyboard() {
+  const PresenceTest test;
+  _HIDInfo keyboard;
+  return LightingHID::FindLightingDevice(keyboard) ? std::optional(std::move(keyboard)) : std::nullopt;
+}
+
+Status HidKeyboardAlone(const _HIDInfo& keyboard) {
+  return {.names = kHidKeyboard,
+          .interface_type = kHidInterface,
+          .hardware_id = Formatted(L"USB\\VID_%04X&PID_%04X", keyboard.vendorId, keyboard.productId),
+          .usage_page = Formatted(L"%04X", keyboard.usagePage),
+          .count = 1};
+}
+
+/// All zero when there is none.
+stSMBiosType172 ReadFirmwareRecord() {
+  RawSmbiosTable table;
+  stSMBiosType172 record;
+  ReadRawSmbiosTable(table);
+  if (!FindSMBiosType172(table, record)) kLog(L"Get SMBIOS 172 fail!");
+  return record;
+}
+
+/// Whether the firmware confirms the light bar that its record announces. Older firmware does so in one byte of its
+/// answer, for which the call must have gone well; newer firmware in any of four pairs of bytes.
+bool FirmwareHasLightBar(std::pair<std::uint8_t, std::uint8_t> version) {
+  kLog(L"BIOS major version:%d - BIOS minor version::%d", version.first, version.second);
+  std::array<std::uint8_t, 16> answer{};
+  const auto is_set = [&answer](std::size_t i) { return answer.at(i) != 0 && answer.at(i) != 0xFF; };
+  if (version < std::pair<std::uint8_t, std::uint8_t>(2, 91)) {
+    GetGamingLED(answer.data(), 11);
+    return answer[0] == 0 && is_set(6);
+  }
+  GetGamingLED(answer.data(), 16);
+  constexpr std::size_t kPairs[] = {6, 8, 10, 12};
+  return std::ranges::any_of(kPairs, [&](std::size_t first) { return is_set(first) && is_set(first + 1); });
+}
+
+/// How many devices the embedded controller has: 0, the keyboard, or the whole-device light as well.
+std::int32_t CountEcDevices() {
+  const stSMBiosType172 record = ReadFirmwareRecord();
+  const AnnouncedLights announced = FindAnnouncedLights(record);
+  kLog(L"Is EC Keyboard: %d", announced.keyboard ? 1 : 0);
+  kLog(L"Is RGB Keyboard: %d", announced.rgb_keyboard ? 1 : 0);
+  if (!announced.keyboard || !announced.rgb_keyboard) {
+    kLog(L"Number of Device:0, DeviceName:");
+    return 0;
+  }
+  kLog(L"Is EC Lightbar: %d", announced.light_bar ? 1 : 0);
+  const bool both = announced.light_bar && FirmwareHasLightBar({record.biosMajor, record.biosMinor});
+  kLog(both ? L"Number of Device:2, DeviceName:ZarnECGlobal,ZarnECKeyboard"
+            : L"Number of Device:1, DeviceName:ZarnECKeyboard");
+  return both ? 2 : 1;
+}
+
+/// The embedded controller's devices, and behind them, in hybrid mode, the HID keyboard.
+Status EcDevicesAnd(bool hid_keyboard) {
+  Status status;
+  status.interface_type = kEcInterface;
+  const std::int32_t count = CountEcDevices();
+  if (count == 0) {
+    // The count tells that there is nothing; the name is left as it was found.
+    if (hid_keyboard) status.names = kHidKeyboard;
+    return status;
+  }
+  status.names = count == 2 ? kEcKeyboardAndGlobal : kEcKeyboard;
+  if (hid_keyboard) status.names->append(L",").append(kHidKeyboard);
+  status.count = count + (hid_keyboard ? 1 : 0);
+  return status;
+}
+
+Status Discover() {
+  TsLog* const log = TsLog::GetInstance();
+  kLog(L"Enter!!");
+  const bool hybrid = IsOn(kHybridSwitch);
+  zarn::WRV520::ReplaceLogger(std::make_shared<zarn::WRV520::TsLogAdapter>(log));
+  const std::optional<_HIDInfo> keyboard = FindHidKeyboard();
+  if (!keyboard || hybrid) return EcDevicesAnd(keyboard.has_value());
+  kLog(L"Number of Device: 1, DeviceName: ZarnHIDKeyboard");
+  return HidKeyboardAlone(*keyboard);
+}
+
+}  // namespace
+
+std::int32_t CheckDeviceStatus(std::wstring& deviceNames, std::uint32_t& interfaceType, std::wstring& hardwareId,
+                               std::wstring& usagePageHex) noexcept {
+  try {
+    Status status = Discover();
+    if (status.names) deviceNames = std::move(*status.names);
+    interfaceType = status.interface_type;
+    hardwareId = std::move(status.hardware_id);
+    usagePageHex = std::move(status.usage_page);
+    return status.count;
+  } catch (const std::exception&) {
+    return 0;
+  }
+}
