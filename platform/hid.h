@@ -14,6 +14,8 @@ extern "C" {
 #include <hidsdi.h>  // brings hidpi.h in, which does not stand alone
 }
 
+#undef interface  // a macro of COM's headers for what is a name here
+
 #else
 
 #include "platform/standin/hid_api.h"

@@ -56,19 +56,23 @@ class RGBControllerInterface {
 
   /// 7: the whole description in the layout of `protocol_version`.
   virtual std::uint8_t* PackDescription(std::uint32_t protocol_version) = 0;
-  /// 8: replaces texts, kind and active mode, and appends the modes, zones, LEDs and colours of a description.
+  /// 8: replaces texts, kind and active mode, and appends the modes, zones, LEDs and colours of a description. Its first
+  /// field, total_size, must be its true size in bytes, or the buffer is ignored without a word.
   virtual void UnpackDescription(const std::uint8_t* buffer, std::uint32_t protocol_version) = 0;
   /// 9: one mode. An index outside the list gives a packet that its reader ignores.
   virtual std::uint8_t* PackModePacket(std::int32_t mode_index, std::uint32_t protocol_version) = 0;
-  /// 10: replaces one mode and makes it the active one. Requests no push.
+  /// 10: replaces one mode and makes it the active one. Requests no push. total_size must be right, or the packet is
+  /// ignored without a word.
   virtual void UnpackModePacket(const std::uint8_t* packet, std::uint32_t protocol_version) = 0;
   /// 11: the whole colour table.
   virtual std::uint8_t* PackColorTablePacket() = 0;
-  /// 12: replaces the first colours of the table. Requests no push.
+  /// 12: replaces the first colours of the table. Requests no push. total_size must be right, or the packet is ignored
+  /// without a word.
   virtual void UnpackColorTablePacket(const std::uint8_t* packet) = 0;
   /// 13: the colours of one zone. An index outside the list gives a packet that its reader ignores.
   virtual std::uint8_t* PackZoneColorsPacket(std::int32_t zone_index) = 0;
-  /// 14: replaces the first colours of one zone. Requests no push.
+  /// 14: replaces the first colours of one zone. Requests no push. total_size must be right, or the packet is ignored
+  /// without a word.
   virtual void UnpackZoneColorsPacket(const std::uint8_t* packet) = 0;
   /// 15: the colour of one LED, 8 bytes. An index outside the list gives a packet that its reader ignores.
   virtual std::uint8_t* PackOneColorPacket(std::int32_t led_index) = 0;

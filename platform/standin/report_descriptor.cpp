@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <map>
 #include <optional>
+#include <ranges>
 #include <utility>
 
 namespace platform {
@@ -75,6 +76,13 @@ struct Run {
 struct UsageRun {
   Run ids;
   std::optional<USAGE> page;  // when the item named it; otherwise the main item's page counts
+};
+
+/// What of a field falls to one run of usages.
+struct Share {
+  const UsageRun* run;
+  std::uint32_t usages;
+  std::uint32_t controls;
 };
 
 struct Globals {
@@ -334,7 +342,9 @@ Refusal Parser::AddField(HIDP_REPORT_TYPE kind, std::uint32_t flags) {
   if (open_.empty()) return kSound;
   if (const Refusal refusal = TakeBits(kind)) return refusal;
   const bool empty = globals_.report_size == 0 || globals_.report_count == 0;
-  return empty || (flags & kConstant) != 0 ? kSound : AddControls(kind, flags);
+  // Of constants only a variable that names a usage is anybody's to ask for.
+  const bool padding = (flags & kConstant) != 0 && (flags & kVariable) == 0;
+  return empty || padding ? kSound : AddControls(kind, flags);
 }
 
 Refusal Parser::TakeBits(HIDP_REPORT_TYPE kind) {
@@ -365,32 +375,34 @@ void SetRuns(HIDP_VALUE_CAPS& caps, const Run& usages, const Run& data_indexes) 
 }
 
 /// Shares the field's values out among the usages: each usage has one, the last has all that are left. In an array
-/// every usage is a button of its own, however many of them a report has room for.
+/// every usage is a button of its own, however many of them a report has room for. As on Windows the capabilities
+/// stand, and their data are numbered, from the last usage named to the first.
 Refusal Parser::AddControls(HIDP_REPORT_TYPE kind, std::uint32_t flags) {
   HidCollection& collection = collections_.back();
   USHORT& data_indexes = collection.caps.*kKindCaps[kind].data_indexes;
   const bool array = (flags & kVariable) == 0;
   const bool buttons = array || globals_.report_size == 1;
-  const std::uint32_t controls = array ? locals_.usage_count : globals_.report_count;
-  HIDP_VALUE_CAPS caps = FieldCaps(flags);
-  std::uint32_t done = 0;
+  std::uint32_t left = array ? locals_.usage_count : globals_.report_count;
+  std::vector<Share> shares;
   for (const UsageRun& usage : locals_.usages) {
-    const std::uint32_t left = controls - done;
     if (left == 0) break;
     const std::uint32_t usages = std::min(usage.ids.count, left);
-    const std::uint32_t share = &usage == &locals_.usages.back() ? left : usages;
+    shares.push_back({&usage, usages, &usage == &locals_.usages.back() ? left : usages});
+    left -= shares.back().controls;
+  }
+  HIDP_VALUE_CAPS caps = FieldCaps(flags);
+  for (const auto& [usage, usages, controls] : shares | std::views::reverse) {
     if (data_indexes + usages > kMost16Bits) return "more than 65535 data indexes";
     if (buttons) {
       ++(collection.caps.*kKindCaps[kind].buttons);
     } else {
       ++(collection.caps.*kKindCaps[kind].values);
-      caps.UsagePage = PageOf(usage);
-      caps.ReportCount = Low16(share);
-      SetRuns(caps, {usage.ids.first, usages}, {data_indexes, usages});
+      caps.UsagePage = PageOf(*usage);
+      caps.ReportCount = Low16(controls);
+      SetRuns(caps, {usage->ids.first, usages}, {data_indexes, usages});
       collection.values[kind].push_back(caps);
     }
     data_indexes = Low16(data_indexes + usages);
-    done += share;
   }
   return kSound;
 }

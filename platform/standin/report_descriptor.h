@@ -14,8 +14,8 @@ namespace platform {
 /// One top-level collection, which the platform treats as an interface of its own.
 struct HidCollection {
   HIDP_CAPS caps = {};
-  /// The value fields of each HIDP_REPORT_TYPE, in the order of the descriptor. Buttons (single bits, and arrays of
-  /// usages) and constants are not among them.
+  /// The value fields of each HIDP_REPORT_TYPE, in Windows' order: main items as the descriptor has them, the usages of
+  /// one from the last named to the first. Buttons (single bits, and arrays of usages) and padding are not among them.
   std::array<std::vector<HIDP_VALUE_CAPS>, 3> values;
 };
 

@@ -10,8 +10,8 @@ namespace {
 
 constexpr std::uint8_t kOemType = 172;
 constexpr std::size_t kHeaderSize = 4;
-constexpr std::size_t kItemsOffset = 6;
-constexpr std::size_t kItemSize = 3;
+constexpr int kItemsOffset = 6;
+constexpr int kItemSize = 3;
 
 std::uint16_t ReadU16(std::span<const std::uint8_t> bytes, std::size_t offset) {
   return static_cast<std::uint16_t>(bytes[offset] | bytes[offset + 1] << 8);
@@ -28,6 +28,10 @@ std::span<const std::uint8_t> SkipToOemStructure(std::span<const std::uint8_t> r
     rest = strings.subspan(static_cast<std::size_t>(end - strings.begin()) + std::size(kEndOfStrings));
   }
   return rest;
+}
+
+std::size_t CountItems(const stSMBiosType172& record) {
+  return static_cast<std::size_t>(std::max(record.itemCount, 0));
 }
 
 }  // namespace
@@ -75,9 +79,8 @@ bool FindSMBiosType172(std::span<const std::uint8_t> table, stSMBiosType172& rec
     record.biosMajor = found[4];
     record.biosMinor = found[5];
   }
-  const std::size_t count = record.length < kItemsOffset ? 0 : (record.length - kItemsOffset) / kItemSize;
-  record.itemCount = static_cast<std::int32_t>(count);
-  for (std::size_t i = 0; i < count; ++i) {
+  record.itemCount = (record.length - kItemsOffset) / kItemSize;  // below 0 where not even a header is claimed
+  for (std::size_t i = 0; i < CountItems(record); ++i) {
     record.itemIds[i] = found[kItemsOffset + kItemSize * i];
     record.itemValues[i] = ReadU16(found, kItemsOffset + kItemSize * i + 1);
   }
@@ -92,7 +95,7 @@ std::span<const std::uint8_t> FindOemStructure(std::span<const std::uint8_t> tab
 
 AnnouncedLights FindAnnouncedLights(const stSMBiosType172& record) {
   AnnouncedLights lights;
-  for (std::size_t i = 0; i < static_cast<std::size_t>(record.itemCount); ++i) {
+  for (std::size_t i = 0; i < CountItems(record); ++i) {
     const std::uint8_t id = record.itemIds.at(i);
     const std::uint16_t value = record.itemValues.at(i);
     if (id == kItemKeyboardZones && (value == 0 || value == 1 || value == 3 || value == 4))
@@ -108,7 +111,7 @@ AnnouncedLights FindAnnouncedLights(const stSMBiosType172& record) {
 }
 
 std::optional<std::uint16_t> FirstItem(const stSMBiosType172& record, std::uint8_t id) {
-  for (std::size_t i = 0; i < static_cast<std::size_t>(record.itemCount); ++i) {
+  for (std::size_t i = 0; i < CountItems(record); ++i) {
     if (record.itemIds[i] == id) return record.itemValues[i];
   }
   return std::nullopt;

@@ -16,7 +16,7 @@ struct RawSmbiosTable {
   std::uint32_t length = 0;  // bytes in `data`
 };
 
-/// The structure, unpacked. Items beyond `itemCount` are 0.
+/// The structure, unpacked. Items beyond `itemCount` are 0; a claimed length below 4 makes it negative.
 struct stSMBiosType172 {
   std::uint8_t type = 0;
   std::uint8_t length = 0;  // of the formatted area, with its header

@@ -13,12 +13,13 @@ class DeviceHandle {
   explicit DeviceHandle(HANDLE handle) : handle_(handle) {}
   DeviceHandle(const DeviceHandle&) = delete;
   DeviceHandle& operator=(const DeviceHandle&) = delete;
-  ~DeviceHandle() {
-    if (*this) CloseHandle(handle_);
-  }
+  ~DeviceHandle() { Close(); }
 
   HANDLE Get() const { return handle_; }
   HANDLE Release() { return std::exchange(handle_, INVALID_HANDLE_VALUE); }
+  void Close() {
+    if (*this) CloseHandle(Release());
+  }
   explicit operator bool() const { return IsOpen(handle_); }
 
  private:

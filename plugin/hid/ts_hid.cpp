@@ -4,7 +4,6 @@
 #include <iostream>
 #include <memory>
 #include <new>
-#include <optional>
 
 #include "hid/hid_log.h"
 #include "hid/hid_resources.h"
@@ -49,19 +48,14 @@ std::wstring InterfacePath(HDEVINFO set, SP_DEVICE_INTERFACE_DATA& interface) {
   return detail->DevicePath;
 }
 
-/// The capabilities, or nothing and a line in the log under the caller's tag.
-std::optional<HIDP_CAPS> ReadCapability(HANDLE handle, const HidLog& log) {
+/// Reads the capabilities. Null, or what went wrong in the words of the log.
+const wchar_t* ReadCapability(HANDLE handle, HIDP_CAPS& caps) {
   const PreparsedData preparsed(handle);
-  if (!preparsed) {
-    log.Error(L"Error getting device preparsed data");
-    return std::nullopt;
-  }
-  HIDP_CAPS caps{};
-  if (HidP_GetCaps(preparsed.Get(), &caps) != HIDP_STATUS_SUCCESS) {
-    log.Error(L"Error getting device capabilities");
-    return std::nullopt;
-  }
-  return caps;
+  if (!preparsed) return L"Error getting device preparsed data";
+  HIDP_CAPS read{};
+  if (HidP_GetCaps(preparsed.Get(), &read) != HIDP_STATUS_SUCCESS) return L"Error getting device capabilities";
+  caps = read;
+  return nullptr;
 }
 
 /// An interface on its way through the enumeration. What its handle still holds at the end is closed.
@@ -72,21 +66,24 @@ struct Candidate {
   HIDP_CAPS caps{};
 };
 
-/// Opens an interface, asks it what it is, and then the predicates whether it is wanted.
-bool IsWanted(Candidate& candidate, const TsHID::IdentityPredicate& identity,
-              const TsHID::CapabilityPredicate& capability) {
-  if (!candidate.handle) return false;
-  const HidLog log(kFindTag);
+struct Verdict {
+  bool wanted = false;
+  const wchar_t* failure = nullptr;  // in the words of the log
+};
+
+/// Asks an interface what it is, and the predicates whether it is wanted. One that could not be opened is not.
+Verdict Examine(Candidate& candidate, const TsHID::IdentityPredicate& identity,
+                const TsHID::CapabilityPredicate& capability) {
+  if (!candidate.handle) return {};
   candidate.attributes.Size = sizeof(candidate.attributes);
   if (HidD_GetAttributes(candidate.handle.Get(), &candidate.attributes) == FALSE) {
-    log.Error(L"Error getting device attributes");
-    return false;
+    return {.failure = L"Error getting device attributes"};
   }
-  if (!identity(candidate.attributes.VendorID, candidate.attributes.ProductID)) return false;
-  const std::optional<HIDP_CAPS> caps = ReadCapability(candidate.handle.Get(), log);
-  if (!caps) return false;
-  candidate.caps = *caps;
-  return capability(candidate.caps);
+  if (!identity(candidate.attributes.VendorID, candidate.attributes.ProductID)) return {};
+  if (const wchar_t* const failure = ReadCapability(candidate.handle.Get(), candidate.caps)) {
+    return {.failure = failure};
+  }
+  return {.wanted = capability(candidate.caps)};
 }
 
 /// Calls `take(candidate)` for each present interface that both predicates accept, until it answers false. Whether the
@@ -107,7 +104,12 @@ bool ForEachMatch(const TsHID::IdentityPredicate& identity, const TsHID::Capabil
     const std::wstring path = InterfacePath(present.Get(), interface);
     if (path.empty()) continue;
     Candidate candidate{path, OpenInterface(path)};
-    if (IsWanted(candidate, identity, capability) && !take(candidate)) break;
+    const Verdict verdict = Examine(candidate, identity, capability);
+    if (verdict.failure != nullptr) {
+      candidate.handle.Close();  // a log that hangs must not keep the device open
+      HidLog(kFindTag).Error(L"%ls", verdict.failure);
+    }
+    if (verdict.wanted && !take(candidate)) break;
   }
   return true;
 }
@@ -189,9 +191,9 @@ bool TsHID::GetHIDFeature(HANDLE handle, std::uint8_t report_id, std::uint8_t* b
 }
 
 bool TsHID::GetHIDCapability(HANDLE handle, HIDP_CAPS& caps) {
-  const std::optional<HIDP_CAPS> read = ReadCapability(handle, HidLog(kCapabilityTag));
-  if (read) caps = *read;
-  return read.has_value();
+  const wchar_t* const failure = ReadCapability(handle, caps);
+  if (failure != nullptr) HidLog(kCapabilityTag).Error(L"%ls", failure);
+  return failure == nullptr;
 }
 
 bool TsHID::GetHIDValueCapability(HANDLE handle, std::vector<HIDP_VALUE_CAPS>& caps) {

@@ -12,5 +12,6 @@ inline constexpr ServiceSwitch kLogSwitch = {L"SOFTWARE\\OEM\\ZarnLightingServic
 inline constexpr ServiceSwitch kHybridSwitch = {L"SOFTWARE\\OEM\\ZarnLightingService", L"HybridMode"};
 
 /// Whether its value, as the platform reads it, is the four bytes of a 1, whatever the type. A key or value that is
-/// missing, and a value of another length, is a switch that is off. Any thread may call.
+/// missing, and a shorter value, is a switch that is off. Of a longer value the platform does not say what it leaves to
+/// be read; all known ones leave nothing, which is off. Any thread may call.
 bool IsOn(const ServiceSwitch& service_switch);

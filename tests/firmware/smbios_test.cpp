@@ -53,7 +53,13 @@ TEST(Smbios, OnlyWholeItemsCount) {
   }
   // Formatted lengths below 6: the version bytes are taken where six bytes are there.
   EXPECT_EQ(Found("ac 04 00 00 02 5b").biosMajor, 2);
-  EXPECT_EQ(Found("ac 00 00 00 02 5b").itemCount, 0);
+  // The count is the plain division, and nothing is looked for in a record with less than none.
+  EXPECT_EQ(Found("ac 05 00 00 02 5b").itemCount, 0);
+  EXPECT_EQ(Found("ac 03 00 00 02 5b").itemCount, -1);
+  const stSMBiosType172 nothing_claimed = Found("ac 00 00 00 02 5b");
+  EXPECT_EQ(nothing_claimed.itemCount, -2);
+  EXPECT_EQ(FirstItem(nothing_claimed, 0), std::nullopt);
+  EXPECT_FALSE(FindAnnouncedLights(nothing_claimed).keyboard);
   EXPECT_EQ(Found("ac 04 00 00").biosMajor, 0);
 }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,9 +23,12 @@ class RecordingLogger final : public zarn::WRV520::Logger {
     SetLastError(4242);  // as logging does, on its way to the file
     const std::wstring tag = function_tag.substr(function_tag.find(L"WRV520::") + 8);
     EXPECT_EQ(function_tag.find(L"zarn::WRV520::"), 0U);
+    const platform::LiveCounts live = platform::CountLive();
+    open_while_logging = live.device_handles + live.preparsed_data;
     lines.push_back(std::string(level == Error ? "E " : "I ") + platform::ReadableUtf8(tag + L" | " + message));
   }
   std::vector<std::string> lines;
+  std::int64_t open_while_logging = 0;  // handles and preparsed data, at the last line
 };
 
 class LightingTest : public MachineTest {
@@ -58,6 +62,9 @@ class LightingTest : public MachineTest {
     zarn::WRV520::Lighting::LightingHID::GetLightingDeviceList(ignored);
     logger_->lines.clear();
   }
+
+  /// How much of the platform's was held when the last line was logged.
+  std::int64_t OpenWhileLogging() const { return logger_->open_while_logging; }
 
  private:
   const std::shared_ptr<RecordingLogger> logger_ = std::make_shared<RecordingLogger>();

@@ -97,8 +97,8 @@ TEST(ReportDescriptorParser, MouseHasTwoRelativeValuesBehindItsButtons) {
   ASSERT_EQ(mouse.size(), 1U);
   EXPECT_EQ(Shape(mouse[0].caps), (std::vector{1, 2, 4, 0, 0, 2}));
   EXPECT_EQ(Counts(mouse[0].caps), (std::vector{1, 2, 5, 0, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(Values(mouse[0], HidP_Input), (Lines{"0 1:30 8x1 @3", "0 1:31 8x1 @4"}));
-  const HIDP_VALUE_CAPS& x = mouse[0].values[HidP_Input].at(0);
+  EXPECT_EQ(Values(mouse[0], HidP_Input), (Lines{"0 1:31 8x1 @3", "0 1:30 8x1 @4"}));
+  const HIDP_VALUE_CAPS& x = mouse[0].values[HidP_Input].at(1);
   EXPECT_EQ((std::vector{x.LogicalMin, x.LogicalMax}), (std::vector{-127, 127}));
   EXPECT_EQ((std::vector<int>{x.BitField, x.IsAbsolute, x.HasNull}), (std::vector{6, 0, 0}));
   EXPECT_EQ((std::vector<int>{x.LinkCollection, x.LinkUsage, x.LinkUsagePage}), (std::vector{1, 1, 1}));
@@ -117,9 +117,9 @@ TEST(ReportDescriptorParser, LightingKeyboardDeclaresItsFourReports) {
   EXPECT_EQ(
       Values(lighting[0]),
       (Lines{"a1 ff5a:11 8x40 @0", "a2 ff5a:21 8x1 @1", "a3 ff5a:30 8x1 @2", "a3 ff5a:34 8x1 @3", "a3 ff5a:32 8x1 @4",
-             "a3 ff5a:35 10x1 @5", "a3 ff5a:33 10x1 @6", "a3 ff5a:31 20x1 @7", "a4 ff5a:40 8x1 @8", "a4 ff5a:41 8x1 @9",
-             "a4 ff5a:43 8x1 @a", "a4 ff5a:42 8x1 @b", "a4 ff5a:44 8x1 @c", "a4 ff5a:45 8x1 @d", "a4 ff5a:46 8x1 @e",
-             "a4 ff5a:47 8x1 @f", "a4 ff5a:48 10x1 @10"}));
+             "a3 ff5a:35 10x1 @5", "a3 ff5a:33 10x1 @6", "a3 ff5a:31 20x1 @7", "a4 ff5a:40 8x1 @8", "a4 ff5a:47 8x1 @9",
+             "a4 ff5a:46 8x1 @a", "a4 ff5a:45 8x1 @b", "a4 ff5a:44 8x1 @c", "a4 ff5a:42 8x1 @d", "a4 ff5a:43 8x1 @e",
+             "a4 ff5a:41 8x1 @f", "a4 ff5a:48 10x1 @10"}));
   EXPECT_EQ(lighting[0].values[HidP_Feature].at(7).LogicalMax, 0x7FFFFFFF);
 }
 
@@ -157,21 +157,21 @@ TEST(ReportDescriptorParser, UsagesShareTheValuesOfAField) {
     const char* items;
     Lines values;
   } kCases[] = {
-      {"09 30 09 31 95 05 b1 02", {"0 ff00:30 8x1 @0", "0 ff00:31 8x4 @1"}},
-      {"09 30 09 31 09 32 95 02 b1 02", {"0 ff00:30 8x1 @0", "0 ff00:31 8x1 @1"}},
+      {"09 30 09 31 95 05 b1 02", {"0 ff00:31 8x4 @0", "0 ff00:30 8x1 @1"}},
+      {"09 30 09 31 09 32 95 02 b1 02", {"0 ff00:31 8x1 @0", "0 ff00:30 8x1 @1"}},
       {"19 30 29 33 95 04 b1 02", {"0 ff00:30-33 8x4 @0-3"}},
       {"19 30 29 33 95 06 b1 02 09 40 b1 02", {"0 ff00:30-33 8x6 @0-3", "0 ff00:40 8x6 @4"}},
       {"1a 00 00 2a ff ff 95 03 b1 02", {"0 ff00:0-2 8x3 @0-2"}},
       {"19 30 29 33 b1 02", {"0 ff00:30 8x1 @0"}},
-      {"19 30 29 31 09 40 95 04 b1 02", {"0 ff00:30-31 8x2 @0-1", "0 ff00:40 8x2 @2"}},
-      {"95 04 b1 02 09 30 b1 02", {"0 ff00:30 8x4 @0"}},                          // without a usage: no capability
-      {"09 30 b1 03 b1 01 09 31 b1 02", {"0 ff00:31 8x1 @0"}},                    // constants
+      {"19 30 29 31 09 40 95 04 b1 02", {"0 ff00:40 8x2 @0", "0 ff00:30-31 8x2 @1-2"}},
+      {"95 04 b1 02 09 30 b1 02", {"0 ff00:30 8x4 @0"}},  // without a usage: no capability
+      {"09 30 b1 03 b1 03 09 32 b1 01 09 31 b1 02", {"0 ff00:30 8x1 @0", "0 ff00:31 8x1 @1"}},  // constants
       {"09 30 b1 00 75 01 09 31 b1 02 75 08 09 32 b1 02", {"0 ff00:32 8x1 @2"}},  // buttons, and then a value
       {"0b 31 00 0c 00 b1 02", {"0 c:31 8x1 @0"}},                                // the page in the usage
       {"1b 31 00 0c 00 2b 32 00 0c 00 95 02 b1 02", {"0 c:31-32 8x2 @0-1"}},
       {"09 30 05 0c b1 02", {"0 c:30 8x1 @0"}},  // the page in force at the main item
-      {"a9 01 09 30 09 31 19 01 29 09 a9 00 09 32 95 02 b1 02", {"0 ff00:30 8x1 @0", "0 ff00:32 8x1 @1"}},
-      {"a9 01 09 30 a9 00 a9 01 09 31 09 32 a9 00 95 02 b1 02", {"0 ff00:30 8x1 @0", "0 ff00:31 8x1 @1"}},
+      {"a9 01 09 30 09 31 19 01 29 09 a9 00 09 32 95 02 b1 02", {"0 ff00:32 8x1 @0", "0 ff00:30 8x1 @1"}},
+      {"a9 01 09 30 a9 00 a9 01 09 31 09 32 a9 00 95 02 b1 02", {"0 ff00:31 8x1 @0", "0 ff00:30 8x1 @1"}},
       {"fe 03 c0 c0 c0 c0 09 30 39 07 79 04 fe 00 00 b1 02 fc", {"0 ff00:30 8x1 @0"}},  // long, reserved, decoration
       {"09 30 d0 09 31 b1 02 fb 01 02 03 04 c9 05", {"0 ff00:31 8x1 @0"}},              // unknown main and local items
       {"08 b1 02", {"0 ff00:0 8x1 @0"}},                                                // items without data
