@@ -23,8 +23,6 @@ using simulator::HidLights;
 using simulator::KeyboardLights;
 using simulator::Notebook;
 
-constexpr std::uint8_t kHidStatic = 2;
-
 simulator::Color LightOf(PackedColor color) { return {RedOf(color), GreenOf(color), BlueOf(color)}; }
 
 PackedColor OwnColor(const ModeRecord& mode) {

@@ -15,7 +15,6 @@ namespace {
 /// The host's codes of effects, and the HID keyboard's.
 constexpr std::array<std::pair<std::int32_t, std::uint8_t>, 13> kHidEffects{
     {{0, 2}, {1, 4}, {2, 5}, {3, 7}, {4, 8}, {5, 9}, {6, 10}, {7, 11}, {8, 13}, {9, 14}, {10, 15}, {11, 12}, {34, 6}}};
-constexpr std::uint8_t kHidStatic = 2;
 
 /// By direction setting: codes count from 1, with the first two changed over.
 constexpr std::array<std::uint8_t, 6> kDirections{2, 1, 3, 4, 5, 6};

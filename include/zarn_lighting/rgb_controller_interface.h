@@ -56,8 +56,8 @@ class RGBControllerInterface {
 
   /// 7: the whole description in the layout of `protocol_version`.
   virtual std::uint8_t* PackDescription(std::uint32_t protocol_version) = 0;
-  /// 8: replaces texts, kind and active mode, and appends the modes, zones, LEDs and colours of a description. Its first
-  /// field, total_size, must be its true size in bytes, or the buffer is ignored without a word.
+  /// 8: replaces texts, kind and active mode, and appends the modes, zones, LEDs and colours of a description. Its
+  /// first field, total_size, must be its true size in bytes, or the buffer is ignored without a word.
   virtual void UnpackDescription(const std::uint8_t* buffer, std::uint32_t protocol_version) = 0;
   /// 9: one mode. An index outside the list gives a packet that its reader ignores.
   virtual std::uint8_t* PackModePacket(std::int32_t mode_index, std::uint32_t protocol_version) = 0;

@@ -28,7 +28,7 @@ std::wstring DevicePath(const std::wstring& path) {
   return marked ? path.substr(0, mark) : path;
 }
 
-std::shared_ptr<const HidInterface> Fail(LONG error) {
+std::shared_ptr<const HidInterface> NotOpened(LONG error) {
   SetThreadError(error);
   return nullptr;
 }
@@ -42,7 +42,7 @@ std::shared_ptr<const HidInterface> InterfaceAt(const std::wstring& path, const 
     return std::make_shared<const HidInterface>(HidInterface{path, device.vendor, device.product, device.version,
                                                              std::move(collections[i]), std::move(connection)});
   }
-  return Fail(ERROR_FILE_NOT_FOUND);
+  return NotOpened(ERROR_FILE_NOT_FOUND);
 }
 
 }  // namespace
@@ -58,14 +58,14 @@ std::vector<std::wstring> HidInterfacePaths() {
 
 std::shared_ptr<const HidInterface> OpenHidInterface(const std::wstring& path) {
   OpenedHidDevice opened = CurrentMachine()->OpenHidDevice(DevicePath(path));
-  if (opened.error != ERROR_SUCCESS) return Fail(opened.error);
+  if (opened.error != ERROR_SUCCESS) return NotOpened(opened.error);
   return InterfaceAt(path, opened.device, std::move(opened.connection));
 }
 
 std::shared_ptr<const HidInterface> OpenHidInterfaceToLook(const std::wstring& path) {
   const std::vector<HidDevice> devices = CurrentMachine()->HidDevices();
   const auto device = std::ranges::find(devices, DevicePath(path), &HidDevice::path);
-  return device != devices.end() ? InterfaceAt(path, *device, nullptr) : Fail(ERROR_FILE_NOT_FOUND);
+  return device != devices.end() ? InterfaceAt(path, *device, nullptr) : NotOpened(ERROR_FILE_NOT_FOUND);
 }
 
 }  // namespace platform

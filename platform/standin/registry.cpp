@@ -56,7 +56,7 @@ LONG Query(HKEY key, LPCWSTR name, LPDWORD type, LPBYTE data, LPDWORD size) {
   return size != nullptr ? CopyOut(*bytes, data, *size) : ERROR_SUCCESS;
 }
 
-LONG Close(HKEY key) {
+LONG CloseKey(HKEY key) {
   if (Keys().Remove(key)) return ERROR_SUCCESS;
   Complain("RegCloseKey of a key that is not open");
   return ERROR_INVALID_HANDLE;
@@ -87,7 +87,7 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD /*reserved*/, LPDWORD type
 
 LONG RegCloseKey(HKEY key) {
   return Pass(
-      kRegCloseKey, [&] { return DescribedKey(key); }, [&] { return Close(key); });
+      kRegCloseKey, [&] { return DescribedKey(key); }, [&] { return CloseKey(key); });
 }
 
 }  // extern "C"

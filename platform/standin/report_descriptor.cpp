@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <map>
 #include <optional>
-#include <ranges>
 #include <utility>
 
 namespace platform {
@@ -391,7 +390,8 @@ Refusal Parser::AddControls(HIDP_REPORT_TYPE kind, std::uint32_t flags) {
     left -= shares.back().controls;
   }
   HIDP_VALUE_CAPS caps = FieldCaps(flags);
-  for (const auto& [usage, usages, controls] : shares | std::views::reverse) {
+  std::reverse(shares.begin(), shares.end());
+  for (const auto& [usage, usages, controls] : shares) {
     if (data_indexes + usages > kMost16Bits) return "more than 65535 data indexes";
     if (buttons) {
       ++(collection.caps.*kKindCaps[kind].buttons);

@@ -7,12 +7,12 @@
 namespace platform {
 namespace {
 
-struct Number {
+struct Decimal {
   std::uint64_t magnitude = 0;
   bool negative = false;
 };
 
-HRESULT ReadNumber(std::wstring_view text, Number& number) {
+HRESULT ReadNumber(std::wstring_view text, Decimal& number) {
   number.negative = text.starts_with(L'-');
   if (number.negative) text.remove_prefix(1);
   if (text.empty() || !std::ranges::all_of(text, [](wchar_t c) { return c >= L'0' && c <= L'9'; })) {
@@ -28,7 +28,7 @@ HRESULT ReadNumber(std::wstring_view text, Number& number) {
 }
 
 struct NumberReader {
-  Number& number;
+  Decimal& number;
 
   HRESULT operator()(std::monostate /*empty*/) const { return S_OK; }
   HRESULT operator()(const Null& /*null*/) const { return DISP_E_TYPEMISMATCH; }
@@ -47,7 +47,7 @@ struct NumberReader {
 
 template <typename Target>
 HRESULT ToNumber(const Value& source, Value& result) {
-  Number number;
+  Decimal number;
   if (const HRESULT read = std::visit(NumberReader{number}, source); FAILED(read)) return read;
   constexpr auto kHighest = static_cast<std::uint64_t>(std::numeric_limits<Target>::max());
   constexpr std::uint64_t kLowest = std::is_signed_v<Target> ? kHighest + 1 : 0;
@@ -70,7 +70,7 @@ HRESULT ToText(const Value& source, Value& result) {
     result = source;
     return S_OK;
   }
-  Number number;
+  Decimal number;
   if (const HRESULT read = std::visit(NumberReader{number}, source); FAILED(read)) return read;
   const bool empty = std::holds_alternative<std::monostate>(source);
   result = empty ? std::wstring() : (number.negative ? L"-" : L"") + std::to_wstring(number.magnitude);

@@ -7,20 +7,20 @@
 
 namespace {
 
-constexpr char kName[] = "Zarn Global Device";
+constexpr char kGlobalName[] = "Zarn Global Device";
 
 namespace Can = ModeCapability;
-constexpr EcModeDifferences kModes{.direct_capabilities = Can::PerLedColors,
-                                   .wave_capabilities = ModeRows::kEffect | Can::DirectionSetA};
+constexpr EcModeDifferences kGlobalModes{.direct_capabilities = Can::PerLedColors,
+                                         .wave_capabilities = ModeRows::kEffect | Can::DirectionSetA};
 
 }  // namespace
 
 RGBController_ZarnECGlobal::RGBController_ZarnECGlobal(ZarnECGlobalController* controller) : hw_controller(controller) {
-  title = kName;
+  title = kGlobalName;
   maker_name = "Zarn";
-  caption = kName;
+  caption = kGlobalName;
   hw_kind = DeviceKind::Keyboard;
-  mode_list = MakeEcModes(kModes);
+  mode_list = MakeEcModes(kGlobalModes);
   RGBController_ZarnECGlobal::DefineLayout();
 }
 

@@ -10,10 +10,10 @@
 
 namespace {
 
-constexpr char kName[] = "Zarn EC Keyboard Device";
+constexpr char kKeyboardName[] = "Zarn EC Keyboard Device";
 
 namespace Can = ModeCapability;
-constexpr EcModeDifferences kModes{
+constexpr EcModeDifferences kKeyboardModes{
     .direct_capabilities = Can::BrightnessAdjustable | Can::PerLedColors,
     .wave_capabilities = ModeRows::kEffect | Can::DirectionSetA | Can::DirectionSetB | Can::DirectionSetC};
 
@@ -21,11 +21,11 @@ constexpr EcModeDifferences kModes{
 
 RGBController_ZarnECKeyboard::RGBController_ZarnECKeyboard(ZarnECKeyboardController* controller)
     : hw_controller(controller) {
-  title = kName;
+  title = kKeyboardName;
   maker_name = "Zarn";
-  caption = kName;
+  caption = kKeyboardName;
   hw_kind = DeviceKind::Keyboard;
-  mode_list = MakeEcModes(kModes);
+  mode_list = MakeEcModes(kKeyboardModes);
   RGBController_ZarnECKeyboard::DefineLayout();
 }
 

@@ -5,7 +5,7 @@
 namespace test {
 namespace {
 
-using Zone = simulator::HidLights::Zone;
+using HidZone = simulator::HidLights::Zone;
 using Kind = HidKeyboard::Misbehaviour::Kind;
 
 class HidKeyboardCase : public Case {
@@ -57,7 +57,7 @@ TEST_F(HidKeyboardCase, EveryModeReachesTheKeyboardUnderItsOwnCode) {
   CreateKeyboard(4, 0x7FF8);
   Choose(keyboard, "STATIC", {.speed = 0, .colors = {0xFF}});
   EXPECT_EQ(Wire(), Lines{"SetFeature 0 a4 21 02 32 00 02 ff 00 00 0f"});
-  EXPECT_EQ(Keyboard().Lights().zones, std::vector<Zone>(4, {2, 50, 0, 2, {255, 0, 0}}));
+  EXPECT_EQ(Keyboard().Lights().zones, std::vector<HidZone>(4, {2, 50, 0, 2, {255, 0, 0}}));
   EXPECT_EQ(Log(), (Lines{"I ZarnHIDKeyboardController::SetMode | mode=2, speed=0, direction=2, brightness=50, "
                           "color=(0xFF,0x00,0x00) zone=0F",
                           "I Lighting::LightingHID::SetLightingDeviceUpdateReport | 21,02,32,00,02,FF,00,00,0F,00"}));
@@ -120,7 +120,7 @@ TEST_F(HidKeyboardCase, ColoursGoOutZoneByZone) {
   keyboard->WriteModeToDevice();
   EXPECT_EQ(Wire(), expected);
   EXPECT_EQ(Keyboard().Lights().zones,
-            (std::vector<Zone>{{2, 50, 0, 0, {1, 2, 3}}, {2, 50, 0, 0, {}}, {2, 50, 0, 0, {255, 0, 0}}}));
+            (std::vector<HidZone>{{2, 50, 0, 0, {1, 2, 3}}, {2, 50, 0, 0, {}}, {2, 50, 0, 0, {255, 0, 0}}}));
 
   keyboard->StoreLedColor(2, 0x00336699);
   for (const std::int32_t led : {2, -1, 3, 0x7FFFFFFF}) keyboard->WriteLedToDevice(led);
@@ -179,7 +179,7 @@ TEST_F(HidKeyboardCase, FieldsThatAreNarrowOrMissingTakeTheirRoomAndNoMore) {
   EXPECT_EQ(ModesOf(keyboard), (Lines{"Direct", "STATIC", "BREATHING", "NEON", "WAVE"}));
   Choose(keyboard, "BREATHING", {.speed = 9, .direction = 1, .colors = {0x030201}});
   EXPECT_EQ(Wire(), Lines{"SetFeature 0 a4 21 04 32 09 01 02 03 3f"});
-  EXPECT_EQ(Keyboard().Lights().zones, std::vector<Zone>(6, {4, 50, 9, 0, {1, 2, 3}}));
+  EXPECT_EQ(Keyboard().Lights().zones, std::vector<HidZone>(6, {4, 50, 9, 0, {1, 2, 3}}));
 }
 
 TEST_F(HidKeyboardCase, UpdatesReachAllKeyboardsAndTheFirstOneDescribesThem) {
@@ -187,9 +187,9 @@ TEST_F(HidKeyboardCase, UpdatesReachAllKeyboardsAndTheFirstOneDescribesThem) {
   EXPECT_EQ(Describe(keyboard).led_list.size(), 4U);
   EXPECT_EQ(ModesOf(keyboard).back(), "TWINKLING");
   Choose(keyboard, "STATIC", {.colors = {0xFF}});
-  EXPECT_EQ(Keyboard(0).Lights().zones, std::vector<Zone>(4, {2, 50, 5, 2, {255, 0, 0}}));
-  EXPECT_EQ(Keyboard(1).Lights().zones[3], (Zone{2, 50, 5, 2, {255, 0, 0}}));
-  EXPECT_EQ(Keyboard(1).Lights().zones[4], Zone{});
+  EXPECT_EQ(Keyboard(0).Lights().zones, std::vector<HidZone>(4, {2, 50, 5, 2, {255, 0, 0}}));
+  EXPECT_EQ(Keyboard(1).Lights().zones[3], (HidZone{2, 50, 5, 2, {255, 0, 0}}));
+  EXPECT_EQ(Keyboard(1).Lights().zones[4], HidZone{});
 
   Unplug();
   Choose(keyboard, "STATIC", {.colors = {0xFF00}});
