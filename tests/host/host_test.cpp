@@ -1,0 +1,129 @@
+#include "zarn_lighting/host.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "simulator/notebook.h"
+#include "simulator/road/notebook_machine.h"
+#include "tests/support/fault_driver.h"
+#include "tests/support/machine_fixture.h"
+
+namespace test {
+namespace {
+
+using zarn::host::Device;
+using zarn::host::Failure;
+using zarn::host::Plugin;
+
+/// Over a simulated notebook, with the plug-in as it is.
+class HostTest : public MachineTest {
+ protected:
+  static std::shared_ptr<simulator::Notebook> Start(const std::string& profile) {
+    auto notebook = std::make_shared<simulator::Notebook>(
+        simulator::LoadProfile(std::string(ZARN_PROFILE_DIR) + "/" + profile + ".toml"));
+    EXPECT_TRUE(platform::UseMachine(simulator::MakeMachine(notebook)));
+    return notebook;
+  }
+  static Plugin Loaded() { return *Plugin::Load(ZARN_LIGHTING_PATH); }
+};
+
+TEST_F(HostTest, DiscoversDescribesAndSends) {
+  const auto notebook = Start("four-zone");
+  const auto plugin = Plugin::Load(ZARN_LIGHTING_PATH);
+  ASSERT_TRUE(plugin);
+  const auto found = plugin->Discover();
+  ASSERT_TRUE(found);
+  EXPECT_EQ(found->names, std::vector<std::string>{"ZarnECKeyboard"});
+  EXPECT_EQ(found->interface_type, 3U);
+  auto device = plugin->Create("ZarnECKeyboard");
+  ASSERT_TRUE(device);
+  const auto records = device->Describe();
+  ASSERT_TRUE(records);
+  EXPECT_EQ(records->title, "Zarn EC Keyboard Device");
+  ASSERT_EQ(records->zone_list.size(), 1U);
+  EXPECT_EQ(records->zone_list[0].color_view, records->color_table.data());  // moved, and still leads there
+
+  ModeRecord breathing = records->mode_list.at(2);
+  breathing.speed_setting = 7;
+  breathing.brightness_setting = 30;
+  EXPECT_EQ(device->SetMode(2, breathing), std::nullopt);
+  EXPECT_EQ(notebook->TakeWire().size(), 0U);  // nothing is sent yet
+  EXPECT_EQ(device->WriteMode(), std::nullopt);
+  EXPECT_EQ(notebook->Lights().effect->speed, 7);
+  EXPECT_EQ(notebook->Lights().brightness, 30);
+
+  EXPECT_EQ(device->SetColors({0x0000FF, 0x00FF00}), std::nullopt);  // the first two of four
+  EXPECT_EQ(device->WriteColors(), std::nullopt);
+  EXPECT_EQ(notebook->Lights().zones[1].color, (simulator::Color{0, 255, 0}));
+  EXPECT_EQ(device->controller().FetchLedColor(2), 0U);
+}
+
+TEST_F(HostTest, WhatTheDeviceDoesNotTakeIsSaidAndChangesNothing) {
+  Start("four-zone");
+  const Plugin plugin = Loaded();
+  auto device = plugin.Create("ZarnECKeyboard");
+  ASSERT_TRUE(device);
+  const ModeRecord mode = device->Describe()->mode_list[1];
+  for (const std::int32_t index : {-1, 9, 0x7FFFFFFF}) {
+    const auto refused = device->SetMode(index, mode);
+    ASSERT_TRUE(refused) << index;
+    EXPECT_EQ(refused->failure, Failure::Refused);
+    EXPECT_EQ(refused->text, "the device did not take the mode");
+  }
+  EXPECT_EQ(device->controller().CurrentModeIndex(), 0);
+  for (const std::size_t count : {0U, 5U, 70000U}) {
+    const auto refused = device->SetColors(std::vector<PackedColor>(count, 7));
+    ASSERT_TRUE(refused) << count;
+    EXPECT_EQ(refused->failure, Failure::Refused);
+  }
+  EXPECT_EQ(device->Describe()->color_table, std::vector<PackedColor>(4, 0));
+}
+
+TEST_F(HostTest, WhatIsNoPluginOrDeviceIsSaid) {
+  const auto missing = Plugin::Load("/nowhere/plugin.so");
+  ASSERT_FALSE(missing);
+  EXPECT_EQ(missing.error().failure, Failure::NotLoaded);
+  EXPECT_EQ(missing.error().text, "/nowhere/plugin.so: cannot open shared object file: No such file or directory");
+
+  const auto other = Plugin::Load("libdl.so.2");
+  ASSERT_TRUE(other);
+  ASSERT_FALSE(other->Discover());
+  EXPECT_EQ(other->Discover().error().failure, Failure::NoExport);
+  EXPECT_EQ(other->Discover().error().text, "the plug-in has no export CheckDeviceStatus");
+  EXPECT_EQ(other->Create("ZarnECKeyboard").error().failure, Failure::NoExport);
+  EXPECT_EQ(Loaded().Create("ZarnMouse").error().failure, Failure::UnknownDevice);
+}
+
+TEST_F(HostTest, MemoryThatRunsOutIsAnErrorAndNeverThrown) {
+  Start("four-zone");
+  const Plugin plugin = Loaded();
+  auto device = plugin.Create("ZarnECKeyboard");
+  ASSERT_TRUE(device);
+  const ModeRecord mode = device->Describe()->mode_list[1];
+  const std::vector<PackedColor> colors(4, 7);
+  const std::filesystem::path file = ZARN_LIGHTING_PATH;
+  std::optional<Failure> failure;
+  const auto note = [&failure](const auto& error) {
+    if (error) failure = error->failure;
+  };
+  FailInTurn(
+      [&] {
+        if (const auto records = device->Describe(); !records) failure = records.error().failure;
+        if (const auto loaded = Plugin::Load(file); !loaded) failure = loaded.error().failure;
+        note(device->SetMode(1, mode));
+        note(device->SetColors(colors));
+      },
+      [&](const FaultRun& run) {
+        EXPECT_FALSE(run.threw_bad_alloc);
+        EXPECT_EQ(failure, run.met ? std::optional(Failure::OutOfMemory) : std::nullopt);
+        failure.reset();
+      });
+}
+
+}  // namespace
+}  // namespace test
