@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
 
 #include "platform/system.h"
 #include "tests/support/hex.h"
@@ -70,37 +69,6 @@ TEST_F(Hid, EachTopLevelCollectionIsAnInterfaceOfItsOwn) {
   }
 }
 
-TEST_F(Hid, RecordsOfTheWrongSizeAreRefused) {
-  machine->Plug(VendorCollection(0xFF5A, {}));
-  const HDEVINFO set = SetupDiGetClassDevsW(&hid_class, nullptr, nullptr, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
-  SP_DEVICE_INTERFACE_DATA data{};
-  data.cbSize = 28;
-  EXPECT_FALSE(SetupDiEnumDeviceInterfaces(set, nullptr, &hid_class, 0, &data));
-  EXPECT_EQ(GetLastError(), DWORD{1784});
-  data.cbSize = 32;
-  ASSERT_TRUE(SetupDiEnumDeviceInterfaces(set, nullptr, &hid_class, 0, &data));
-  DWORD size = 0;
-  EXPECT_FALSE(SetupDiGetDeviceInterfaceDetailW(set, &data, nullptr, 0, &size, nullptr));
-  EXPECT_EQ(GetLastError(), DWORD{122});
-  EXPECT_EQ(size, 4 + 4 * sizeof(L"\\\\?\\hid#test#01") / sizeof(wchar_t));
-  alignas(SP_DEVICE_INTERFACE_DETAIL_DATA_W) std::byte block[512];
-  auto* const detail = new (block) SP_DEVICE_INTERFACE_DETAIL_DATA_W{6, {L'x'}};
-  EXPECT_FALSE(SetupDiGetDeviceInterfaceDetailW(set, &data, detail, size, nullptr, nullptr));
-  detail->cbSize = 8;
-  EXPECT_FALSE(SetupDiGetDeviceInterfaceDetailW(set, &data, detail, size - 1, nullptr, nullptr));
-  EXPECT_EQ(detail->DevicePath[0], L'x');
-  EXPECT_TRUE(SetupDiGetDeviceInterfaceDetailW(set, &data, detail, size, nullptr, nullptr));
-  EXPECT_TRUE(SetupDiDestroyDeviceInfoList(set));
-
-  const HANDLE handle = Open(detail->DevicePath);
-  HIDD_ATTRIBUTES attributes{8, 0, 0, 0};
-  EXPECT_FALSE(HidD_GetAttributes(handle, &attributes));
-  attributes.Size = 12;
-  EXPECT_TRUE(HidD_GetAttributes(handle, &attributes));
-  EXPECT_EQ(attributes.VersionNumber, 0x0100);
-  EXPECT_TRUE(CloseHandle(handle));
-}
-
 TEST_F(Hid, ReportsOfTheRightLengthReachTheDeviceAndNoOthers) {
   ScriptedHid& device = machine->Plug(VendorCollection(0xFF5A, {}, 3));
   const HANDLE handle = Open(device.device.path);
@@ -125,40 +93,6 @@ TEST_F(Hid, ReportsOfTheRightLengthReachTheDeviceAndNoOthers) {
   EXPECT_EQ(GetLastError(), DWORD{1167});
   EXPECT_TRUE(CloseHandle(handle));
   EXPECT_EQ(GetLastError(), DWORD{0});  // so that a code read too late is seen
-}
-
-TEST_F(Hid, DevicesThatMayNotBeUsedTellWhyAtOnce) {
-  ScriptedHid& device = machine->Plug(VendorCollection(0xFF5A, {}));
-  device.open_error = ERROR_ACCESS_DENIED;
-  EXPECT_EQ(Open(device.device.path), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(GetLastError(), DWORD{5});
-  std::thread([] { EXPECT_EQ(GetLastError(), DWORD{0}); }).join();
-
-  const HANDLE looking = CreateFileW(device.device.path.c_str(), 0, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-  HIDD_ATTRIBUTES attributes{12, 0, 0, 0};
-  EXPECT_TRUE(HidD_GetAttributes(looking, &attributes));
-  EXPECT_EQ(attributes.VendorID, 0x1209);
-  Bytes report(65);
-  EXPECT_FALSE(HidD_GetFeature(looking, report.data(), 65));
-  EXPECT_EQ(GetLastError(), DWORD{5});
-  EXPECT_TRUE(CloseHandle(looking));
-}
-
-TEST_F(Hid, ValueCapabilitiesOutliveTheHandleAndEndWithTheirData) {
-  const HANDLE handle =
-      Open(machine->Plug(VendorCollection(0xFF5A, {{0xA3, 0x34, 8}, {0xA4, 0x48, 16, 3}})).device.path);
-  PHIDP_PREPARSED_DATA preparsed = nullptr;
-  ASSERT_TRUE(HidD_GetPreparsedData(handle, &preparsed));
-  EXPECT_TRUE(CloseHandle(handle));
-  HIDP_VALUE_CAPS caps[3]{};
-  USHORT count = 3;
-  EXPECT_EQ(HidP_GetValueCaps(HidP_Feature, caps, &count, preparsed), HIDP_STATUS_SUCCESS);
-  EXPECT_EQ(count, 2);
-  EXPECT_EQ(caps[1].ReportCount, 3);
-  EXPECT_EQ(HidP_GetValueCaps(HidP_Input, caps, &count, preparsed), MakeNtStatus(0xC0110004));
-  EXPECT_TRUE(HidD_FreePreparsedData(preparsed));
-  EXPECT_EQ(HidP_GetValueCaps(HidP_Feature, caps, &count, preparsed), MakeNtStatus(0xC0110001));
-  EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{"HidP_GetValueCaps of data that is not there"});
 }
 
 TEST_F(Hid, WhatIsClosedCannotBeUsedOrClosedAgain) {

@@ -9,7 +9,6 @@
 
 namespace {
 
-using platform::FaultPlan;
 using test::OwnedVariant;
 using test::Session;
 using InstrumentsTest = test::MachineTest;
@@ -40,15 +39,6 @@ TEST_F(InstrumentsTest, CallsFailInTheirOwnWayAndDoNothing) {
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
   std::wofstream stream;
   EXPECT_TRUE(Failing([&] { return platform::OpenStream(stream, L"/dev/null", std::ios_base::out), stream.fail(); }));
-}
-
-TEST_F(InstrumentsTest, EmptySuccessHandsNothingBack) {
-  const Session session;
-  platform::ArmFaults({.first = 2, .reach = FaultPlan::Reach::FromThere, .kind = FaultPlan::Kind::EmptySuccess});
-  EXPECT_NE(session.Query(L"SELECT * FROM ZarnGamingFunction"), nullptr);
-  EXPECT_EQ(session.Query(L"SELECT * FROM ZarnGamingFunction"), nullptr);
-  EXPECT_EQ(session.status, S_OK);
-  EXPECT_EQ(platform::DisarmFaults(), 1U);
 }
 
 TEST_F(InstrumentsTest, WhatMachineOrJournalThrowsDoesNotReachTheCaller) {

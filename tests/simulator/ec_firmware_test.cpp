@@ -2,13 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <tuple>
-
 namespace simulator {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-using Zone = KeyboardLights::Zone;
 
 Bytes Padded(Bytes bytes, std::size_t length = 16) {
   bytes.resize(length);
@@ -30,29 +27,6 @@ struct Firmware {
 
   EcFirmware ec;
 };
-
-TEST(EcFirmwareTest, EffectRunsUntilTheZonesGetTheirColoursBack) {
-  Firmware firmware(1);
-  const Effect breathing{1, 255, 2, {0xFF, 0x10, 0x20}};
-  EXPECT_EQ(firmware.Send("SetGamingRgbKb", L"65281"), "");
-  EXPECT_EQ(firmware.Send("SetGamingKBBacklight", Padded({1, 255, 200, 0, 2, 0xFF, 0x10, 0x20, 3, 1})), "");
-  EXPECT_EQ(firmware.Send("SetGamingLED", Padded({8, 0, 0, 0, 0, 1})), "");
-  EXPECT_EQ(firmware.ec.Lights(), (KeyboardLights{{{true, {0xFF, 0, 0}}}, 200, breathing}));
-  EXPECT_EQ(firmware.Send("SetGamingKBBacklight", Padded({0, 0, 80, 0, 0, 0, 0, 0, 3, 1})), "");
-  EXPECT_EQ(firmware.ec.Lights(), (KeyboardLights{{{true, {0xFF, 0, 0}}}, 80, {}}));
-}
-
-TEST(EcFirmwareTest, StaticLightOnTheWholeDeviceLightsEveryZone) {
-  const std::pair<Bytes, Color> cases[] = {{{0, 0, 70, 0, 0, 1, 2, 3, 3, 3}, {1, 2, 3}},
-                                           {{0, 5, 70, 0, 0, 0, 0, 0, 3, 3}, {}},
-                                           {{0, 0, 70, 0, 2, 0, 0, 0, 3, 3}, {}}};
-  for (const auto& [packet, color] : cases) {
-    Firmware firmware(3, true);
-    EXPECT_EQ(firmware.Send("SetGamingKBBacklight", Padded({7, 5, 50, 0, 2, 9, 9, 9, 3, 3})), "");
-    EXPECT_EQ(firmware.Send("SetGamingKBBacklight", Padded(packet)), "");
-    EXPECT_EQ(firmware.ec.Lights(), (KeyboardLights{std::vector<Zone>(3, {true, color}), 70, {}}));
-  }
-}
 
 TEST(EcFirmwareTest, RefusalNamesTheByteAndChangesNothing) {
   const struct {
@@ -84,19 +58,6 @@ TEST(EcFirmwareTest, RefusalNamesTheByteAndChangesNothing) {
   for (const auto& [method, input, refusal] : cases) EXPECT_EQ(firmware.Send(method, input), refusal);
   for (const FirmwareVersion version : {FirmwareVersion{2, 85}, {2, 86}, {2, 90}}) {
     EXPECT_FALSE(Firmware(3, false, version).Send("SetGamingLED", Padded({8})).empty());
-  }
-}
-
-TEST(EcFirmwareTest, LightBarIsToldWhereTheVersionPutsIt) {
-  const std::tuple<bool, FirmwareVersion, Bytes> reports[] = {
-      {true, {2, 90}, {0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
-      {true, {2, 91}, {0, 0, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0, 0, 0}},
-      {false, {2, 91}, Bytes(15)},
-  };
-  for (const auto& [light_bar, version, report] : reports) {
-    const EcFirmware::Answer answer = EcFirmware({4, light_bar, version}).Call("GetGamingLED", L"16");
-    EXPECT_EQ(answer.gm_return, 0U) << answer.refusal;
-    EXPECT_EQ(std::get<Bytes>(answer.output), report);
   }
 }
 

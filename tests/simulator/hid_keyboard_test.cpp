@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/standin/hid_api.h"
-#include "simulator/road/notebook_machine.h"
 #include "tests/support/hex.h"
 
 namespace simulator {
@@ -58,32 +56,6 @@ TEST_F(HidKeyboardTest, RefusalsSayWhyAndChangeNothing) {
   EXPECT_EQ(Refusal("a4 21 03 00 00 00 00 00 00 01"), "there is no effect 3");
   EXPECT_EQ(Refusal("a4 21 02 00 00 00 00 00 00 10"), "zone mask 0x10 names zones that are not there");
   EXPECT_EQ(keyboard.SetFeature(connection, Hex("a4 21")).refusal, "the report has 2 bytes, must have 65");
-}
-
-TEST(HidNotebookTest, ExchangesAreOnTheWireInTheOrderInWhichTheyBegan) {
-  Profile profile;
-  profile.hid_keyboards = {{.zones = 1}, {.product = 7, .plugged = false, .zones = 2}};
-  const auto notebook = std::make_shared<Notebook>(profile);
-  const auto machine = MakeMachine(notebook);
-  ASSERT_EQ(machine->HidDevices().size(), 1U);
-  EXPECT_EQ(machine->HidDevices()[0].path, L"\\\\?\\hid#vid_1209&pid_0001#0");
-  EXPECT_EQ(machine->OpenHidDevice(L"\\\\?\\hid#vid_1209&pid_0007#1").error, ERROR_FILE_NOT_FOUND);
-  notebook->HidKeyboardAt(1).Plug();
-  const auto opened = machine->OpenHidDevice(L"\\\\?\\hid#vid_1209&pid_0007#1");
-  ASSERT_EQ(opened.error, ERROR_SUCCESS);
-  EXPECT_EQ(opened.device.product, 7);
-
-  Bytes report = Padded("a1");
-  EXPECT_EQ(opened.connection->GetFeature(report), ERROR_SUCCESS);
-  EXPECT_EQ(report, Padded("a1 01 21"));
-  EXPECT_EQ(opened.connection->SetFeature(Padded("a4 22")), ERROR_GEN_FAILURE);
-  notebook->HidKeyboardAt(1).Unplug();
-  EXPECT_EQ(opened.connection->GetFeature(report), ERROR_DEVICE_NOT_CONNECTED);
-  std::vector<std::string> wire;
-  for (const WireRecord& record : notebook->TakeWire()) wire.push_back(record.method + ": " + record.refusal);
-  EXPECT_EQ(wire, (std::vector<std::string>{
-                      "GetFeature: ", "SetFeature: the report is for device id 0x22, which is not served here",
-                      "GetFeature: the keyboard was unplugged"}));
 }
 
 }  // namespace

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 #include "platform/standin/wmi_api.h"
 #include "simulator/road/notebook_machine.h"
 
@@ -16,9 +14,6 @@ Profile ThreeZonesAndLightBar() {
   Profile profile;
   profile.ec = {3, true, {2, 91}};
   profile.firmware_instance = L"ACPI\\PNP0C14\\ZARN_0";
-  profile.user_name = L"player";
-  profile.registry[L"SOFTWARE\\OEM\\Service\\Log"][L"Switch"] = {1, 0, 0, 0};
-  profile.environment[L"PROGRAMDATA"] = L"/data";
   return profile;
 }
 
@@ -54,28 +49,6 @@ TEST_F(NotebookMachineTest, RefusedInputIsOnTheWireAndUnusableInputIsNot) {
   EXPECT_EQ(wire[0].input, EcFirmware::Input(L"17"));
   EXPECT_EQ(wire[0].refusal, "the input is 17, must be 16");
   EXPECT_TRUE(notebook_->TakeWire().empty());
-}
-
-TEST_F(NotebookMachineTest, RegistryComparesWithoutCaseAndHasTheKeysAbove) {
-  EXPECT_TRUE(machine_->HasRegistryKey(L"software\\oem"));
-  EXPECT_FALSE(machine_->HasRegistryKey(L"SOFTWARE\\OE"));
-  EXPECT_FALSE(machine_->HasRegistryKey(L"SOFTWARE\\OEM\\Service\\Log\\More"));
-  EXPECT_EQ(machine_->RegistryValue(L"SOFTWARE\\OEM\\service\\Log", L"SWITCH"), (Bytes{1, 0, 0, 0}));
-  EXPECT_EQ(machine_->RegistryValue(L"SOFTWARE\\OEM\\Service", L"Switch"), std::nullopt);
-}
-
-TEST_F(NotebookMachineTest, ProfileStandsBeforeTheComputersOwnEnvironment) {
-  ::setenv("PROGRAMDATA", "/own", 1);
-  ::setenv("ZARN_TEST_VARIABLE", "caf\xC3\xA9", 1);
-  EXPECT_EQ(machine_->EnvironmentVariable(L"ProgramData"), L"/data");
-  EXPECT_EQ(machine_->EnvironmentVariable(L"ZARN_TEST_VARIABLE"), L"caf\u00E9");
-}
-
-TEST(EmptyNotebookTest, MachineHasNeitherTableNorFirmwareNorUser) {
-  Profile profile;
-  profile.firmware_record = false;
-  const auto machine = MakeMachine(std::make_shared<Notebook>(profile));
-  EXPECT_FALSE(machine->ReadSmbiosTable() || machine->FindFirmwareClass() || machine->UserName());
 }
 
 }  // namespace

@@ -10,10 +10,9 @@ using platform::Bytes;
 class Doctor : public test::MachineTest {
  protected:
   /// The lines about a machine on which the plug-in finds `discovered`.
-  std::vector<std::string> Lines(const std::vector<std::string>& discovered = {},
-                                 const std::vector<std::string>& log = {}) {
+  std::vector<std::string> Lines(const std::vector<std::string>& discovered = {}) {
     std::vector<std::string> lines;
-    for (const Finding& finding : Examine({discovered, log, {}}, kRemedies)) lines.push_back(LineOf(finding));
+    for (const Finding& finding : Examine({discovered, {}, {}}, kRemedies)) lines.push_back(LineOf(finding));
     return lines;
   }
 
@@ -38,23 +37,6 @@ class Doctor : public test::MachineTest {
                               .no_record = "(record)",
                               .no_firmware_class = "(class)"};
 };
-
-TEST_F(Doctor, NothingIsThere) {
-  machine->has_firmware = false;
-  const std::string no_hybrid =
-      "note     hybrid mode: off, not set, a HID keyboard hides the devices of the embedded controller; (switches)";
-  const std::string no_class =
-      "missing  firmware class ZarnGamingFunction: not there (0x80041002), the embedded controller's devices stay "
-      "dark; (class)";
-  EXPECT_EQ(Lines(), (std::vector<std::string>{
-                         "note     logging: off, not set, the plug-in writes no log; (switches)",
-                         no_hybrid,
-                         "note     HID devices: none; (bus)",
-                         "missing  SMBIOS table: cannot be read; (table)",
-                         no_class,
-                         "missing  discovery: 0 lighting devices",
-                     }));
-}
 
 TEST_F(Doctor, WhatKeepsAKeyboardFromBeingUsed) {
   PlugLighting().open_error = ERROR_ACCESS_DENIED;
@@ -109,29 +91,6 @@ TEST_F(Doctor, WhatTheFirmwareLacks) {
                 "fine     SMBIOS structure of type 172: firmware 2.91, a keyboard with 4 zones in colour, a light bar",
                 "missing  firmware class ZarnGamingFunction: there, but without an instance to call",
                 "missing  light bar: announced, but the firmware's answer to GetGamingLED does not confirm it"}));
-}
-
-TEST_F(Doctor, HybridModeHidesAKeyboardThatIsAlone) {
-  machine->registry[kHybridSwitch.key][kHybridSwitch.value] = {1, 0, 0, 0};
-  PlugLighting().answers[0xA1] = {0xA1, 1, 0x21};
-  const std::vector<std::string> lines = Lines();
-  EXPECT_EQ(lines.at(1), "fine     hybrid mode: on");
-  EXPECT_EQ(lines.at(5),
-            "missing  hybrid mode: with it, a HID keyboard is reported only beside those of the embedded controller; "
-            "set HybridMode to 0");
-}
-
-TEST_F(Doctor, TheLogIsReadForFailures) {
-  machine->SwitchLogOn("/data");
-  EXPECT_EQ(Lines().at(0), "missing  logging: on, but nothing was written to /data/OEM/ZarnLightingService/Log");
-  const std::string place = " 20260301_12:00:00.000 | ZarnECKeyboard | CheckDeviceStatus | ";
-  const std::vector<std::string> lines =
-      Lines({}, {"[INFO]     " + place + "Enter!!", "[INFO]     " + place + "Get SMBIOS 172 fail!",
-                 "[ERROR]    " + place + "out of order", "[ERROR]    " + place + "out of order"});
-  EXPECT_EQ(lines.at(0), "fine     logging: on, in /data/OEM/ZarnLightingService/Log");
-  EXPECT_EQ(lines.at(1), "note     log: Get SMBIOS 172 fail!");
-  EXPECT_EQ(lines.at(2), "note     log: out of order");
-  EXPECT_EQ(lines.at(3).substr(0, 20), "note     hybrid mode");
 }
 
 }  // namespace

@@ -9,8 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "zarnctl/lights.h"
-
 namespace zarnctl {
 namespace {
 
@@ -119,115 +117,6 @@ TEST(DrawnPanel, EveryEffectWithoutAColourMovesAndIsColourful) {
     return DrawnPanel(TwoZones(100, Effect{1, speed, 2, {255, 0, 0}}), 0.3);
   };
   EXPECT_NE(breath(9), breath(1));
-}
-
-ControllerRecords Described(std::int32_t current_mode) {
-  ControllerRecords records;
-  records.mode_list = Modes();
-  records.mode_list[0].brightness_setting = 100;
-  records.mode_list[1].brightness_setting = 30;
-  records.mode_list[1].speed_setting = 7;
-  records.mode_list[1].mode_colors = {0x0000ff};
-  records.color_table = {0x8000ff, 0};
-  records.led_list.resize(2);
-  records.current_mode = current_mode;
-  return records;
-}
-
-simulator::Notebook WithFirmware(int zones) {
-  simulator::Profile profile;
-  profile.ec = {.keyboard_zones = zones, .light_bar = true, .version = {2, 91}};
-  return simulator::Notebook(std::move(profile));
-}
-
-/// Sends the firmware an effect for the keyboard (target 1) or for the light bar too (3).
-void Send(simulator::Notebook& notebook, const Effect& effect, std::uint8_t brightness, std::uint8_t target) {
-  const auto& [code, speed, direction, color] = effect;
-  notebook.CallFirmware("SetGamingKBBacklight",
-                        std::vector<std::uint8_t>{code, speed, brightness, 0, direction, color.red, color.green,
-                                                  color.blue, 3, target, 0, 0, 0, 0, 0, 0});
-}
-
-TEST(Shows, ComparesEverySettingOfAnEffect) {
-  const Effect pulse{1, 7, 2, {255, 0, 0}};
-  simulator::Notebook notebook = WithFirmware(2);
-  for (const Effect& other : {Effect{2, 7, 2, {255, 0, 0}}, Effect{1, 6, 2, {255, 0, 0}}, Effect{1, 7, 1, {255, 0, 0}},
-                              Effect{1, 7, 2, {255, 0, 1}}}) {
-    Send(notebook, other, 30, 3);
-    for (const char* const device : {"ZarnECKeyboard", "ZarnECGlobal"}) {
-      EXPECT_FALSE(Shows(notebook, device, Described(1))) << device;
-    }
-  }
-  Send(notebook, pulse, 31, 3);
-  Send(notebook, pulse, 30, 1);
-  EXPECT_TRUE(Shows(notebook, "ZarnECKeyboard", Described(1)));
-  EXPECT_FALSE(Shows(notebook, "ZarnECGlobal", Described(1)));
-  Send(notebook, pulse, 30, 3);
-  EXPECT_TRUE(Shows(notebook, "ZarnECGlobal", Described(1)));
-}
-
-TEST(Shows, ComparesSwitchesColoursAndBrightnessOfZones) {
-  simulator::Notebook notebook = WithFirmware(2);
-  const auto switch_zones = [&](std::uint8_t bits) {
-    notebook.CallFirmware("SetGamingLED", std::vector<std::uint8_t>{8, 0, 0, 0, 0, bits, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
-  };
-  notebook.CallFirmware("SetGamingRgbKb", L"2147548929");  // zone 1: red 255, green 0, blue 128
-  switch_zones(1);
-  Send(notebook, Effect{}, 99, 1);
-  EXPECT_FALSE(Shows(notebook, "ZarnECKeyboard", Described(0)));
-  Send(notebook, Effect{}, 100, 1);
-  EXPECT_TRUE(Shows(notebook, "ZarnECKeyboard", Described(0)));
-  switch_zones(3);
-  EXPECT_FALSE(Shows(notebook, "ZarnECKeyboard", Described(0)));
-}
-
-TEST(Shows, HoldsAHidKeyboardToTheFieldsThatItsUpdatesHave) {
-  HidKeyboard::Settings narrow = TwoHidZones();
-  narrow.update = {{0x41, 8}, {0x43, 8}, {0x45, 8}, {0x46, 8}, {0x47, 8}, {0x48, 8}};  // no speed, no direction
-  simulator::Notebook notebook = WithHidKeyboards({narrow, TwoHidZones()});
-  const auto shows = [&](int mode) { return Shows(notebook, "ZarnHIDKeyboard", Described(mode)); };
-  Update(notebook, 0, {4, 30, 255, 0, 0, 3});
-  EXPECT_FALSE(shows(1));  // the other one is dark
-  Update(notebook, 1, {4, 30, 7, 2, 255, 0, 0, 3});
-  EXPECT_TRUE(shows(1));
-  const std::vector<std::vector<std::uint8_t>> strays = {{5, 30, 7, 2, 255, 0, 0, 2},
-                                                         {4, 31, 7, 2, 255, 0, 0, 2},
-                                                         {4, 30, 8, 2, 255, 0, 0, 2},
-                                                         {4, 30, 7, 1, 255, 0, 0, 2},
-                                                         {4, 30, 7, 2, 254, 0, 0, 2}};
-  for (std::size_t i = 0; i < strays.size(); ++i) {
-    Update(notebook, 1, strays[i]);
-    EXPECT_FALSE(shows(1)) << i;
-  }
-  Update(notebook, 1, {2, 100, 0, 0, 255, 0, 128, 1});
-  Update(notebook, 1, {2, 100, 0, 0, 0, 0, 0, 2});
-  Update(notebook, 0, {2, 100, 255, 0, 128, 1});
-  EXPECT_FALSE(shows(0));
-  Update(notebook, 0, {2, 100, 0, 0, 0, 2});
-  EXPECT_TRUE(shows(0));
-  notebook.HidKeyboardAt(1).Unplug();
-  EXPECT_FALSE(shows(0));
-}
-
-TEST(FindFaults, TellEveryRefusalOfTheFirmware) {
-  simulator::Notebook notebook = WithFirmware(1);
-  for (const wchar_t* input : {L"65282", L"65281", L"65284"}) notebook.CallFirmware("SetGamingRgbKb", input);
-  EXPECT_EQ(FindFaults(notebook, "ZarnECKeyboard", Described(1)),
-            (std::vector<std::string>{"the firmware refused SetGamingRgbKb: byte 0 is 2, a zone that is not there",
-                                      "the firmware refused SetGamingRgbKb: byte 0 is 4, a zone that is not there"}));
-}
-
-TEST(FindFaults, TellOnceWhatAHidKeyboardFailsAgainAndAgain) {
-  simulator::Notebook notebook = WithHidKeyboards({TwoHidZones()});
-  notebook.HidKeyboardAt(0).Misbehave({.kind = HidKeyboard::Misbehaviour::Kind::Stall, .stall_ms = 1});
-  for (int attempt = 0; attempt < 5; ++attempt) Update(notebook, 0, {4, 30, 7, 2, 255, 0, 0, 3});
-  EXPECT_EQ(FindFaults(notebook, "ZarnHIDKeyboard", Described(1)),
-            std::vector<std::string>{"HID keyboard 1, SetFeature: the keyboard did not answer"});
-  notebook.HidKeyboardAt(0).Unplug();
-  EXPECT_EQ(
-      FindFaults(notebook, "ZarnHIDKeyboard", Described(1)),
-      std::vector<std::string>{"the HID keyboard does not show PULSE as asked: nothing reached it; does the profile "
-                               "have the firmware class, is it plugged in?"});
 }
 
 }  // namespace

@@ -19,7 +19,6 @@ ModeRecord Mode(const char* label, std::uint32_t capabilities, std::uint32_t col
   mode.speed_lowest = 1;
   mode.speed_highest = 9;
   mode.brightness_highest = 100;
-  mode.brightness_setting = 50;
   mode.color_source = color_source;
   return mode;
 }
@@ -36,17 +35,6 @@ std::string LineOf(const std::function<void()>& action) {
     EXPECT_EQ(complaint.code(), ExitCode::WrongCommandLine);
     return complaint.what();
   }
-}
-
-TEST(Settings, ReplaceWhatIsGivenAndKeepTheRest) {
-  ModeRecord shifting = kShifting;
-  shifting.color_count_least = shifting.color_count_most = 1;
-  const ModeRecord mode = WithSettings(shifting, {"", 9, {}, 1, 0x0000ff});
-  EXPECT_EQ(mode.speed_setting, 9U);
-  EXPECT_EQ(mode.brightness_setting, 50U);
-  EXPECT_EQ(mode.direction_setting, 1U);
-  EXPECT_EQ(mode.mode_colors, std::vector<PackedColor>{0x0000ff});
-  EXPECT_EQ(WithSettings(kDirect, {"", {}, 0, {}, {}}).brightness_setting, 0U);
 }
 
 TEST(Settings, WhatAModeDoesNotTakeIsRefusedWithWhatItTakes) {
@@ -79,24 +67,12 @@ TEST(Settings, ModesAreFoundInAnyCaseAndListedOtherwise) {
   EXPECT_EQ(LineOf([&] { FindMode(modes, "WAV"); }), "--mode WAV: the modes are WAVE, Direct or SHIFTING");
 }
 
-TEST(Settings, LedsTakeOneColourForAllOrOneForEach) {
-  EXPECT_EQ(ColorPerLed({7}, 3), (std::vector<PackedColor>{7, 7, 7}));
-  EXPECT_EQ(ColorPerLed({7, 8}, 2), (std::vector<PackedColor>{7, 8}));
-}
-
 TEST(Texts, ColoursAreSixDigitsAndRedFirst) {
   for (const char* const text : {"ff8001", "#FF8001"}) EXPECT_EQ(ReadColor("--color", text), 0x0180ffU);
   EXPECT_EQ(ColorText(0x0180ff), "#ff8001");
   for (const std::string wrong : {"", "#", "ff800", "ff80011", "-f8001", "ff800g"}) {
     EXPECT_EQ(LineOf([&] { ReadColor("--color", wrong); }),
               "--color " + wrong + ": a colour is six hexadecimal digits, RRGGBB");
-  }
-}
-
-TEST(Texts, NumbersAreWholeAndFitTheirField) {
-  EXPECT_EQ(ReadNumber("--speed", "4294967295"), 4294967295U);
-  for (const std::string wrong : {"", "-1", "+1", " 1", "1.5", "0x1"}) {
-    EXPECT_EQ(LineOf([&] { ReadNumber("--speed", wrong); }), "--speed " + wrong + ": a whole number is needed");
   }
 }
 
