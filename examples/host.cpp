@@ -1,30 +1,30 @@
-/// A host on the host library: finds the lights of this notebook and turns them red.
-///
-/// host LIBRARY [DEVICE...]: the devices named are driven instead of those that discovery reports.
+/// A host on the host library: finds the lights of this notebook and turns them red, but for a whole-device light,
+/// which has effects alone. host LIBRARY [DEVICE...]: drives the devices named instead of those that are found.
 #include <zarn_lighting/host.h>
-
 #include <iostream>
+#include <string>
+#include <vector>
 
-int Complain(const zarn::host::Error& error) {
-  std::cerr << "host: " << error.text << "\n";
+int Complain(const std::string& line) {
+  std::cerr << "host: " << line << "\n";
   return 1;
 }
 
 int main(int argc, char** argv) {
-  if (argc < 2) return Complain({zarn::host::Failure::NotLoaded, "usage: host LIBRARY [DEVICE...]"});
+  if (argc < 2) return Complain("usage: host LIBRARY [DEVICE...]");
   const auto plugin = zarn::host::Plugin::Load(argv[1]);
-  if (!plugin) return Complain(plugin.error());
+  if (!plugin) return Complain(plugin.error().text);
   const auto found = plugin->Discover();
-  if (!found) return Complain(found.error());
+  if (!found) return Complain(found.error().text);
   std::cout << found->names.size() << " lighting devices\n";
-  for (const std::string& name : argc > 2 ? std::vector<std::string>(argv + 2, argv + argc) : found->names) {
+  const auto names = argc > 2 ? std::vector<std::string>(argv + 2, argv + argc) : found->names;
+  for (const std::string& name : names) {
     auto device = plugin->Create(name);
-    if (!device) return Complain(device.error());
+    if (!device) return Complain(device.error().text);
     const auto description = device->Describe();
-    if (!description) return Complain(description.error());
-    std::cout << name << ": " << description->mode_list.size() << " modes\n";
-    device->controller().PaintAllZones(0x0000FF);  // red in the lowest byte
+    std::cout << name << ": " << (description ? description->mode_list.size() : 0) << " modes\n";
+    device->controller().PaintAllZones(0x0000FF);
     device->controller().SelectFirstMode();
-    if (const auto error = device->WriteColors()) return Complain(*error);
+    if (const auto error = device->WriteColors()) return Complain(error->text);
   }
 }

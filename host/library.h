@@ -9,8 +9,8 @@ namespace zarn::host {
 /// A library that is loaded at run time, and unloaded with its owner unless that asks to keep it.
 class Library {
  public:
-  /// A name without a folder is searched for beside the program, and on Linux where the system looks. Check with
-  /// operator bool, and right after a failure on the same thread with LoadError.
+  /// A name without a folder is looked for beside the program and in the system's own folder on Windows, and where
+  /// dlopen looks on Linux. Check with operator bool, and right after a failure on the same thread with LoadError.
   explicit Library(const std::filesystem::path& path);
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;

@@ -13,7 +13,8 @@ fail() {
 # The time of the last commit in seconds, or, of sources that are not under git, the first that a zip can hold.
 commit_time() { git -c safe.directory="$root" log -1 --format=%ct 2>/dev/null || echo 315532800; }
 
-# configure PRESET: a build directory that was copied from another checkout, or made with another generator, starts anew.
+# configure PRESET: a build directory that was copied from another checkout, or made with another generator, starts
+# anew.
 configure() {
   local cache=build/$1/CMakeCache.txt fresh=()
   if [[ -f $cache ]] && ! { grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$cache" &&
@@ -54,8 +55,8 @@ count_tests() {
   echo "$passed passed, $((tests - passed - skipped)) failed$( ((skipped == 0)) || echo ", $skipped skipped")"
 }
 
-# expect WHAT COMMAND...: standard input is what the command must print, with its exit code when that is not 0. Counts in
-# $passed and $failed.
+# expect WHAT COMMAND...: standard input is what the command must print, with its exit code when that is not 0.
+# Counts in $passed and $failed.
 expect() {
   local what=$1 found
   shift

@@ -7,7 +7,7 @@
 namespace zarn::host {
 
 Library::Library(const std::filesystem::path& path)
-    // A bare name is looked for beside the program alone, not where somebody else may have put one.
+    // A bare name is not looked for where somebody else may have put such a file.
     : library_(LoadLibraryExW(
           path.c_str(), nullptr,
           path.has_parent_path() ? 0 : LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32)) {}

@@ -13,13 +13,12 @@ extern "C" {
 /// `deviceNames` becomes a list drawn from ZarnECGlobal, ZarnECKeyboard and ZarnHIDKeyboard, with commas between them;
 /// for each name there is a pair of factories. When the HID keyboard is reported alone, `interfaceType` becomes 1,
 /// `hardwareId` and `usagePageHex` its identity ("USB\VID_1209&PID_0001", "FF5A"). Otherwise the embedded controller
-/// was asked: `interfaceType` becomes 3, the two texts empty, and when it has no lighting device the answer is 0
-/// whatever `deviceNames` holds: the HID keyboard's name where the service's HybridMode is on and there is one, else
-/// what it held before.
+/// was asked: `interfaceType` becomes 3, and the two texts empty. When it then has no lighting device, the answer is 0;
+/// `deviceNames` may still hold text, so read no more names than the answer counts.
 ///
-/// Also turns the HID library's log to the log file, if logging is on by then, and builds the list of HID lighting
-/// devices as soon as there is one; that list stays, so that a keyboard unplugged later is still reported. Every call
-/// asks everything else anew.
+/// Makes the HID code write to the plug-in's log, if logging is on by then, and builds the list of HID lighting
+/// devices as soon as there is one. That list stays, so a keyboard that is unplugged later is still reported. Every
+/// call asks everything else anew.
 ///
 /// Call it before creating controllers. Any thread may call; while a HID keyboard is driven the call waits for the
 /// report that is under way. It may take as long as the management service and the HID devices do. Throws nothing:

@@ -1,8 +1,8 @@
 /// The exported factories of the EC lighting devices.
 ///
-/// Ownership: the host owns what a factory returns. The generic controller takes its device controller over, and
-/// destroys it, as soon as the second factory has returned; when that one throws, the device controller stays with
-/// the host, which can hand it in again and in no other way give it back. Errors: std::bad_alloc, and std::system_error
+/// Ownership: the host owns what a factory returns. Once the second factory has returned, the generic controller owns
+/// the device controller and destroys it with itself. When the second factory throws, the host still owns the device
+/// controller and can hand it in again; no export frees it. Errors: std::bad_alloc, and std::system_error
 /// when the worker thread cannot be started. Microsoft's compiler takes for granted under /EHsc that functions like
 /// these throw nothing: hosts are built with /EHs. Any thread may call.
 #pragma once

@@ -1,17 +1,15 @@
-/// The host library, zarn_host: loads the lighting plug-in and drives its devices without counting bytes.
+/// The host library, zarn_host: loads the lighting plug-in, and packs and unpacks what its devices and a host exchange.
 ///
-///     const auto plugin = zarn::host::Plugin::Load("libzarn_lighting.so");
-///     const auto found = plugin->Discover();
-///     for (const std::string& name : found->names) {
-///       const auto device = plugin->Create(name);
-///       ...
-///     }
+///     auto plugin = zarn::host::Plugin::Load("/usr/lib/libzarn_lighting.so");
+///     if (!plugin) return Complain(plugin.error().text);
+///     auto device = plugin->Create("ZarnECKeyboard");  // or a name that Discover answers
+///     if (device) device->WriteMode();
 ///
 /// For C++17 and later. Link the static library zarn_host, which was built with the same compiler family and standard
 /// library as the host; the plug-in is loaded when the program runs.
 ///
-/// Errors are values, and no exception leaves this library, not even for memory that ran out. Threads: any thread may
-/// call anything, a device's calls are as safe as the slots they stand for (rgb_controller_interface.h).
+/// Errors are values, and no exception leaves this library, not even for memory that ran out. Any thread may call;
+/// nobody destroys or moves a Device while another thread uses it.
 #pragma once
 
 #include <cstdint>
@@ -92,8 +90,8 @@ class Device {
   /// nothing changed, for no colours or more than the table has; otherwise as SetMode.
   Outcome SetColors(const std::vector<PackedColor>& colors) noexcept;
 
-  /// Sends the active mode (slot 30) or the colours (slot 27) on this thread. What they return tells of errors on the
-  /// way to the device class, not of the hardware's: those end in the plug-in's log.
+  /// Sends the active mode (slot 30) or the colours (slot 27) on this thread. An error means that the call threw. What
+  /// the hardware refuses shows only in the plug-in's log.
   Outcome WriteMode() noexcept;
   Outcome WriteColors() noexcept;
 
@@ -110,8 +108,8 @@ class Library;
 /// may open lives as long, and a library loaded again would start another one.
 class Plugin {
  public:
-  /// Loads a file by its path. A bare name is looked for beside the program, and on Linux where the system's loader
-  /// looks; give a full path wherever you know one.
+  /// Loads a file by its path. A bare name is looked for beside the program and in the system's own folder on Windows,
+  /// and where dlopen looks on Linux; give a full path wherever you know one.
   static Result<Plugin> Load(const std::filesystem::path& file) noexcept;
 
   /// Asks which devices there are. Call it before Create: a HID keyboard has no zones otherwise.

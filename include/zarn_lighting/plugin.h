@@ -1,5 +1,5 @@
-/// All exports of the lighting plug-in, for hosts. They are to be found by name in the loaded library; the names stand
-/// in exports.def.
+/// All exports of the lighting plug-in, for hosts. Find them in the loaded library by the names of the functions that
+/// these headers declare.
 ///
 /// Keep the library loaded while any of its objects lives. A process that has turned logging on had better keep it to
 /// its end: the log is never given up, and a library loaded again starts another one.

@@ -16,9 +16,7 @@
 namespace test {
 namespace {
 
-using zarn::host::Device;
-using zarn::host::Failure;
-using zarn::host::Plugin;
+namespace host = zarn::host;
 
 /// Over a simulated notebook, with the plug-in as it is.
 class HostTest : public MachineTest {
@@ -29,12 +27,12 @@ class HostTest : public MachineTest {
     EXPECT_TRUE(platform::UseMachine(simulator::MakeMachine(notebook)));
     return notebook;
   }
-  static Plugin Loaded() { return *Plugin::Load(ZARN_LIGHTING_PATH); }
+  static host::Plugin Loaded() { return *host::Plugin::Load(ZARN_LIGHTING_PATH); }
 };
 
 TEST_F(HostTest, DiscoversDescribesAndSends) {
   const auto notebook = Start("four-zone");
-  const auto plugin = Plugin::Load(ZARN_LIGHTING_PATH);
+  const auto plugin = host::Plugin::Load(ZARN_LIGHTING_PATH);
   ASSERT_TRUE(plugin);
   const auto found = plugin->Discover();
   ASSERT_TRUE(found);
@@ -65,62 +63,62 @@ TEST_F(HostTest, DiscoversDescribesAndSends) {
 
 TEST_F(HostTest, WhatTheDeviceDoesNotTakeIsSaidAndChangesNothing) {
   Start("four-zone");
-  const Plugin plugin = Loaded();
+  const host::Plugin plugin = Loaded();
   auto device = plugin.Create("ZarnECKeyboard");
   ASSERT_TRUE(device);
   const ModeRecord mode = device->Describe()->mode_list[1];
   for (const std::int32_t index : {-1, 9, 0x7FFFFFFF}) {
     const auto refused = device->SetMode(index, mode);
     ASSERT_TRUE(refused) << index;
-    EXPECT_EQ(refused->failure, Failure::Refused);
+    EXPECT_EQ(refused->failure, host::Failure::Refused);
     EXPECT_EQ(refused->text, "the device did not take the mode");
   }
   EXPECT_EQ(device->controller().CurrentModeIndex(), 0);
   for (const std::size_t count : {0U, 5U, 70000U}) {
     const auto refused = device->SetColors(std::vector<PackedColor>(count, 7));
     ASSERT_TRUE(refused) << count;
-    EXPECT_EQ(refused->failure, Failure::Refused);
+    EXPECT_EQ(refused->failure, host::Failure::Refused);
   }
   EXPECT_EQ(device->Describe()->color_table, std::vector<PackedColor>(4, 0));
 }
 
 TEST_F(HostTest, WhatIsNoPluginOrDeviceIsSaid) {
-  const auto missing = Plugin::Load("/nowhere/plugin.so");
+  const auto missing = host::Plugin::Load("/nowhere/plugin.so");
   ASSERT_FALSE(missing);
-  EXPECT_EQ(missing.error().failure, Failure::NotLoaded);
+  EXPECT_EQ(missing.error().failure, host::Failure::NotLoaded);
   EXPECT_EQ(missing.error().text, "/nowhere/plugin.so: cannot open shared object file: No such file or directory");
 
-  const auto other = Plugin::Load("libdl.so.2");
+  const auto other = host::Plugin::Load("libdl.so.2");
   ASSERT_TRUE(other);
   ASSERT_FALSE(other->Discover());
-  EXPECT_EQ(other->Discover().error().failure, Failure::NoExport);
+  EXPECT_EQ(other->Discover().error().failure, host::Failure::NoExport);
   EXPECT_EQ(other->Discover().error().text, "the plug-in has no export CheckDeviceStatus");
-  EXPECT_EQ(other->Create("ZarnECKeyboard").error().failure, Failure::NoExport);
-  EXPECT_EQ(Loaded().Create("ZarnMouse").error().failure, Failure::UnknownDevice);
+  EXPECT_EQ(other->Create("ZarnECKeyboard").error().failure, host::Failure::NoExport);
+  EXPECT_EQ(Loaded().Create("ZarnMouse").error().failure, host::Failure::UnknownDevice);
 }
 
 TEST_F(HostTest, MemoryThatRunsOutIsAnErrorAndNeverThrown) {
   Start("four-zone");
-  const Plugin plugin = Loaded();
+  const host::Plugin plugin = Loaded();
   auto device = plugin.Create("ZarnECKeyboard");
   ASSERT_TRUE(device);
   const ModeRecord mode = device->Describe()->mode_list[1];
   const std::vector<PackedColor> colors(4, 7);
   const std::filesystem::path file = ZARN_LIGHTING_PATH;
-  std::optional<Failure> failure;
+  std::optional<host::Failure> failure;
   const auto note = [&failure](const auto& error) {
     if (error) failure = error->failure;
   };
   FailInTurn(
       [&] {
         if (const auto records = device->Describe(); !records) failure = records.error().failure;
-        if (const auto loaded = Plugin::Load(file); !loaded) failure = loaded.error().failure;
+        if (const auto loaded = host::Plugin::Load(file); !loaded) failure = loaded.error().failure;
         note(device->SetMode(1, mode));
         note(device->SetColors(colors));
       },
       [&](const FaultRun& run) {
         EXPECT_FALSE(run.threw_bad_alloc);
-        EXPECT_EQ(failure, run.met ? std::optional(Failure::OutOfMemory) : std::nullopt);
+        EXPECT_EQ(failure, run.met ? std::optional(host::Failure::OutOfMemory) : std::nullopt);
         failure.reset();
       });
 }

@@ -1,4 +1,4 @@
-/// In the place of the layer's declarations: here the platform has HID devices itself.
+/// In the place of the layer's declarations: here Windows itself declares HID devices.
 #pragma once
 
 #include "platform/hid.h"

@@ -1,4 +1,4 @@
-/// In the place of the layer's declarations: here the platform has the rest of the platform itself.
+/// In the place of the layer's declarations: here Windows itself declares environment, time, locks and files.
 #pragma once
 
 #include "platform/system.h"

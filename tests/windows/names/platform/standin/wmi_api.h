@@ -1,4 +1,4 @@
-/// In the place of the layer's declarations: here the platform has COM and the management service itself.
+/// In the place of the layer's declarations: here Windows itself declares COM and the management service.
 #pragma once
 
 #include "platform/wmi.h"
