@@ -1,5 +1,4 @@
-/// A host on the host library: finds the lights of this notebook and turns them red, but for a whole-device light,
-/// which has effects alone. host LIBRARY [DEVICE...]: drives the devices named instead of those that are found.
+/// A host on the host library, host LIBRARY [DEVICE...]: turns the lights red, but for a whole-device light.
 #include <zarn_lighting/host.h>
 #include <iostream>
 #include <string>
@@ -22,7 +21,8 @@ int main(int argc, char** argv) {
     auto device = plugin->Create(name);
     if (!device) return Complain(device.error().text);
     const auto description = device->Describe();
-    std::cout << name << ": " << (description ? description->mode_list.size() : 0) << " modes\n";
+    if (!description) return Complain(description.error().text);
+    std::cout << name << ": " << description->mode_list.size() << " modes\n";
     device->controller().PaintAllZones(0x0000FF);
     device->controller().SelectFirstMode();
     if (const auto error = device->WriteColors()) return Complain(error->text);

@@ -8,6 +8,7 @@
 
 #include "controller/description_format.h"
 #include "controller/packet_formats.h"
+#include "controller/wire_archive.h"
 #include "host/library.h"
 #include "zarn_lighting/plugin.h"
 
@@ -101,6 +102,9 @@ Result<ControllerRecords> Device::Describe() const noexcept {
 
 Outcome Device::SetMode(std::int32_t index, const ModeRecord& mode) noexcept {
   return Guarded([&]() -> Outcome {
+    const bool travels_whole = TravellingText(mode.label).size() == mode.label.size() &&
+                               TravellingCount(mode.mode_colors) == mode.mode_colors.size();
+    if (!travels_whole) return Refusal("the mode's label or list of colours does not fit a packet");
     const PackedBuffer packet = PackModePacket(index, mode, kProtocolVersion);
     controller_->UnpackModePacket(packet.bytes.get(), kProtocolVersion);
     // A packet is taken, or ignored without a word.
@@ -112,12 +116,15 @@ Outcome Device::SetMode(std::int32_t index, const ModeRecord& mode) noexcept {
 
 Outcome Device::SetColors(const std::vector<PackedColor>& colors) noexcept {
   return Guarded([&]() -> Outcome {
+    if (colors.empty() || TravellingCount(colors) != colors.size()) {
+      return Refusal("there are no colours, or more than fit a packet");
+    }
     const PackedBuffer packet = PackColorTablePacket(colors);
     controller_->UnpackColorTablePacket(packet.bytes.get());
     const PackedBuffer kept = Taken(controller_->PackColorTablePacket());
     // Behind its size and its number of colours each has the colours.
     constexpr std::size_t kHeader = sizeof(std::uint32_t) + sizeof(std::uint16_t);
-    const bool taken = !colors.empty() && packet.size <= kept.size &&
+    const bool taken = packet.size <= kept.size &&
                        std::equal(packet.view().begin() + kHeader, packet.view().end(), kept.view().begin() + kHeader);
     return taken ? Outcome() : Refusal("the device did not take the colours");
   });
@@ -155,9 +162,12 @@ Result<Discovery> Plugin::Discover() const noexcept {
     std::wstring usage_page;
     Discovery discovery;
     const std::int32_t count = (*check)(names, discovery.interface_type, hardware_id, usage_page);
+    // Where memory ran out the plug-in answers 0 and touches nothing.
+    if (count == 0 && discovery.interface_type == 0) return Error{};
     // Without devices the list may still hold a name.
     if (count != 0) discovery.names = Listed(Narrow(names));
-    if (count < 0 || discovery.names.size() != static_cast<std::size_t>(count)) {
+    const bool has_empty_name = std::ranges::count(discovery.names, std::string()) != 0;
+    if (count < 0 || discovery.names.size() != static_cast<std::size_t>(count) || has_empty_name) {
       return Error{Failure::BadAnswer,
                    "the plug-in's discovery counts " + std::to_string(count) + " and names \"" + Narrow(names) + "\""};
     }

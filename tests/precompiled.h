@@ -1,5 +1,5 @@
-/// What nearly every test includes, compiled once. Tests include what they use all the same: preset `clang` builds
-/// without this header.
+/// What nearly every test includes, compiled once. Tests include what they use all the same: preset `clang` is without
+/// this header, and scripts/lint reads them so.
 
 #include <gtest/gtest.h>
 

@@ -7,10 +7,11 @@
 namespace zarn::host {
 
 Library::Library(const std::filesystem::path& path)
-    // A bare name is not looked for where somebody else may have put such a file.
-    : library_(LoadLibraryExW(
-          path.c_str(), nullptr,
-          path.has_parent_path() ? 0 : LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32)) {}
+    // A bare name is not looked for where somebody else may have put such a file, and a path means what it says.
+    : library_(path.has_parent_path()
+                   ? LoadLibraryW(std::filesystem::absolute(path).c_str())
+                   : LoadLibraryExW(path.c_str(), nullptr,
+                                    LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32)) {}
 
 Library::~Library() {
   if (library_ != nullptr && !kept_) FreeLibrary(static_cast<HMODULE>(library_));

@@ -84,7 +84,7 @@ class Device {
 
   /// Replaces the mode at an index of the description's list and makes it the active one (slot 10). Nothing is sent.
   /// Refused, with nothing changed, for an index outside the list; also said when another thread changed the mode at
-  /// the same time.
+  /// the same time. After any other error the device may have taken it.
   Outcome SetMode(std::int32_t index, const ModeRecord& mode) noexcept;
   /// Replaces the first colours of the colour table, as many as there are (slot 12). Nothing is sent. Refused, with
   /// nothing changed, for no colours or more than the table has; otherwise as SetMode.
@@ -115,7 +115,8 @@ class Plugin {
   /// Asks which devices there are. Call it before Create: a HID keyboard has no zones otherwise.
   Result<Discovery> Discover() const noexcept;
 
-  /// Creates the device that discovery reports by this name.
+  /// Creates the device that discovery reports by this name. What a failure leaves half made stays in memory, since no
+  /// export frees it.
   Result<Device> Create(const std::string& name) const noexcept;
 
  private:

@@ -66,7 +66,8 @@ struct ZoneRecord {
   std::string label;
   std::int32_t zone_kind = 0;
 
-  // Derived from the order of the zones and their LED counts, when a controller is made or its description is read.
+  // Derived from the order of the zones and their LED counts, when a controller is made or its description is read. In
+  // a copy of the records the two views still lead into the original; in moved ones they stay good.
   LedRecord* led_view = nullptr;      // the zone's first LED in `led_list`, or none
   PackedColor* color_view = nullptr;  // the zone's first colour in `color_table`, or none
   std::uint32_t first_index = 0;      // position of both

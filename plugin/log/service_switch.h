@@ -13,5 +13,5 @@ inline constexpr ServiceSwitch kHybridSwitch = {L"SOFTWARE\\OEM\\ZarnLightingSer
 
 /// Whether its value, as the platform reads it, is the four bytes of a 1, whatever the type. A key or value that is
 /// missing, and a shorter value, is a switch that is off. Of a longer value the platform does not say what it leaves to
-/// be read; all known ones leave nothing, which is off. Any thread may call.
+/// be read. Any thread may call.
 bool IsOn(const ServiceSwitch& service_switch);

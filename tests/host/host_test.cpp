@@ -73,8 +73,11 @@ TEST_F(HostTest, WhatTheDeviceDoesNotTakeIsSaidAndChangesNothing) {
     EXPECT_EQ(refused->failure, host::Failure::Refused);
     EXPECT_EQ(refused->text, "the device did not take the mode");
   }
+  ModeRecord cut = mode;
+  cut.mode_colors.resize(65536);
+  EXPECT_EQ(device->SetMode(1, cut)->failure, host::Failure::Refused);
   EXPECT_EQ(device->controller().CurrentModeIndex(), 0);
-  for (const std::size_t count : {0U, 5U, 70000U}) {
+  for (const std::size_t count : {0U, 5U, 65536U, 65537U}) {
     const auto refused = device->SetColors(std::vector<PackedColor>(count, 7));
     ASSERT_TRUE(refused) << count;
     EXPECT_EQ(refused->failure, host::Failure::Refused);
