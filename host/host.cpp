@@ -78,11 +78,9 @@ Result<Device> CreateAs(const Library& library, const std::string& name) {
 
 /// Takes a buffer over that a slot has handed out, and whose first field is its size.
 PackedBuffer Taken(std::uint8_t* bytes) {
-  PackedBuffer buffer{std::unique_ptr<std::uint8_t[]>(bytes), 0};
-  for (std::size_t i = 0; bytes != nullptr && i < sizeof(std::uint32_t); ++i) {
-    buffer.size |= std::size_t{bytes[i]} << 8 * i;
-  }
-  return buffer;
+  std::uint32_t size = 0;
+  if (bytes != nullptr) ReadArchive({bytes, sizeof(size)}).Number(size);
+  return {std::unique_ptr<std::uint8_t[]>(bytes), size};
 }
 
 Error Refusal(const char* what) { return {Failure::Refused, what}; }
