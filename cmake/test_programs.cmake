@@ -5,7 +5,7 @@
 option(ZARN_PRECOMPILE "Precompile the headers that tests share" ON)
 
 function(zarn_test_code target)
-  target_compile_options(${target} PRIVATE -O0)
+  target_compile_options(${target} PRIVATE -O0 -U_FORTIFY_SOURCE)
   if(NOT ZARN_PRECOMPILE)
     return()
   endif()
