@@ -13,9 +13,9 @@
 
 namespace platform {
 
-/// Opens `stream` on the file at `path`; see the layer's declaration for the contract.
-inline void OpenStream(std::wofstream& stream, const wchar_t* path, std::ios_base::openmode mode) {
-  stream.open(std::filesystem::path(path), mode);
+/// Opens `stream` to append bytes to the file at `path`; see the layer's declaration for the contract.
+inline void OpenToAppend(std::wofstream& stream, const wchar_t* path) {
+  stream.open(std::filesystem::path(path), std::ios_base::out | std::ios_base::app | std::ios_base::binary);
 }
 
 }  // namespace platform

@@ -29,9 +29,9 @@ int Read(const std::filesystem::path& file, Bytes& bytes) {
 
 }  // namespace
 
-int FileDescriptor::Open(const std::filesystem::path& file, int flags) {
+int FileDescriptor::Open(const std::filesystem::path& file, int flags, unsigned rights) {
   Close();
-  fd_ = open(file.c_str(), flags | O_CLOEXEC);
+  fd_ = open(file.c_str(), flags | O_CLOEXEC, rights);
   return fd_ >= 0 ? 0 : errno;
 }
 

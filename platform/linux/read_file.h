@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <utility>
 
 #include "platform/standin/machine.h"
 
@@ -17,9 +18,11 @@ class FileDescriptor {
   FileDescriptor& operator=(const FileDescriptor&) = delete;
   ~FileDescriptor() { Close(); }
 
-  /// With the flags of open(2), behind a Close: 0, or the code of the failure.
-  int Open(const std::filesystem::path& file, int flags);
+  /// With the flags of open(2), and the rights of a file that it makes, behind a Close: 0, or the code of the failure.
+  int Open(const std::filesystem::path& file, int flags, unsigned rights = 0);
   void Close();
+  /// Hands it over.
+  int Release() { return std::exchange(fd_, -1); }
   /// Negative when none is open.
   int Get() const { return fd_; }
 

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "platform/standin/machine.h"
@@ -26,9 +27,13 @@ void WithUser(const Take& take) {
   if (found != nullptr) take(*found);
 }
 
-std::optional<std::filesystem::path> Absolute(const char* text) {
+/// A path from the root. One that is no UTF-8 is none: the platform could not name it.
+std::optional<std::filesystem::path> Absolute(const char* text) try {
   if (text == nullptr || *text != '/') return std::nullopt;
+  WideFromUtf8(text);
   return std::filesystem::path(text);
+} catch (const std::system_error&) {
+  return std::nullopt;
 }
 
 }  // namespace

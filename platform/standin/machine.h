@@ -135,8 +135,8 @@ class Machine {
 std::shared_ptr<Machine> MakeThisComputer();
 
 /// A variable of the process's environment, for machines that have none of their own; nothing where the platform's own
-/// calls answer. PROGRAMDATA, where the environment has none or one that is no path from the root, is zarn in the
-/// user's folder for states ($XDG_STATE_HOME, or ~/.local/state).
+/// calls answer. PROGRAMDATA, where the environment has none or one that is no path from the root in UTF-8, is zarn in
+/// the user's folder for states ($XDG_STATE_HOME, or ~/.local/state).
 std::optional<std::wstring> ProcessVariable(std::wstring_view name);
 
 /// Puts `machine` under the layer, for the whole process. Refuses (false) while anything that platform calls

@@ -49,7 +49,8 @@ BOOL GetUserNameW(LPWSTR buffer, LPDWORD size);
 /// cannot be converted.
 int WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR wide, int wide_length, LPSTR narrow, int narrow_size,
                         LPCSTR default_char, LPBOOL used_default_char);
-/// Creates every missing folder of `path` up to its last separator, `\` or `/`.
+/// Creates every missing folder of `path` up to its last separator, `\` or `/`, for this user alone. Refused where
+/// another user could interfere, and at the root of the file system.
 BOOL MakeSureDirectoryPathExists(PCSTR path);
 
 DWORD GetLastError();
@@ -58,8 +59,10 @@ void SetLastError(DWORD error);
 
 namespace platform {
 
-/// Opens `stream` on the file at `path`, whose separators are backslashes; the stream tells whether it worked.
-/// The file can be opened by others at the same time. Sets the calling thread's last error when it fails.
-void OpenStream(std::wofstream& stream, const wchar_t* path, std::ios_base::openmode mode);
+/// Opens `stream` to append bytes to the file at `path`, whose separators are backslashes; the stream tells whether it
+/// worked. The file is made where it is missing, for this user alone, and others can have it open at the same time.
+/// Refused where another user could have put it there, or could exchange it. Sets the calling thread's last error when
+/// it fails.
+void OpenToAppend(std::wofstream& stream, const wchar_t* path);
 
 }  // namespace platform

@@ -121,7 +121,7 @@ bool TsLog::WriteLine(std::int32_t level, const wchar_t* function_tag, const wch
 
   const SectionGuard guard(lock);
   std::wofstream file;
-  platform::OpenStream(file, filePath.c_str(), std::ios_base::out | std::ios_base::app | std::ios_base::binary);
+  platform::OpenToAppend(file, filePath.c_str());
   if (!file.is_open()) return false;
   line.resize(ConvertibleLength(line, file.getloc()));
   file << line << L"\r\n";

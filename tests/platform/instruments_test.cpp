@@ -38,7 +38,8 @@ TEST_F(InstrumentsTest, CallsFailInTheirOwnWayAndDoNothing) {
   EXPECT_EQ(Failing([&] { return MakeSureDirectoryPathExists((folder.path() / "a/").c_str()); }), FALSE);
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
   std::wofstream stream;
-  EXPECT_TRUE(Failing([&] { return platform::OpenStream(stream, L"/dev/null", std::ios_base::out), stream.fail(); }));
+  EXPECT_TRUE(
+      Failing([&] { return platform::OpenToAppend(stream, (folder.path() / "a").wstring().c_str()), stream.fail(); }));
 }
 
 TEST_F(InstrumentsTest, WhatMachineOrJournalThrowsDoesNotReachTheCaller) {

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <new>
 
 #include "platform/linux/linux_machine.h"
@@ -207,10 +208,16 @@ TEST_F(LinuxMachineTest, ProgramDataIsBelowTheUsersStatesUnlessTheEnvironmentHas
   EXPECT_EQ(machine.EnvironmentVariable(L"PROGRAMDATA"), L"/states/zarn");
   setenv("PROGRAMDATA", "/data/\xC3\xA9", 1);
   EXPECT_EQ(machine.EnvironmentVariable(L"PROGRAMDATA"), L"/data/\u00E9");
-  setenv("PROGRAMDATA", "data", 1);  // no path from the root
-  EXPECT_EQ(machine.EnvironmentVariable(L"PROGRAMDATA"), L"/states/zarn");
+  for (const char* const odd : {"data", "/\xFF"}) {  // no path from the root, no UTF-8
+    setenv("PROGRAMDATA", odd, 1);
+    EXPECT_EQ(machine.EnvironmentVariable(L"PROGRAMDATA"), L"/states/zarn");
+  }
   unsetenv("PROGRAMDATA");
   unsetenv("XDG_STATE_HOME");
+  const std::string home = std::getenv("HOME") != nullptr ? std::getenv("HOME") : "";
+  setenv("HOME", "/\xFF", 1);
+  EXPECT_TRUE(machine.EnvironmentVariable(L"PROGRAMDATA").value_or(L"").ends_with(L"/.local/state/zarn"));
+  setenv("HOME", home.c_str(), 1);
 }
 
 }  // namespace

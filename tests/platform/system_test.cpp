@@ -1,9 +1,13 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
 
 #include "platform/registry.h"
+#include "platform/standin/text.h"
 #include "platform/system.h"
 #include "tests/support/machine_fixture.h"
 #include "tests/support/temporary_folder.h"
@@ -14,6 +18,12 @@ namespace fs = std::filesystem;
 
 class SystemTest : public test::MachineTest {
  protected:
+  /// Whether an "x" could be appended to the file.
+  static bool Append(const fs::path& file) {
+    std::wofstream stream;
+    platform::OpenToAppend(stream, platform::WideFromUtf8(file.string()).c_str());
+    return stream.is_open() && stream << L"x";
+  }
   void ExpectLastError(LONG error) { EXPECT_EQ(GetLastError(), static_cast<DWORD>(error)); }
 
   const test::TemporaryFolder temporary;
@@ -85,19 +95,64 @@ TEST_F(SystemTest, WideTextBecomesUtf8) {
 
 TEST_F(SystemTest, StreamsOpenByWidePathAndSetTheLastError) {
   SetLastError(77);
-  std::wofstream stream;
-  platform::OpenStream(stream, (folder.wstring() + L"\\\u00E9.log").c_str(), std::ios_base::app);
-  EXPECT_TRUE(stream.is_open());
+  EXPECT_TRUE(Append(folder / "\xC3\xA9.log"));
   ExpectLastError(ERROR_SUCCESS);
-  EXPECT_TRUE(fs::exists(folder / "\xC3\xA9.log"));
-  std::wofstream missing;
-  platform::OpenStream(missing, (folder.wstring() + L"\\none\\x.log").c_str(), std::ios_base::out);
-  EXPECT_TRUE(missing.fail());
+  EXPECT_TRUE(Append(folder / "\xC3\xA9.log"));
+  EXPECT_EQ(test::ContentOf(folder / "\xC3\xA9.log"), "xx");
+  EXPECT_FALSE(Append(folder / "none/x.log"));
   ExpectLastError(ERROR_FILE_NOT_FOUND);
+  std::wofstream missing;
   const wchar_t lone[] = {static_cast<wchar_t>(0xD800), 0};
-  missing.clear();
-  EXPECT_NO_THROW(platform::OpenStream(missing, lone, std::ios_base::out));
+  EXPECT_NO_THROW(platform::OpenToAppend(missing, lone));
   EXPECT_TRUE(missing.fail());
+}
+
+TEST_F(SystemTest, LogFilesAreTheUsersOwnWhateverTheUmask) {
+  for (const mode_t mask : {mode_t{0}, mode_t{0777}}) {
+    const fs::path place = folder / std::to_string(mask);
+    const mode_t before = umask(mask);
+    EXPECT_TRUE(MakeSureDirectoryPathExists((place / "a/b/").c_str()));
+    EXPECT_TRUE(Append(place / "a/b/log"));
+    umask(before);
+    EXPECT_EQ(fs::status(place).permissions(), fs::perms{0700});
+    EXPECT_EQ(fs::status(place / "a/b").permissions(), fs::perms{0700});
+    EXPECT_EQ(fs::status(place / "a/b/log").permissions(), fs::perms{0600});
+  }
+}
+
+TEST_F(SystemTest, LogFilesThatOthersCouldHavePlacedAreRefused) {
+  const auto expect_refusal = [this](const fs::path& file) {
+    EXPECT_FALSE(Append(file)) << file;
+    EXPECT_EQ(test::ContentOf(folder / "mine"), "") << file;
+  };
+  std::ofstream(folder / "mine").close();
+  fs::create_symlink("mine", folder / "link");
+  fs::create_hard_link(folder / "mine", folder / "second name");
+  ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+  fs::create_symlink("loop", folder / "loop");
+  for (const char* const name : {"link", "mine", "fifo", "", "loop/x"}) expect_refusal(folder / name);
+  fs::create_directory(folder / "real");
+  fs::create_symlink("../real", folder / "real/way");
+  EXPECT_TRUE(Append(folder / "real/way/x")) << "this user's own link";
+  fs::permissions(folder / "real", fs::perms{0777});
+  expect_refusal(folder / "real/y");
+  EXPECT_FALSE(MakeSureDirectoryPathExists((folder / "real/z/").c_str()));
+  fs::permissions(folder / "real", fs::perms{01777});
+  EXPECT_TRUE(Append(folder / "real/y")) << "in a sticky folder";
+  if (geteuid() != 0) return;
+  std::ofstream(folder / "other").close();
+  fs::create_symlink("real", folder / "others_way");
+  fs::create_directory(folder / "others");
+  for (const char* const name : {"other", "others_way", "others"})
+    ASSERT_EQ(lchown((folder / name).c_str(), 65534, 65534), 0);
+  for (const char* const name : {"other", "others_way/n", "others/n"}) expect_refusal(folder / name);
+}
+
+TEST_F(SystemTest, NothingIsMadeAtTheRootOfTheFileSystem) {
+  EXPECT_FALSE(MakeSureDirectoryPathExists("\\zarn test\\Log\\"));
+  EXPECT_FALSE(Append("/zarn test.log"));
+  ExpectLastError(ERROR_ACCESS_DENIED);
+  EXPECT_FALSE(fs::exists("/zarn test") || fs::exists("/zarn test.log"));
 }
 
 TEST_F(SystemTest, EmptyMachineHasTheComputersLocalTime) {

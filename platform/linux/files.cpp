@@ -1,0 +1,174 @@
+/// The log's folders and files. They may be root's, so nobody else may have a say in where they are: no link of another
+/// user's is followed, nothing is taken that another user could have put there, and nothing is waited for.
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <ext/stdio_filebuf.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/read_file.h"
+#include "platform/standin/platform_call.h"
+#include "platform/standin/system_api.h"
+#include "platform/standin/text.h"
+
+namespace platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr Call<BOOL> kMakeSureDirectoryPathExists = ZeroCall<BOOL>("MakeSureDirectoryPathExists", ERROR_ACCESS_DENIED);
+constexpr Call<bool> kOpenToAppend = ZeroCall<bool>("OpenToAppend", ERROR_ACCESS_DENIED);
+
+constexpr mode_t kPrivateFolder = 0700;
+constexpr mode_t kPrivateFile = 0600;
+constexpr int kMostLinks = 40;  // on the way to a file, as in the kernel
+
+bool IsOurs(const struct stat& entry) { return entry.st_uid == 0 || entry.st_uid == geteuid(); }
+
+/// Whether nobody but root and this user can exchange what is in the folder. In a sticky one, as /tmp is, each entry is
+/// its owner's alone.
+bool IsSafeFolder(const struct stat& entry) {
+  const bool group_is_ours = entry.st_gid == 0 || entry.st_gid == getegid();
+  const bool others_write = (entry.st_mode & S_IWOTH) != 0 || ((entry.st_mode & S_IWGRP) != 0 && !group_is_ours);
+  return IsOurs(entry) && (!others_write || (entry.st_mode & S_ISVTX) != 0);
+}
+
+/// Makes a folder for this user alone, whatever the process's umask: 0, or the code of the failure.
+int MakeFolder(const fs::path& folder) {
+  if (mkdir(folder.c_str(), kPrivateFolder) != 0 && errno != EEXIST) return errno;
+  return chmod(folder.c_str(), kPrivateFolder) == 0 ? 0 : errno;
+}
+
+/// Puts the names of a path on a stack, the first one on top.
+void PushNames(const fs::path& path, std::vector<fs::path>& names) {
+  const std::vector<fs::path> forward(path.begin(), path.end());
+  names.insert(names.end(), forward.rbegin(), forward.rend());
+}
+
+/// Goes a path name by name, and follows links of root's and of this user's alone. Folders that are missing are made,
+/// if `make` says so, but never at the root of the file system. 0 with the path that has no links, or the code of the
+/// failure: EACCES where another user could interfere.
+int Walk(const fs::path& folder, bool make, fs::path& walked) {
+  std::vector<fs::path> names;
+  PushNames(fs::absolute(folder), names);
+  for (int links = 0; !names.empty();) {
+    const fs::path name = std::move(names.back());
+    names.pop_back();
+    if (name.empty() || name == ".") continue;
+    if (name == ".." || name == "/") {
+      walked = name == "/" ? name : walked.parent_path();
+      continue;
+    }
+    const fs::path here = walked / name;
+    struct stat entry {};
+    if (lstat(here.c_str(), &entry) != 0) {
+      if (errno != ENOENT || !make) return errno;
+      if (walked == "/") return EACCES;
+      if (const int code = MakeFolder(here)) return code;
+      if (lstat(here.c_str(), &entry) != 0) return errno;
+    }
+    if (S_ISLNK(entry.st_mode)) {
+      if (!IsOurs(entry) || ++links > kMostLinks) return EACCES;
+      std::error_code error;
+      PushNames(fs::read_symlink(here, error), names);
+      if (error) return error.value();
+      continue;
+    }
+    if (!S_ISDIR(entry.st_mode)) return ENOTDIR;
+    if (!IsSafeFolder(entry)) return EACCES;
+    walked = here;
+  }
+  return 0;
+}
+
+/// Opens a file of this user's that has no other name, or makes it: 0, or the code of the failure.
+int OpenOwn(const fs::path& file, FileDescriptor& opened) {
+  constexpr int kFlags = O_WRONLY | O_APPEND | O_NOFOLLOW | O_NONBLOCK;
+  int code = opened.Open(file, kFlags);
+  if (code == ENOENT) {
+    if (file.parent_path() == "/") return EACCES;
+    code = opened.Open(file, kFlags | O_CREAT | O_EXCL, kPrivateFile);
+    if (code == 0 && fchmod(opened.Get(), kPrivateFile) != 0) return errno;  // whatever the process's umask
+    if (code == EEXIST) code = opened.Open(file, kFlags);  // another process of this user's made it meanwhile
+  }
+  if (code != 0) return code;
+  struct stat entry {};
+  if (fstat(opened.Get(), &entry) != 0) return errno;
+  return S_ISREG(entry.st_mode) && entry.st_uid == geteuid() && entry.st_nlink == 1 ? 0 : EACCES;
+}
+
+std::string WithSlashes(std::string path) {
+  std::ranges::replace(path, '\\', '/');
+  return path;
+}
+
+BOOL MakeFolders(PCSTR path) {
+  fs::path walked;
+  const int code = Walk(fs::path(WithSlashes(path)).parent_path(), true, walked);
+  if (code != 0) SetThreadErrorFromErrno(code);
+  return code == 0 ? TRUE : FALSE;
+}
+
+int Open(std::wofstream& stream, const fs::path& file) {
+  fs::path folder;
+  if (const int code = Walk(file.parent_path(), false, folder)) return code;
+  FileDescriptor opened;
+  if (const int code = OpenOwn(folder / file.filename(), opened)) return code;
+  // The standard has no way to make a stream of an open file. GCC's library has a buffer for that, which is the
+  // stream's own kind and can be moved into it.
+  __gnu_cxx::stdio_filebuf<wchar_t> buffer(opened.Get(), std::ios_base::out | std::ios_base::app);
+  if (!buffer.is_open()) return ENOMEM;
+  opened.Release();  // it is the buffer's now
+  *stream.rdbuf() = std::move(buffer);
+  stream.clear();
+  return 0;
+}
+
+bool OpenByWidePath(std::wofstream& stream, const wchar_t* path) {
+  std::string file;
+  if (path == nullptr || !AppendUtf8(path, file)) {
+    SetThreadError(ERROR_NO_UNICODE_TRANSLATION);
+    return false;
+  }
+  const int code = Open(stream, WithSlashes(std::move(file)));
+  if (code == 0) {
+    SetThreadError(ERROR_SUCCESS);
+  } else {
+    SetThreadErrorFromErrno(code);
+  }
+  return code == 0;
+}
+
+}  // namespace
+
+void OpenToAppend(std::wofstream& stream, const wchar_t* path) {
+  if (Pass(kOpenToAppend, Asked(path), [&] { return OpenByWidePath(stream, path); })) return;
+  try {
+    stream.setstate(std::ios_base::failbit);
+  } catch (const std::ios_base::failure&) {
+    // The stream tells, as it must; its owner asked it to throw, which calls do not.
+  }
+}
+
+extern "C" {
+
+BOOL MakeSureDirectoryPathExists(PCSTR path) {
+  return Pass(kMakeSureDirectoryPathExists, Asked(path), [&] {
+    if (path != nullptr) return MakeFolders(path);
+    SetThreadError(ERROR_INVALID_PARAMETER);
+    return FALSE;
+  });
+}
+
+}  // extern "C"
+
+}  // namespace platform
