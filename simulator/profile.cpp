@@ -10,17 +10,19 @@
 #include <initializer_list>
 #include <optional>
 #include <span>
-#include <sstream>
 #include <string_view>
 #include <system_error>
 
+#include "platform/standin/toml_bounds.h"
 #include "simulator/wide_text.h"
 
 namespace simulator {
 namespace {
 
 constexpr wchar_t kDefaultInstance[] = L"ACPI\\PNP0C14\\ZARN_0";
-constexpr std::size_t kLongestReport = 16384;  // a Linux kernel's limit
+constexpr std::size_t kLongestReport = 16384;                  // a Linux kernel's limit
+constexpr std::size_t kLongestProfile = std::size_t{1} << 20;  // in bytes; four recorded keyboards at their worst
+constexpr std::size_t kMostKeyboards = 16;
 constexpr wchar_t kDefaultUser[] = L"player";
 constexpr wchar_t kLogKey[] = L"SOFTWARE\\OEM\\ZarnLightingService\\Log";
 constexpr wchar_t kLogSwitch[] = L"ZarnLightingService";
@@ -28,8 +30,6 @@ constexpr wchar_t kLogSwitch[] = L"ZarnLightingService";
 [[noreturn]] void Fail(const toml::source_region& where, std::initializer_list<std::string_view> what) {
   std::string line = *where.path + ":" + std::to_string(where.begin.line) + ": ";
   for (const std::string_view part : what) line += part;
-  // Keys, and the text that the parser quotes, may hold line breaks.
-  for (char& c : line) c = c >= 0 && c < ' ' ? ' ' : c;
   throw ProfileError(line);
 }
 
@@ -73,6 +73,13 @@ std::optional<std::wstring> Text(const toml::node& node) {
   const auto text = node.value_exact<std::string>();
   if (!text || text->find('\0') != std::string::npos) return std::nullopt;
   return WideFromUtf8(*text);
+}
+
+/// A user's name becomes part of the log's path, and a profile may come from anybody.
+bool ReadUser(const toml::node& node, Profile& profile) {
+  const auto name = Text(node);
+  const auto unfit = [](wchar_t c) { return c == L'/' || c == L'\\' || c < L' ' || (c >= 0x7F && c < 0xA0); };
+  return name && std::ranges::none_of(*name, unfit) && Assign(name, profile.user_name);
 }
 
 std::optional<std::int64_t> Number(const toml::node& node, std::int64_t highest) {
@@ -259,7 +266,7 @@ std::uint32_t NeededLength(const std::vector<HidKeyboard::Field>& fields) {
 
 bool ReadHidKeyboards(const toml::node& node, Profile& profile) {
   const toml::array* const tables = node.as_array();
-  if (tables == nullptr) return false;
+  if (tables == nullptr || tables->size() > kMostKeyboards) return false;
   for (const toml::node& table : *tables) {
     profile.hid_keyboards.emplace_back();
     if (!ReadFields(table, kHidKeyboard, profile)) return false;
@@ -283,12 +290,11 @@ constexpr Field kFile[] = {
     {"title", "text",
      [](const toml::node& node, Profile& profile) { return Assign(node.value_exact<std::string>(), profile.title); },
      true},
-    {"user", "text, empty for a name that cannot be told",
-     [](const toml::node& node, Profile& profile) { return Assign(Text(node), profile.user_name); }},
+    {"user", "text without slashes and control characters, empty for a name that cannot be told", ReadUser},
     {"firmware", "a table: [firmware]", Section<kFirmware>},
     {"keyboard", "a table: [keyboard]", Section<kKeyboard>},
     {"light_bar", "a table: [light_bar]", Section<kLightBar>},
-    {"hid_keyboard", "tables: [[hid_keyboard]]", ReadHidKeyboards},
+    {"hid_keyboard", "at most 16 tables: [[hid_keyboard]]", ReadHidKeyboards},
     {"log", "a table: [log]", Section<kLog>},
     {"registry", "tables: [registry.'KEY\\KEY']", ReadRegistry},
     {"environment", "a table: [environment]", ReadEnvironment},
@@ -302,12 +308,13 @@ std::string ReadFile(const std::filesystem::path& file) {
   }
   errno = 0;
   std::ifstream in(file, std::ios::binary);
-  std::ostringstream text;
-  if (in && in.peek() != std::ifstream::traits_type::eof()) text << in.rdbuf();
+  std::string text(kLongestProfile + 1, '\0');
+  in.read(text.data(), static_cast<std::streamsize>(text.size()));
   if (!in.is_open() || in.bad()) {
     throw ProfileError(file.string() + ": cannot be read: " + std::generic_category().message(errno));
   }
-  return text.str();
+  text.resize(static_cast<std::size_t>(in.gcount()));
+  return text;
 }
 
 /// Lights hang on the firmware: without one they would silently not be there.
@@ -334,6 +341,8 @@ Profile ReadProfile(const toml::table& root) {
 Profile LoadProfile(const std::filesystem::path& file) { return ParseProfile(ReadFile(file), file.string()); }
 
 Profile ParseProfile(const std::string& text, const std::string& name) {
+  if (text.size() > kLongestProfile) throw ProfileError(name + ": more than 1 MiB");
+  if (platform::HasTooManyFullStops(text)) throw ProfileError(name + ": more than 1000 full stops");
   try {
     return ReadProfile(toml::parse(text, name));
   } catch (const toml::parse_error& error) {

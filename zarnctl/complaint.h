@@ -26,7 +26,7 @@ class Complaint : public std::runtime_error {
   ExitCode code_;
 };
 
-/// Writes "zarnctl: <line>" to stderr.
-void Complain(std::string line);
+/// Writes "zarnctl: <line>" to stderr, with what the line quotes made harmless.
+void Complain(const std::string& line);
 
 }  // namespace zarnctl

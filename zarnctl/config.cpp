@@ -7,7 +7,7 @@
 namespace zarnctl {
 
 std::string Config() {
-  return "logging: " + StateOf(kLogSwitch) + "\nlog folder: " + Utf8FromPath(LogFolderPath()) +
+  return "logging: " + StateOf(kLogSwitch) + "\nlog folder: " + Harmless(Utf8FromPath(LogFolderPath())) +
          "\nhybrid mode: " + StateOf(kHybridSwitch) + "\n";
 }
 

@@ -236,7 +236,7 @@ std::vector<Finding> Examine(const Symptoms& symptoms, const Remedies& remedies)
 
 std::string LineOf(const Finding& finding) {
   static constexpr const char* kKinds[] = {"fine     ", "note     ", "missing  "};
-  return kKinds[static_cast<std::size_t>(finding.kind)] + finding.answer +
+  return kKinds[static_cast<std::size_t>(finding.kind)] + Harmless(finding.answer) +
          (finding.remedy.empty() ? "" : "; " + finding.remedy);
 }
 

@@ -2,18 +2,27 @@
 
 #include <algorithm>
 #include <fstream>
+#include <sstream>
 #include <system_error>
 
 #include "log/ts_log.h"
+#include "platform/standin/text.h"
+#include "zarnctl/text.h"
 
 namespace zarnctl {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+constexpr std::uintmax_t kMostRead = std::uintmax_t{1} << 20;  // of each file, in bytes
+
+}  // namespace
+
 fs::path LogFolderPath() {
-  std::wstring folder = LogFolder().value_or(L"");
-  std::ranges::replace(folder, L'\\', L'/');
-  return fs::path(folder).make_preferred();
+  std::string folder = platform::ReadableUtf8(LogFolder().value_or(L""));
+  std::ranges::replace(folder, '\\', '/');
+  return PathFromUtf8(folder).make_preferred();
 }
 
 std::vector<std::string> FailuresIn(const std::vector<std::string>& lines) {
@@ -30,9 +39,14 @@ std::vector<std::string> LogWatch::NewLines() const {
   std::vector<std::string> lines;
   for (const auto& [path, end] : Ends()) {
     const auto before = ends_.find(path);
+    const std::uintmax_t begin = before != ends_.end() ? before->second : 0;
     std::ifstream file(path, std::ios::binary);
-    file.seekg(static_cast<std::streamoff>(before != ends_.end() ? before->second : 0));
-    for (std::string line; std::getline(file, line);) lines.push_back(line.substr(0, line.find('\r')));
+    file.seekg(static_cast<std::streamoff>(begin));
+    std::string text(std::min(kMostRead, end - std::min(begin, end)), '\0');
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(file.gcount()));
+    std::istringstream rest(std::move(text));
+    for (std::string line; std::getline(rest, line);) lines.push_back(line.substr(0, line.find('\r')));
   }
   return lines;
 }
@@ -41,6 +55,7 @@ std::map<fs::path, std::uintmax_t> LogWatch::Ends() {
   std::map<fs::path, std::uintmax_t> ends;
   std::error_code error;
   for (const fs::directory_entry& entry : fs::directory_iterator(LogFolderPath(), error)) {
+    if (!fs::is_regular_file(entry.symlink_status(error))) continue;  // nothing else is a log of the plug-in's
     const std::uintmax_t size = entry.file_size(error);
     if (!error) ends[entry.path()] = size;
   }

@@ -112,7 +112,7 @@ class Session {
   ExitCode operator()(const RecordCommand& command) {
     const std::vector<std::string> omissions = Hardware::RecordMachine(command.file);
     hardware_.TakeRefusals();  // the record tells what did not answer
-    std::cout << "written; 'zarnctl --machine " << command.file.string() << " demo' plays it back\n";
+    std::cout << "written; 'zarnctl --machine " << Harmless(command.file.string()) << " demo' plays it back\n";
     return Report(omissions) ? ExitCode::LightsDiffer : ExitCode::Done;
   }
 

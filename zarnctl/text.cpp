@@ -7,6 +7,7 @@
 #include <limits>
 #include <system_error>
 
+#include "platform/standin/text.h"
 #include "zarnctl/complaint.h"
 
 namespace zarnctl {
@@ -72,6 +73,23 @@ std::filesystem::path PathFromUtf8(std::string_view text) { return std::u8string
 std::string Utf8FromPath(const std::filesystem::path& path) {
   const std::u8string text = path.u8string();
   return {text.begin(), text.end()};
+}
+
+std::string Harmless(std::string_view text) {
+  std::string shown;
+  while (!text.empty()) {
+    const auto lead = static_cast<unsigned char>(text.front());
+    const std::size_t units = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+    char32_t character = units == 1 ? lead : lead & (0x7FU >> units);
+    const std::string_view front = text.substr(0, units);
+    for (const char unit : front.substr(1)) character = character << 6 | (static_cast<unsigned char>(unit) & 0x3F);
+    const platform::Utf8Character encoded = platform::EncodeUtf8(character);
+    const bool sound = front == std::string_view(encoded.units, encoded.size);
+    const bool control = character < ' ' || (character >= 0x7F && character < 0xA0);
+    shown += sound && !control ? front : "?";
+    text.remove_prefix(sound ? units : 1);
+  }
+  return shown;
 }
 
 bool EqualWithoutCase(std::string_view a, std::string_view b) {

@@ -11,7 +11,7 @@ namespace platform {
 namespace {
 
 /// 0, or the code of the failure.
-int Read(const std::filesystem::path& file, Bytes& bytes) {
+int Read(const std::filesystem::path& file, std::size_t longest, Bytes& bytes) {
   FileDescriptor descriptor;
   // Opening a FIFO would wait for its writer.
   if (const int code = descriptor.Open(file, O_RDONLY | O_NONBLOCK)) return code;
@@ -22,7 +22,7 @@ int Read(const std::filesystem::path& file, Bytes& bytes) {
   while (const ssize_t got = read(descriptor.Get(), block.data(), block.size())) {
     if (got < 0 && errno != EINTR) return errno;
     if (got > 0) bytes.insert(bytes.end(), block.begin(), block.begin() + got);
-    if (bytes.size() > kLongestFile) return EFBIG;
+    if (bytes.size() > longest) return EFBIG;
   }
   return 0;
 }
@@ -40,9 +40,9 @@ void FileDescriptor::Close() {
   fd_ = -1;
 }
 
-std::optional<Bytes> ReadFile(const std::filesystem::path& file) {
+std::optional<Bytes> ReadFile(const std::filesystem::path& file, std::size_t longest) {
   Bytes bytes;
-  const int code = Read(file, bytes);
+  const int code = Read(file, longest, bytes);
   if (code == 0) return bytes;
   errno = code;
   return std::nullopt;

@@ -33,8 +33,8 @@ class FileDescriptor {
 constexpr std::size_t kLongestFile = std::size_t{16} << 20;  // in bytes
 
 /// All of a regular file; nothing when it cannot be opened or read to its end, and then errno tells why: ENOENT or
-/// ENOTDIR when it is not there, EINVAL when it is no regular file, EFBIG when it is longer than kLongestFile. It does
-/// not block.
-std::optional<Bytes> ReadFile(const std::filesystem::path& file);
+/// ENOTDIR when it is not there, EINVAL when it is no regular file, EFBIG when it is longer than `longest`. It does not
+/// block.
+std::optional<Bytes> ReadFile(const std::filesystem::path& file, std::size_t longest = kLongestFile);
 
 }  // namespace platform

@@ -14,6 +14,7 @@
 #include "platform/linux/read_file.h"
 #include "platform/linux/user.h"
 #include "platform/standin/text.h"
+#include "platform/standin/toml_bounds.h"
 
 namespace platform {
 namespace {
@@ -47,6 +48,7 @@ void ReadKey(const toml::key& key, const toml::node& node, RegistryValues& value
 }
 
 RegistryValues ReadValues(const std::string& text) {
+  if (HasTooManyFullStops(text)) throw std::runtime_error(" more than 1000 full stops");
   RegistryValues values;
   const toml::table file = toml::parse(text);
   for (const auto& [name, section] : file) {
@@ -64,12 +66,13 @@ bool IsNotThere(int code) { return code == ENOENT || code == ENOTDIR; }
 
 SettingsFile ReadSettingsFile(const std::filesystem::path& path) {
   SettingsFile file{path, SettingsFile::State::NotThere, {}, {}};
-  const std::optional<Bytes> bytes = ReadFile(path);
+  const std::optional<Bytes> bytes = ReadFile(path, kLongestSettingsFile);
   if (!bytes) {
     const int code = errno;
     if (IsNotThere(code)) return file;
     file.state = SettingsFile::State::Unreadable;
-    file.complaint = path.string() + ": cannot be read: " + std::generic_category().message(code);
+    file.complaint = path.string() + (code == EFBIG ? ": more than 16 KiB"
+                                                    : ": cannot be read: " + std::generic_category().message(code));
     return file;
   }
   file.state = SettingsFile::State::Read;
@@ -81,9 +84,6 @@ SettingsFile ReadSettingsFile(const std::filesystem::path& path) {
   } catch (const std::runtime_error& what) {
     file.complaint = path.string() + ":" + what.what();
   }
-  // Keys, and the text that the parser quotes, may hold line breaks.
-  std::ranges::replace_if(
-      file.complaint, [](char c) { return c >= 0 && c < ' '; }, ' ');
   return file;
 }
 

@@ -24,10 +24,13 @@ struct SettingsFile {
 
   std::filesystem::path path;
   State state = State::NotThere;
-  /// What is wrong with it, one line with the place; then there are no values.
+  /// What is wrong with it, with the place; then there are no values. It quotes the file, which may hold anything.
   std::string complaint;
   RegistryValues values;
 };
+
+/// In bytes. Reading takes a time that grows with the square of what is in it, and hosts wait for that.
+inline constexpr std::size_t kLongestSettingsFile = 16384;
 
 SettingsFile ReadSettingsFile(const std::filesystem::path& path);
 

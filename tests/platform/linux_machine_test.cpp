@@ -188,6 +188,7 @@ TEST_F(LinuxMachineTest, LaterSettingsFileWinsWhateverTheCaseButABrokenOneCounts
   expect_complaint("[registry]\nY = 1", ":4: Y must be a table: [registry.'KEY\\KEY']");
   expect_complaint("[else]", R"(:3: "else" is not known here, only tables: [registry.'KEY\KEY'])");
   expect_complaint("Y = ", ":3: ");
+  expect_complaint(("Y" + std::string(1000, '.')).c_str(), ": more than 1000 full stops");
 }
 
 TEST_F(LinuxMachineTest, SettingsThatCannotBeReadForAMomentCountAsTheyWere) {
@@ -201,6 +202,8 @@ TEST_F(LinuxMachineTest, SettingsThatCannotBeReadForAMomentCountAsTheyWere) {
   Write(user, "[registry.'OEM\\A']\nX = 2\n");
   EXPECT_EQ(Setting(L"X"), Hex("2 0 0 0"));
   EXPECT_EQ(platform::ReadSettingsFile(user / "below").complaint, "") << "is not there";
+  fs::resize_file(user, 16385);
+  EXPECT_EQ(platform::ReadSettingsFile(user).complaint, user.string() + ": more than 16 KiB");
 }
 
 TEST_F(LinuxMachineTest, ProgramDataIsBelowTheUsersStatesUnlessTheEnvironmentHasIt) {

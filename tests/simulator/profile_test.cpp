@@ -95,12 +95,18 @@ TEST_F(ProfileTest, EveryMistakeIsNamedWithItsLineAndRemedy) {
   const std::string firmware = title + "[firmware]\nversion = '2.91'\n";
   const std::string keyboard = firmware + "[keyboard]\n";
   const std::string hid = title + "[[hid_keyboard]]\n";
+  std::string keyboards;
+  for (int i = 0; i < 17; ++i) keyboards += "[[hid_keyboard]]\nzones = 1\n";
+  const std::string user = "text without slashes and control characters, empty for a name that cannot be told";
   const std::string allowed = "text like \"2.91\", both numbers from 0 to 255";
   const std::pair<std::string, std::string> cases[] = {
       {"title = 1\n", "1: title must be text"},
       {title + "usr = 'x'\n",
        "2: \"usr\" is not known here, only: title, user, firmware, keyboard, light_bar, hid_keyboard, log, registry, "
        "environment"},
+      {title + "user = '../x'\n", "2: user must be " + user},
+      {title + "user = '..\\x'\n", "2: user must be " + user},
+      {title + "user = \"\\u009b\"\n", "2: user must be " + user},
       {title + "\n[firmware]\n", "3: version is missing here: " + allowed},
       {title + "[firmware]\nversion = 2.91\n", "3: version must be " + allowed},
       {title + "[firmware]\nversion = '2.256'\n", "3: version must be " + allowed},
@@ -115,7 +121,8 @@ TEST_F(ProfileTest, EveryMistakeIsNamedWithItsLineAndRemedy) {
       {hid + "zones = 1\nreport_length = 8\n", "2: report_length is too short, base_info and update need 12"},
       {hid + "zones = 1\nbase_info = [[0x31, 8], [0x35, 8]]\n",
        "4: base_info must be pairs of usage and bits, [[0x35, 16]], of 0x34, 0x32, 0x35, 0x33, 0x31 in this order"},
-      {title + "hid_keyboard = 1\n", "2: hid_keyboard must be tables: [[hid_keyboard]]"},
+      {title + "hid_keyboard = 1\n", "2: hid_keyboard must be at most 16 tables: [[hid_keyboard]]"},
+      {title + keyboards, "2: hid_keyboard must be at most 16 tables: [[hid_keyboard]]"},
       {title + "[registry]\nKey = 1\n", "3: Key must be a table: [registry.'KEY\\KEY']"},
       {title + "[registry.'K']\nV = 4294967296\n", "3: V must be a whole number from 0 to 4294967295"},
   };
@@ -129,6 +136,9 @@ TEST_F(ProfileTest, EveryMistakeIsNamedWithItsLineAndRemedy) {
 TEST_F(ProfileTest, UnreadableFileIsNamedWithTheReason) {
   EXPECT_EQ(Complaint("/no/such.toml"), " cannot be read: No such file or directory");
   EXPECT_EQ(Complaint("/usr"), " cannot be read: Is a directory");
+  EXPECT_EQ(Complaint(File("a" + std::string(1001, '.'))), " more than 1000 full stops");
+  EXPECT_TRUE(Complaint(File("a" + std::string(1000, '.'))).starts_with("1: "));
+  EXPECT_EQ(Complaint(File(std::string((1 << 20) + 1, '\n'))), " more than 1 MiB");
 }
 
 TEST_F(ProfileTest, EveryShippedProfileLoads) {

@@ -76,5 +76,14 @@ TEST(Texts, ColoursAreSixDigitsAndRedFirst) {
   }
 }
 
+TEST(Texts, ForeignOnesKeepTheirLettersAndGiveTheTerminalNoOrders) {
+  EXPECT_EQ(Harmless("a\u00E9\u20AC\U0001F600"), "a\u00E9\u20AC\U0001F600");
+  EXPECT_EQ(Harmless("\033[2J\r\n\x7F\u009B1m\u00A0"), "?[2J????1m\u00A0");
+  // Bytes that are no UTF-8, among them longer ways to write U+009B and U+001B, a surrogate, and a cut character.
+  EXPECT_EQ(Harmless("\x9B_\xE0\x82\x9B_\xC0\x9B_\xED\xA0\x80_\xF5\x80\x80\x80_\xE2\x82"),
+            "?_???_??_???_????_"
+            "??");
+}
+
 }  // namespace
 }  // namespace zarnctl

@@ -31,8 +31,8 @@ class FailureWatch {
     if (!hid && entry.call != "IWbemServices::ExecMethod") return;
     const std::lock_guard lock(lock_);
     if (trace_) {
-      const std::string name = hid ? entry.call + " " : "";
-      std::fprintf(stderr, "trace: %s%s -> %s\n", name.c_str(), entry.arguments.c_str(), entry.result.c_str());
+      const std::string line = (hid ? entry.call + " " : "") + entry.arguments + " -> " + entry.result;
+      std::fprintf(stderr, "trace: %s\n", Harmless(line).c_str());
     }
     ++exchanges_;
     const bool failed = hid ? entry.result.starts_with("0, error ") : !entry.result.starts_with("0x00000000");

@@ -43,7 +43,7 @@ std::string Example(const ServiceSwitch& service_switch) {
 std::string SettingsPlaces() {
   std::string text = "settings files, of which a later one takes precedence:\n";
   for (const std::filesystem::path& path : platform::SettingsPaths()) {
-    text += "  " + Described(platform::ReadSettingsFile(path)) + "\n";
+    text += "  " + Harmless(Described(platform::ReadSettingsFile(path))) + "\n";
   }
   return text + "to turn logging on, write into one of them:\n" + Example(kLogSwitch) +
          "to have a HID keyboard reported beside the embedded controller's devices, and not without them:\n" +
