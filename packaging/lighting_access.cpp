@@ -1,38 +1,40 @@
-/// For udev, which sees no usage pages: says whether a hidraw node is one of a keyboard with lighting controls.
+/// For udev, which sees no usage pages: says whether a hidraw node is one that whoever sits at the computer may use for
+/// its lights.
 ///
-/// zarn_hid_access FOLDER: the node's folder in sysfs. Exit code 0 says yes and 1 no. With 2 it cannot be told, and a
-/// line on stderr tells why.
+/// zarn_hid_access FOLDER: the node's folder in sysfs. Exit code 0 says yes and 1 no. 3 is a no, too: the node has
+/// a lighting collection, but what is typed also comes out of it, and the computer's owner does not share such nodes.
+/// With 2 it cannot be told, and a line on stderr tells why.
 
-#include <algorithm>
 #include <exception>
 #include <filesystem>
 #include <iostream>
 #include <stdexcept>
 #include <string>
 
+#include "platform/linux/lighting_access.h"
 #include "platform/linux/read_file.h"
-#include "platform/standin/report_descriptor.h"
 
 namespace {
 
-constexpr USAGE kLightingUsagePage = 0xFF5A;
+using platform::LightingAccess;
 
-bool HasLighting(const std::filesystem::path& node) {
+LightingAccess AccessToNode(const std::filesystem::path& node) {
   const std::filesystem::path file = node / "device" / "report_descriptor";
   const auto bytes = platform::ReadFile(file);
   if (!bytes || bytes->empty()) throw std::runtime_error(file.string() + " cannot be read, or is empty");
   const platform::ReportDescriptor descriptor = platform::ParseReportDescriptor(*bytes);
   if (!descriptor.refusal.empty()) throw std::runtime_error(file.string() + ": " + descriptor.refusal);
-  return std::any_of(
-      descriptor.collections.begin(), descriptor.collections.end(),
-      [](const platform::HidCollection& collection) { return collection.caps.UsagePage == kLightingUsagePage; });
+  return AccessTo(descriptor);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) try {
   if (argc != 2) throw std::runtime_error("usage: zarn_hid_access FOLDER, a hidraw node's in sysfs");
-  return HasLighting(argv[1]) ? 0 : 1;
+  const LightingAccess access = AccessToNode(argv[1]);
+  if (access == LightingAccess::None) return 1;
+  const bool shared = access == LightingAccess::SharedWithKeys && platform::KeyboardsAreShared();
+  return access == LightingAccess::Free || shared ? 0 : 3;
 } catch (const std::exception& error) {
   std::cerr << "zarn_hid_access: " << error.what() << "\n";
   return 2;

@@ -39,7 +39,8 @@ class Examination {
     const std::string state = "logging: " + StateOf(kLogSwitch);
     if (!IsOn(kLogSwitch)) return Add(Kind::Note, state + ", the plug-in writes no log", remedies_.switches);
     const std::string folder = Utf8FromPath(LogFolderPath());
-    if (symptoms_.log.empty()) return Add(Kind::Missing, state + ", but nothing was written to " + folder);
+    if (symptoms_.log.empty())
+      return Add(Kind::Missing, state + ", but nothing was written to " + folder, remedies_.no_log);
     Add(Kind::Fine, state + ", in " + folder);
     for (const std::string& failure : FailuresIn(symptoms_.log)) Add(Kind::Note, "log: " + failure);
   }
@@ -54,7 +55,7 @@ class Examination {
     const std::vector<std::wstring> paths = InterfacePaths();
     if (paths.empty()) Add(Kind::Note, "HID devices: none", remedies_.no_hid_devices);
     for (const std::wstring& path : paths) ExamineHidInterface(path);
-    for (const std::string& device : symptoms_.unreadable_devices) Add(Kind::Note, device);
+    for (const std::string& device : symptoms_.device_notes) Add(Kind::Note, device);
   }
 
   void ExamineFirmwareRecord() {
@@ -203,7 +204,10 @@ class Examination {
   void AddFailure(const std::string& name, const std::string& what) {
     const DWORD error = GetLastError();
     if (error == ERROR_ACCESS_DENIED) {
-      return Add(Kind::Missing, name + ": a lighting device, which this user may not open", remedies_.may_not_open);
+      const bool has_keys = std::ranges::any_of(symptoms_.devices_with_keys,
+                                                [&name](const std::string& path) { return name.starts_with(path); });
+      return Add(Kind::Missing, name + ": a lighting device, which this user may not open",
+                 has_keys ? remedies_.may_not_open_keys : remedies_.may_not_open);
     }
     if (error == ERROR_SHARING_VIOLATION) {
       return Add(Kind::Missing, name + ": a lighting device, which another program has for itself", "end that program");

@@ -21,8 +21,10 @@ struct Finding {
 /// What can be done about what is missing, which depends on what is examined. Texts may be empty.
 struct Remedies {
   std::string switches;
+  std::string no_log;
   std::string no_hid_devices;
   std::string may_not_open;
+  std::string may_not_open_keys;  // where what is typed comes out of the same device
   std::string no_node;
   std::string no_answer;
   std::string no_table;
@@ -32,9 +34,10 @@ struct Remedies {
 
 /// What was seen of the plug-in and of the machine below the platform.
 struct Symptoms {
-  std::vector<std::string> discovered;          // the devices that the plug-in reports
-  std::vector<std::string> log;                 // the lines that it logged of its discovery
-  std::vector<std::string> unreadable_devices;  // HID devices that the platform does not show, and why
+  std::vector<std::string> discovered;         // the devices that the plug-in reports
+  std::vector<std::string> log;                // the lines that it logged of its discovery
+  std::vector<std::string> device_notes;       // HID devices that the platform does not show as they are, and why
+  std::vector<std::string> devices_with_keys;  // paths of HID devices with lights out of which also comes what is typed
 };
 
 /// The switches, the log, the HID interfaces, the SMBIOS table and the firmware class, in this order; then what of it

@@ -55,8 +55,8 @@ class Hardware {
   /// Writes a profile that plays this machine back to a file that must not be there yet; a line for each thing that it
   /// lacks. Throws Complaint.
   static std::vector<std::string> RecordMachine(const std::filesystem::path& file);
-  /// HID devices that the platform does not show because it cannot read their descriptors, a line each.
-  static std::vector<std::string> UnreadableDevices();
+  /// Fills in what the HID devices' descriptors tell and the platform does not.
+  void LookAtDevices(Symptoms& symptoms) const;
 
   /// How long each call of the firmware takes beside its own pause.
   std::chrono::milliseconds FirmwareLatency() const;

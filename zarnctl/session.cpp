@@ -98,7 +98,7 @@ class Session {
       std::cout << LineOf({Finding::Kind::Missing, complaint.what(), ""}) << "\n";
     }
     symptoms.log = log.NewLines();
-    symptoms.unreadable_devices = Hardware::UnreadableDevices();
+    hardware_.LookAtDevices(symptoms);
     for (const Finding& finding : Examine(symptoms, hardware_.RemediesHere())) std::cout << LineOf(finding) << "\n";
     hardware_.TakeRefusals();  // the findings have told of them
     return symptoms.discovered.empty() ? ExitCode::NothingThere : ExitCode::Done;

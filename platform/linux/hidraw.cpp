@@ -12,18 +12,21 @@
 
 #include "platform/linux/read_file.h"
 #include "platform/standin/hid_api.h"
+#include "platform/standin/hid_interfaces.h"
 #include "platform/standin/text.h"
 
 namespace platform {
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
+using Clock = RestingDevices::Clock;
+using std::chrono::milliseconds;
 
 constexpr std::string_view kNodePrefix = "hidraw";
-/// An exchange that takes this long and fails has found a device that hangs, whatever error the driver makes of it: the
-/// kernel's own limit is 5 s.
-constexpr std::chrono::seconds kHangs{2};
+/// Hosts pause this long behind a failed exchange before they try again.
+constexpr milliseconds kPause{20};
+/// No sound device needs longer, all its interfaces together: hosts ask one after the other.
+constexpr milliseconds kSlow{100};
 
 std::optional<unsigned> Number(std::string_view text, int base) {
   unsigned number = 0;
@@ -85,8 +88,11 @@ LONG ErrorOf(int code) {
 
 class HidrawConnection final : public HidConnection {
  public:
-  HidrawConnection(HidrawPlaces places, HidrawDevice device, std::shared_ptr<HungDevices> hung)
-      : places_(std::move(places)), device_(std::move(device)), hung_(std::move(hung)) {}
+  HidrawConnection(HidrawPlaces places, HidrawDevice device, std::shared_ptr<RestingDevices> resting)
+      : places_(std::move(places)),
+        device_(std::move(device)),
+        interfaces_(ParseReportDescriptor(device_.device.report_descriptor).collections.size()),
+        resting_(std::move(resting)) {}
 
   LONG SetFeature(std::span<const std::uint8_t> report) override {
     Bytes copy(report.begin(), report.end());  // the kernel's interface takes no constant one
@@ -109,16 +115,17 @@ class HidrawConnection final : public HidConnection {
  private:
   template <typename Call>
   LONG Exchange(const Call& call) {
-    if (hung_->Contains(device_.identity)) return IsPresent() ? ERROR_SEM_TIMEOUT : ERROR_DEVICE_NOT_CONNECTED;
+    if (resting_->Contains(device_.identity)) return IsPresent() ? ERROR_SEM_TIMEOUT : ERROR_DEVICE_NOT_CONNECTED;
     int code = Open();
     // Opening may wait for another device, which says nothing about this one.
     const Clock::time_point began = Clock::now();
     if (code == 0 && call(file_.Get()) < 0) code = errno;
+    const Clock::duration time = Clock::now() - began;
+    resting_->Book(device_.identity, time, code != 0, interfaces_);
     if (code == 0) return ERROR_SUCCESS;
     if (!IsPresent()) return ERROR_DEVICE_NOT_CONNECTED;
-    if (Clock::now() - began < kHangs) return ErrorOf(code);
-    hung_->Add(device_.identity);
-    return ERROR_SEM_TIMEOUT;
+    // Whatever error the driver makes of its own time limit, which is 5 s.
+    return time < RestingDevices::kPatience ? ErrorOf(code) : ERROR_SEM_TIMEOUT;
   }
 
   /// Opens the node for the first exchange: 0, or the code of the failure.
@@ -138,25 +145,31 @@ class HidrawConnection final : public HidConnection {
 
   const HidrawPlaces places_;
   const HidrawDevice device_;
-  const std::shared_ptr<HungDevices> hung_;
+  const std::size_t interfaces_;
+  const std::shared_ptr<RestingDevices> resting_;
   std::mutex lock_;
   FileDescriptor file_;  // opened under lock_, once
 };
 
 }  // namespace
 
-void HungDevices::Add(const std::string& device) {
+void RestingDevices::Book(const std::string& device, Clock::duration time, bool failed, std::size_t interfaces) {
+  const Clock::duration needed = Clock::duration(kSlow) / std::clamp<std::size_t>(interfaces, 1, kMostInterfaces);
+  const Clock::duration cost = failed ? time + kPause : time > needed ? time - needed : -kPause / 2;
+  const Clock::time_point now = Clock::now();
   const std::lock_guard lock(lock_);
-  until_[device] = Clock::now() + kRest;
+  // Devices are forgotten a while after the last booking, those among them that are gone for ever.
+  std::erase_if(accounts_, [now](const auto& entry) { return now - entry.second.booked >= kRest; });
+  Account& account = accounts_.try_emplace(device, Account{{}, now}).first->second;
+  account.debt += cost - (now - account.booked) / (kRest / kPatience);
+  account.booked = now;
+  if (account.debt <= Clock::duration()) accounts_.erase(device);
 }
 
-bool HungDevices::Contains(const std::string& device) {
+bool RestingDevices::Contains(const std::string& device) {
   const std::lock_guard lock(lock_);
-  const auto found = until_.find(device);
-  if (found == until_.end()) return false;
-  if (Clock::now() < found->second) return true;
-  until_.erase(found);
-  return false;
+  const auto found = accounts_.find(device);
+  return found != accounts_.end() && found->second.debt >= kPatience && Clock::now() - found->second.booked < kRest;
 }
 
 std::vector<HidrawDevice> FindHidrawDevices(const HidrawPlaces& places) {
@@ -175,16 +188,18 @@ std::vector<HidrawDevice> FindHidrawDevices(const HidrawPlaces& places) {
 }
 
 OpenedHidDevice OpenHidrawDevice(const HidrawPlaces& places, const std::wstring& path,
-                                 const std::shared_ptr<HungDevices>& hung) {
+                                 const std::shared_ptr<RestingDevices>& resting) {
   const fs::path node = ReadableUtf8(path);
   if (node.parent_path() != places.nodes) return {};
+  // Asked for first: hosts look for a device again and again.
+  if (resting->Contains(IdentityOf(places, node.filename()))) return {ERROR_SEM_TIMEOUT, {}, nullptr};
   auto found = ReadDevice(places, node.filename());
   if (!found) return {};
   if (faccessat(AT_FDCWD, node.c_str(), R_OK, AT_EACCESS) != 0) {
     return {errno == ENOENT ? ERROR_FILE_NOT_FOUND : ERROR_ACCESS_DENIED, {}, nullptr};
   }
   HidDevice device = found->device;
-  return {ERROR_SUCCESS, std::move(device), std::make_shared<HidrawConnection>(places, *std::move(found), hung)};
+  return {ERROR_SUCCESS, std::move(device), std::make_shared<HidrawConnection>(places, *std::move(found), resting)};
 }
 
 }  // namespace platform

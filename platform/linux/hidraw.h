@@ -23,20 +23,30 @@ struct HidrawPlaces {
   std::filesystem::path nodes = "/dev";
 };
 
-/// Devices that let an exchange run into its time limit. For a while they are not asked again, or every attempt of a
-/// host would take the kernel's five seconds. A device that is plugged in again is another one, and asked at once. Any
-/// thread may call.
-class HungDevices {
+/// Devices that have cost their hosts too much time: they hang, or refuse one attempt after another. For a while they
+/// are not asked again and cannot be opened, or a host would wait for each of its attempts. A device that is plugged in
+/// again is another one, and asked at once. Any thread may call.
+class RestingDevices {
  public:
+  using Clock = std::chrono::steady_clock;
+  /// How much time a device may cost before it rests. It gets back as much in kRest.
+  static constexpr std::chrono::seconds kPatience{2};
   /// Long enough for a host to be done with a push and a teardown while several devices hang one after another.
   static constexpr std::chrono::seconds kRest{60};
 
-  void Add(const std::string& device);
+  /// Books an exchange that took `time`. A failed one costs it, and the pause that hosts make behind it; one that went
+  /// well costs what a sound device with so many interfaces does not need, and a quick one brings some back.
+  void Book(const std::string& device, Clock::duration time, bool failed, std::size_t interfaces = 1);
   bool Contains(const std::string& device);
 
  private:
+  struct Account {
+    Clock::duration debt{};
+    Clock::time_point booked;
+  };
+
   std::mutex lock_;
-  std::map<std::string, std::chrono::steady_clock::time_point> until_;  // guarded by lock_
+  std::map<std::string, Account> accounts_;  // guarded by lock_; of devices in debt
 };
 
 /// A node and its device.
@@ -51,8 +61,8 @@ struct HidrawDevice {
 std::vector<HidrawDevice> FindHidrawDevices(const HidrawPlaces& places);
 
 /// Opens the device at `path`: ERROR_FILE_NOT_FOUND when it is not there, ERROR_ACCESS_DENIED when this process may not
-/// open its node.
+/// open its node, ERROR_SEM_TIMEOUT while it rests.
 OpenedHidDevice OpenHidrawDevice(const HidrawPlaces& places, const std::wstring& path,
-                                 const std::shared_ptr<HungDevices>& hung);
+                                 const std::shared_ptr<RestingDevices>& resting);
 
 }  // namespace platform

@@ -56,7 +56,7 @@ std::vector<HidDevice> LinuxMachine::HidDevices() {
 }
 
 OpenedHidDevice LinuxMachine::OpenHidDevice(const std::wstring& path) {
-  return OpenHidrawDevice(places_.hidraw, path, hung_);
+  return OpenHidrawDevice(places_.hidraw, path, resting_);
 }
 
 }  // namespace platform

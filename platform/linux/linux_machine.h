@@ -35,7 +35,7 @@ class LinuxMachine final : public EmptyMachine {
  private:
   const LinuxPlaces places_;
   Settings settings_;
-  const std::shared_ptr<HungDevices> hung_ = std::make_shared<HungDevices>();
+  const std::shared_ptr<RestingDevices> resting_ = std::make_shared<RestingDevices>();
 };
 
 }  // namespace platform

@@ -28,6 +28,13 @@ std::wstring DevicePath(const std::wstring& path) {
   return marked ? path.substr(0, mark) : path;
 }
 
+/// The collections that become interfaces.
+std::vector<HidCollection> CollectionsOf(const HidDevice& device) {
+  std::vector<HidCollection> collections = ParseReportDescriptor(device.report_descriptor).collections;
+  if (collections.size() > kMostInterfaces) collections.resize(kMostInterfaces);
+  return collections;
+}
+
 std::shared_ptr<const HidInterface> NotOpened(LONG error) {
   SetThreadError(error);
   return nullptr;
@@ -36,7 +43,7 @@ std::shared_ptr<const HidInterface> NotOpened(LONG error) {
 /// The one of the device's interfaces that has this path.
 std::shared_ptr<const HidInterface> InterfaceAt(const std::wstring& path, const HidDevice& device,
                                                 std::shared_ptr<HidConnection> connection) {
-  std::vector<HidCollection> collections = ParseReportDescriptor(device.report_descriptor).collections;
+  std::vector<HidCollection> collections = CollectionsOf(device);
   for (std::size_t i = 0; i < collections.size(); ++i) {
     if (InterfacePath(device.path, i + 1, collections.size()) != path) continue;
     return std::make_shared<const HidInterface>(HidInterface{path, device.vendor, device.product, device.version,
@@ -50,7 +57,7 @@ std::shared_ptr<const HidInterface> InterfaceAt(const std::wstring& path, const 
 std::vector<std::wstring> HidInterfacePaths() {
   std::vector<std::wstring> paths;
   for (const HidDevice& device : CurrentMachine()->HidDevices()) {
-    const std::size_t count = ParseReportDescriptor(device.report_descriptor).collections.size();
+    const std::size_t count = CollectionsOf(device).size();
     for (std::size_t i = 0; i < count; ++i) paths.push_back(InterfacePath(device.path, i + 1, count));
   }
   return paths;

@@ -1,6 +1,9 @@
-/// The machine's HID devices as the platform shows them: an interface for each top-level collection.
+/// The machine's HID devices as the platform shows them: an interface for each top-level collection, up to a number that
+/// no keyboard has. A descriptor has room for hundreds of them, and whoever asks each in turn would keep the lighting
+/// service busy for minutes.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -9,6 +12,8 @@
 #include "platform/standin/report_descriptor.h"
 
 namespace platform {
+
+inline constexpr std::size_t kMostInterfaces = 16;  // of one device
 
 /// An opened interface. Shared by its handle and the calls that are using it. Without a connection it only tells what
 /// it is.

@@ -27,6 +27,11 @@ constexpr std::uint32_t kNullState = 0x40;
 
 constexpr std::uint8_t kLongItem = 0xFE;
 
+constexpr USAGE kDesktopPage = 1;
+constexpr std::uint32_t kKeyboard = 6;
+constexpr std::uint32_t kKeypad = 7;
+constexpr USAGE kKeysPage = 7;
+
 /// What is wrong; null when nothing is.
 using Refusal = const char*;
 constexpr Refusal kSound = nullptr;
@@ -136,6 +141,7 @@ class Parser {
   Refusal Take(const Item& item);
   Refusal Finish() const;
   std::vector<HidCollection> TakeCollections() { return std::move(collections_); }
+  bool has_keys() const { return has_keys_; }
 
  private:
   using ReportKey = std::pair<HIDP_REPORT_TYPE, BYTE>;
@@ -184,6 +190,7 @@ class Parser {
   Refusal AddControls(HIDP_REPORT_TYPE kind, std::uint32_t flags);
   HIDP_VALUE_CAPS FieldCaps(std::uint32_t flags) const;
   USAGE PageOf(const UsageRun& run) const { return run.page.value_or(globals_.usage_page); }
+  bool NamesKeys() const;
 
   Globals globals_;
   std::vector<Globals> pushed_;
@@ -192,6 +199,7 @@ class Parser {
   std::map<ReportKey, Report> reports_;
   std::map<ReportKey, std::uint32_t> collection_bits_;  // of the reports, as far as the top-level collection goes
   std::vector<HidCollection> collections_;
+  bool has_keys_ = false;
 };
 
 const Parser::ItemRow Parser::kItems[] = {
@@ -227,8 +235,19 @@ Refusal Parser::Take(const Item& item) {
   const bool known = row != std::end(kItems);
   if (!known && item.Type() == ItemType::Global) return "unknown global item";
   const Refusal refusal = known ? (this->*row->take)(item) : kSound;
-  if (item.Type() == ItemType::Main) locals_ = {};
+  if (item.Type() == ItemType::Main) {
+    has_keys_ = has_keys_ || NamesKeys();
+    locals_ = {};
+  }
   return refusal;
+}
+
+bool Parser::NamesKeys() const {
+  return std::ranges::any_of(locals_.usages, [this](const UsageRun& run) {
+    const USAGE page = PageOf(run);
+    const bool names_keyboard = run.ids.first <= kKeypad && run.ids.first + run.ids.count > kKeyboard;
+    return page == kKeysPage || (page == kDesktopPage && names_keyboard);
+  });
 }
 
 Refusal Parser::Finish() const {
@@ -431,7 +450,7 @@ HIDP_VALUE_CAPS Parser::FieldCaps(std::uint32_t flags) const {
 
 ReportDescriptor ParseReportDescriptor(std::span<const std::uint8_t> descriptor) {
   const auto refused = [](std::size_t offset, Refusal why) {
-    return ReportDescriptor{{}, "byte " + std::to_string(offset) + ": " + why};
+    return ReportDescriptor{{}, false, "byte " + std::to_string(offset) + ": " + why};
   };
   if (descriptor.size() > kLongestDescriptor) return refused(kLongestDescriptor, "descriptor of more than 4096 bytes");
   Parser parser;
@@ -442,7 +461,7 @@ ReportDescriptor ParseReportDescriptor(std::span<const std::uint8_t> descriptor)
     if (const Refusal refusal = parser.Take(*item)) return refused(offset, refusal);
   }
   if (const Refusal refusal = parser.Finish()) return refused(descriptor.size(), refusal);
-  return {parser.TakeCollections(), {}};
+  return {parser.TakeCollections(), parser.has_keys(), {}};
 }
 
 }  // namespace platform

@@ -69,6 +69,19 @@ TEST_F(Hid, EachTopLevelCollectionIsAnInterfaceOfItsOwn) {
   }
 }
 
+TEST_F(Hid, ADeviceHasNoMoreThanSixteenInterfaces) {
+  platform::Bytes descriptor;
+  for (int i = 0; i < 17; ++i) {
+    for (const std::uint8_t byte : Hex("06 5a ff 09 01 a1 01 c0")) descriptor.push_back(byte);
+  }
+  machine->Plug(descriptor);
+  const std::vector<std::wstring> paths = Paths();
+  ASSERT_EQ(paths.size(), 16U);
+  EXPECT_EQ(paths.back(), L"\\\\?\\hid#test#01&col16");
+  EXPECT_TRUE(CloseHandle(Open(paths.back())));
+  EXPECT_EQ(Open(L"\\\\?\\hid#test#01&col17"), INVALID_HANDLE_VALUE);
+}
+
 TEST_F(Hid, ReportsOfTheRightLengthReachTheDeviceAndNoOthers) {
   ScriptedHid& device = machine->Plug(VendorCollection(0xFF5A, {}, 3));
   const HANDLE handle = Open(device.device.path);

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <new>
 
+#include "platform/linux/lighting_access.h"
 #include "platform/linux/linux_machine.h"
 #include "platform/linux/read_file.h"
 #include "platform/standin/hid_api.h"
@@ -17,6 +18,8 @@
 namespace {
 
 namespace fs = std::filesystem;
+using std::chrono_literals::operator""ms;
+using std::chrono_literals::operator""s;
 using test::Hex;
 
 void Write(const fs::path& file, const std::string& content) {
@@ -39,7 +42,7 @@ class LinuxMachineTest : public ::testing::Test {
       words << path.substr(path.rfind('/')) << std::hex << ' ' << vendor << ':' << product << ' ' << descriptor.size();
     return words.str();
   }
-  platform::OpenedHidDevice Open(const fs::path& path) { return OpenHidrawDevice(places, path.wstring(), hung); }
+  platform::OpenedHidDevice Open(const fs::path& path) { return OpenHidrawDevice(places, path.wstring(), resting); }
   /// The error of exchanges over a new connection or this one; they open the node only to have it refuse them.
   LONG Exchange(const fs::path& path, std::shared_ptr<platform::HidConnection> connection = nullptr) {
     const int events = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
@@ -59,7 +62,7 @@ class LinuxMachineTest : public ::testing::Test {
   const fs::path folder = temporary.path(), system = folder / "system.toml", user = folder / "user.toml";
   const platform::HidrawPlaces places = {folder, folder / "dev"};
   const fs::path node = places.nodes / "hidraw0";
-  const std::shared_ptr<platform::HungDevices> hung = std::make_shared<platform::HungDevices>();
+  const std::shared_ptr<platform::RestingDevices> resting = std::make_shared<platform::RestingDevices>();
   platform::LinuxMachine machine{{places, folder / "tables", {system, user}}};
 };
 
@@ -97,17 +100,60 @@ TEST_F(LinuxMachineTest, OnlyNodesThatAreThereAndAllowedAreOpened) {
   EXPECT_EQ(Open(node).error, ERROR_FILE_NOT_FOUND);
 }
 
-TEST_F(LinuxMachineTest, ConnectionReachesItsOwnDeviceAloneAndNoneThatHangs) {
+TEST_F(LinuxMachineTest, ConnectionReachesItsOwnDeviceAloneAndNoneThatRests) {
   Plug("hidraw0", "a");
   Plug("hidraw1", "hanging");
   const auto used = Open(node).connection;
   const auto untouched = Open(node).connection;
-  hung->Add(FindHidrawDevices(places).at(1).identity);
-  EXPECT_EQ(Exchange(places.nodes / "hidraw1"), ERROR_SEM_TIMEOUT);
+  const auto hanging = Open(places.nodes / "hidraw1").connection;
+  resting->Book(FindHidrawDevices(places).at(1).identity, 2s, true);
+  EXPECT_EQ(Exchange(places.nodes / "hidraw1", hanging), ERROR_SEM_TIMEOUT);
+  EXPECT_EQ(Open(places.nodes / "hidraw1").error, ERROR_SEM_TIMEOUT);
   EXPECT_EQ(Exchange(node, used), ERROR_GEN_FAILURE);
   Plug("hidraw0", "b");
   EXPECT_EQ(Exchange(node, used), ERROR_DEVICE_NOT_CONNECTED);
   EXPECT_EQ(Exchange(node, untouched), ERROR_DEVICE_NOT_CONNECTED);
+}
+
+TEST_F(LinuxMachineTest, DevicesRestWhenTheyHaveCostTooMuchTime) {
+  const auto rests_after = [this](int bookings, std::chrono::milliseconds time, bool failed, const char* device) {
+    for (int i = 1; i <= bookings; ++i) {
+      EXPECT_FALSE(resting->Contains(device)) << i;
+      resting->Book(device, time, failed);
+    }
+    return resting->Contains(device);
+  };
+  EXPECT_TRUE(rests_after(1, 2s, true, "hangs"));
+  EXPECT_TRUE(rests_after(1, 3s, false, "answers very late"));
+  EXPECT_FALSE(rests_after(95, 0ms, true, "has refused some"));
+  EXPECT_TRUE(rests_after(6, 0ms, true, "has refused some"));
+  EXPECT_TRUE(rests_after(21, 200ms, false, "is slow each time"));
+  EXPECT_FALSE(rests_after(1000, 100ms, false, "is on a radio link"));
+  for (int i = 0; i < 80; ++i) resting->Book("is slow with each of its interfaces", 50ms, false, 16);
+  EXPECT_TRUE(resting->Contains("is slow with each of its interfaces"));
+  for (int i = 0; i < 50; ++i) {
+    EXPECT_FALSE(rests_after(1, 0ms, true, "mends itself"));
+    EXPECT_FALSE(rests_after(2, 0ms, false, "mends itself"));
+  }
+}
+
+TEST_F(LinuxMachineTest, ADeviceThatRefusesEverythingIsLeftAloneInTheEnd) {
+  Plug("hidraw0", "a");
+  const auto connection = Open(node).connection;
+  platform::Bytes report = Hex("A1 01 02");
+  int refused = 0;
+  while (refused < 1000 && connection->SetFeature(report) == ERROR_GEN_FAILURE) ++refused;
+  EXPECT_TRUE(refused > 50 && refused <= 105) << refused;
+}
+
+TEST_F(LinuxMachineTest, NodesWithKeysAreSharedByAFileOfRootsAlone) {
+  Write(user, "");
+  EXPECT_FALSE(platform::KeyboardsAreShared(folder / "missing"));
+  EXPECT_EQ(platform::KeyboardsAreShared(user), geteuid() == 0);
+  fs::create_symlink(user, folder / "link");
+  EXPECT_FALSE(platform::KeyboardsAreShared(folder / "link"));
+  fs::permissions(user, fs::perms{0664});
+  EXPECT_FALSE(platform::KeyboardsAreShared(user));
 }
 
 TEST_F(LinuxMachineTest, FileIsReadWholeOrErrnoTellsWhyNotAndNoneStaysOpen) {

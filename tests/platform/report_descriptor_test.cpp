@@ -141,6 +141,20 @@ TEST(ReportDescriptorParser, TopLevelCollectionsCountForThemselves) {
   EXPECT_EQ(shared[1].caps.FeatureReportByteLength, 3);
 }
 
+TEST(ReportDescriptorParser, KeysAreSeenWhereverTheyAre) {
+  const auto has_keys = [](const char* descriptor) { return Parsed(Hex(descriptor)).has_keys; };
+  EXPECT_TRUE(has_keys("05 01 09 06 a1 01 c0"));
+  EXPECT_TRUE(has_keys("05 01 09 07 a1 01 c0"));
+  EXPECT_TRUE(has_keys("06 5a ff 0b 06 00 01 00 a1 01 c0")) << "its page in the usage itself";
+  EXPECT_TRUE(has_keys("06 5a ff 09 01 a1 01 05 01 09 06 a1 01 c0 c0")) << "deeper down";
+  EXPECT_TRUE(has_keys("06 5a ff 09 01 a1 01 09 04 05 07 75 01 95 01 81 02 c0")) << "the page behind the usage";
+  EXPECT_TRUE(has_keys("06 5a ff 09 01 a1 01 a4 05 07 19 04 29 65 75 08 95 06 81 00 b4 c0"));
+  EXPECT_TRUE(has_keys("06 5a ff 09 01 a1 01 05 01 19 01 29 08 75 08 95 08 81 02 c0")) << "in a range";
+  EXPECT_FALSE(has_keys("06 5a ff 09 06 a1 01 09 07 75 08 95 01 b1 02 c0")) << "a vendor's usages 6 and 7";
+  EXPECT_FALSE(has_keys("05 01 09 02 a1 01 05 09 19 01 29 08 75 01 95 08 81 02 c0")) << "a mouse's buttons";
+  EXPECT_FALSE(has_keys("06 5a ff 09 01 a1 01 a4 05 07 b4 09 04 75 08 95 01 81 02 c0")) << "a page that is gone again";
+}
+
 TEST(ReportDescriptorParser, LengthIsThatOfTheLongestReportInWholeBytes) {
   EXPECT_EQ(Around("85 01 75 03 95 03 b1 01 85 02 95 01 b1 01").caps.FeatureReportByteLength, 3);
   EXPECT_EQ(Around("75 04 b1 01 75 05 b1 01").caps.FeatureReportByteLength, 3);  // without report ids

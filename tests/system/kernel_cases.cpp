@@ -1,10 +1,17 @@
 /// What shows on a real kernel alone: rights, time limits, the computer's own SMBIOS table.
 
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <regex>
 
@@ -63,6 +70,28 @@ class KernelCase : public Case {
     std::cout << "a push to hung keyboards: " << SecondsSince(began) << " s\n";
     device.reset();
     std::cout << "with the teardown: " << SecondsSince(began) << " s\n";
+  }
+
+  /// What udev does for a node with the tag uaccess when that user logs in: a right in the node's access list, and the
+  /// tags in its database.
+  static void GiveToNobody(const std::string& node, const std::string& tags) {
+    struct Entry {
+      std::uint16_t tag, rights;
+      std::uint32_t id;
+    };
+    const struct {
+      std::uint32_t version = 2;
+      // The owner, user 65534, the group, the mask, the others.
+      Entry entries[5] = {{1, 6, ~0U}, {2, 6, 65534}, {4, 0, ~0U}, {0x10, 6, ~0U}, {0x20, 0, ~0U}};
+    } list;
+    EXPECT_EQ(setxattr(node.c_str(), "system.posix_acl_access", &list, sizeof(list), 0), 0) << std::strerror(errno);
+    struct stat entry {};
+    EXPECT_EQ(stat(node.c_str(), &entry), 0);
+    std::filesystem::create_directories("/run/udev/data");
+    std::ofstream("/run/udev/data/c" + std::to_string(major(entry.st_rdev)) + ":" +
+                  std::to_string(minor(entry.st_rdev)))
+        << "I:1\n"
+        << tags << "V:1\n";
   }
 
   static double SecondsSince(Clock::time_point began) {
@@ -139,7 +168,7 @@ TEST_F(KernelCase, AnAnswerOfNoBytesOrOfAnotherReportIsNone) {
   expect_no_answer(settings);
 }
 
-TEST_F(KernelCase, UdevGivesKeyboardsWithLightingControlsAloneToTheUserAtTheMachine) {
+TEST_F(KernelCase, UdevGivesNodesWithLightsToTheUserAtTheMachineAndThoseWithKeysOnlyIfTheOwnerSharesThem) {
   HidKeyboard::Settings combined = HidSettings(4, 0);
   combined.other_collection = true;
   HidKeyboard::Settings plain = combined;
@@ -147,12 +176,84 @@ TEST_F(KernelCase, UdevGivesKeyboardsWithLightingControlsAloneToTheUserAtTheMach
   simulator::Profile profile = HidProfile(4, 0);
   profile.hid_keyboards.insert(profile.hid_keyboards.end(), {combined, plain});
   Start(profile);
-  std::vector<bool> given;
-  for (const auto& device : platform::FindHidrawDevices({})) {
-    const std::string said = Run("udevadm test /sys/class/hidraw/" + device.node.filename().string());
-    given.push_back(said.find("\nTAGS=:uaccess:\n") != std::string::npos);
-  }
-  EXPECT_EQ(given, (std::vector{true, true, false}));
+  const auto given = [] {
+    std::vector<bool> answers;
+    for (const auto& device : platform::FindHidrawDevices({})) {
+      const std::string said = Run("udevadm test /sys/class/hidraw/" + device.node.filename().string());
+      answers.push_back(std::regex_search(said, std::regex("\nTAGS=:(uaccess:zarn|zarn:uaccess):\n")));
+    }
+    return answers;
+  };
+  EXPECT_EQ(given(), (std::vector{true, false, false}));
+  EXPECT_NE(Zarnctl("doctor", 65534)
+                .find(R"(&col02 (1209:0001): a lighting device, which this user may not open; what )"
+                      "is typed comes out of it, too, so it is root's: run as root, or let whoever "
+                      "sits here use it and read every key: 'sudo install -Dm644 /dev/null "
+                      "/etc/zarn/shared-keyboards', then plug it in again or restart\n"),
+            std::string::npos);
+  EXPECT_EQ(Run("mkdir /etc/zarn && touch /etc/zarn/shared-keyboards && chmod 666 /etc/zarn/shared-keyboards"),
+            "exit code 0\n");
+  EXPECT_EQ(given(), (std::vector{true, false, false})) << "anybody could have written the file";
+  EXPECT_EQ(Run("chmod 644 /etc/zarn/shared-keyboards"), "exit code 0\n");
+  EXPECT_EQ(given(), (std::vector{true, true, false}));
+  EXPECT_NE(Zarnctl("doctor").find("(1209:0001): whoever sits at this computer can also read what is typed on it, as "
+                                   "/etc/zarn/shared-keyboards allows\n"),
+            std::string::npos);
+  EXPECT_EQ(Run("rm -r /etc/zarn"), "exit code 0\n");
+}
+
+/// As udev has them when the package is upgraded from one whose rule gave every node away, or removed.
+TEST_F(KernelCase, ThePackageTakesBackWhatItsRuleHadGiven) {
+  HidKeyboard::Settings combined = HidSettings(4, 0);
+  combined.other_collection = true;
+  simulator::Profile profile = HidProfile(4, 0);
+  profile.hid_keyboards.push_back(combined);
+  Start(profile);
+  std::vector<std::string> nodes;
+  for (const auto& device : platform::FindHidrawDevices({})) nodes.push_back(device.node.string());
+  ASSERT_EQ(nodes.size(), 2U);
+  const auto give_all = [&](const std::string& tags) {
+    for (const std::string& node : nodes) GiveToNobody(node, tags);
+  };
+  const auto usable = [&] {
+    std::vector<bool> answers;
+    for (const std::string& node : nodes) answers.push_back(Run(": <" + node, 65534) == "exit code 0\n");
+    return answers;
+  };
+  give_all("G:uaccess\nQ:uaccess\n");
+  ASSERT_EQ(usable(), (std::vector{true, true}));
+  const std::string said = Run("ldconfig() { :; }; set -- configure 0.1.0; . /postinst");
+  EXPECT_NE(said.find("zarn: " + nodes[1] + " is root's again, because what is typed comes out of it, too.\n"),
+            std::string::npos)
+      << said;
+  EXPECT_EQ(said.find(nodes[0]), std::string::npos) << said;
+  EXPECT_EQ(usable(), (std::vector{true, false}));
+  give_all("G:uaccess\nG:zarn\nQ:uaccess\nQ:zarn\n");
+  GiveToNobody(nodes[1], "G:uaccess\nQ:uaccess\n");
+  EXPECT_EQ(Run("set -- upgrade 0.2.0; . /postrm"), "exit code 0\n");
+  EXPECT_EQ(usable(), (std::vector{true, true}));
+  Run("set -- remove; . /postrm");
+  EXPECT_EQ(usable(), (std::vector{false, true})) << "the second one is another rule's";
+}
+
+/// Each of its many lighting collections tells all about itself, and then refuses every update.
+TEST_F(KernelCase, AHostileKeyboardCostsNoMoreThanItsPatience) {
+  HidKeyboard::Settings hostile = HidSettings(16, 0);
+  const std::vector<std::uint8_t> one = HidKeyboard(hostile).report_descriptor();
+  for (int i = 0; i < 20; ++i) hostile.descriptor.insert(hostile.descriptor.end(), one.begin(), one.end());
+  simulator::Profile profile = HidProfile(1, 0);
+  profile.hid_keyboards = {hostile};
+  Start(profile);
+  const Clock::time_point began = Clock::now();
+  EXPECT_EQ(Discover().count, 1);
+  Device device = Create("ZarnHIDKeyboard");
+  std::cout << "discovery of a hostile keyboard: " << SecondsSince(began) << " s\n";
+  Wire();
+  Keyboard().Misbehave({});
+  const Clock::time_point pushed = Clock::now();
+  device->WriteColorsToDevice();
+  std::cout << "a push to it: " << SecondsSince(pushed) << " s\n";
+  EXPECT_LE(Wire().size(), 105U);
 }
 
 }  // namespace

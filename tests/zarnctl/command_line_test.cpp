@@ -226,7 +226,8 @@ TEST_F(CommandLine, DoctorTellsWhatIsThereWhatIsMissingAndWhatToDo) {
             "such file or directory\n"
             "missing  logging: on, but nothing was written to " +
                 folder +
-                "/OEM/ZarnLightingService/Log\n"
+                "/OEM/ZarnLightingService/Log; the folder and those above it must be this user's or root's, with nobody "
+                "else allowed to write there\n"
                 "note     hybrid mode: off, not set, a HID keyboard hides the devices of the embedded controller; "
                 "[log] and [registry] in the profile set it\n"
                 "note     HID devices: none\n"

@@ -12,7 +12,9 @@ class Doctor : public test::MachineTest {
   /// The lines about a machine on which the plug-in finds `discovered`.
   std::vector<std::string> Lines(const std::vector<std::string>& discovered = {}) {
     std::vector<std::string> lines;
-    for (const Finding& finding : Examine({discovered, {}, {}}, kRemedies)) lines.push_back(LineOf(finding));
+    for (const Finding& finding :
+         Examine({.discovered = discovered, .log = {}, .device_notes = {}, .devices_with_keys = {}}, kRemedies))
+      lines.push_back(LineOf(finding));
     return lines;
   }
 
@@ -29,8 +31,10 @@ class Doctor : public test::MachineTest {
   }
 
   const Remedies kRemedies = {.switches = "(switches)",
+                              .no_log = "(log)",
                               .no_hid_devices = "(bus)",
                               .may_not_open = "(rights)",
+                              .may_not_open_keys = "(keys)",
                               .no_node = "(node)",
                               .no_answer = "(answer)",
                               .no_table = "(table)",

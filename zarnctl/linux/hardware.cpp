@@ -8,6 +8,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/linux/lighting_access.h"
+#include "platform/standin/hid_interfaces.h"
 #include "platform/standin/instruments.h"
 #include "platform/standin/machine.h"
 #include "platform/standin/report_descriptor.h"
@@ -75,6 +77,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::string_view kExtension = ".toml";
+constexpr const char* kNoLog =
+    "the folder and those above it must be this user's or root's, with nobody else allowed to write there";
 
 /// The folder of an installed program, or the source tree of one that is not installed.
 fs::path ProfileFolder() {
@@ -167,8 +171,10 @@ bool Hardware::Shows(const std::string& device, const ControllerRecords& records
 Remedies Hardware::RemediesHere() const {
   if (HasVisibleLights()) {
     return {.switches = "[log] and [registry] in the profile set it",
+            .no_log = kNoLog,
             .no_hid_devices = "",
             .may_not_open = "",
+            .may_not_open_keys = "",
             .no_node = "",
             .no_answer = "",
             .no_table = "[firmware] in the profile makes one",
@@ -180,8 +186,13 @@ Remedies Hardware::RemediesHere() const {
   const bool has_table = fs::exists("/sys/firmware/dmi/tables/DMI", error);
   return {
       .switches = "'zarnctl config' shows where it is set",
+      .no_log = kNoLog,
       .no_hid_devices = has_nodes ? "plug the keyboard in" : "this kernel has no hidraw: /sys/class/hidraw is missing",
       .may_not_open = "plug it in again once the package's udev rule is installed, or run as root",
+      .may_not_open_keys =
+          std::string("what is typed comes out of it, too, so it is root's: run as root, or let whoever "
+                      "sits here use it and read every key: 'sudo install -Dm644 /dev/null ") +
+          platform::kSharedKeyboards + "', then plug it in again or restart",
       .no_node = "plug it in again; a container must be given its node in /dev",
       .no_answer = "plug it in again",
       .no_table = has_table ? "run as root, to whom alone the kernel shows it"
@@ -190,15 +201,26 @@ Remedies Hardware::RemediesHere() const {
       .no_firmware_class = "it is published by Windows on the notebook itself; HID keyboards need none"};
 }
 
-std::vector<std::string> Hardware::UnreadableDevices() {
-  std::vector<std::string> devices;
+void Hardware::LookAtDevices(Symptoms& symptoms) const {
   for (const platform::HidDevice& device : platform::CurrentMachine()->HidDevices()) {
-    const std::string refusal = platform::ParseReportDescriptor(device.report_descriptor).refusal;
-    if (refusal.empty()) continue;
-    devices.push_back(platform::ReadableUtf8(device.path) + " (" + Hexadecimal(device.vendor, 4) + ":" +
-                      Hexadecimal(device.product, 4) + "): its report descriptor cannot be read, " + refusal);
+    const platform::ReportDescriptor descriptor = platform::ParseReportDescriptor(device.report_descriptor);
+    const std::string path = platform::ReadableUtf8(device.path);
+    const std::string name = path + " (" + Hexadecimal(device.vendor, 4) + ":" + Hexadecimal(device.product, 4) + "): ";
+    if (!descriptor.refusal.empty()) {
+      symptoms.device_notes.push_back(name + "its report descriptor cannot be read, " + descriptor.refusal);
+    }
+    if (descriptor.collections.size() > platform::kMostInterfaces) {
+      symptoms.device_notes.push_back(name + "it declares " + Counted(descriptor.collections.size(), "collection") +
+                                      ", of which only the first " + std::to_string(platform::kMostInterfaces) +
+                                      " are looked at; no keyboard has so many");
+    }
+    if (HasVisibleLights() || AccessTo(descriptor) != platform::LightingAccess::SharedWithKeys) continue;
+    symptoms.devices_with_keys.push_back(path);
+    if (platform::KeyboardsAreShared()) {
+      symptoms.device_notes.push_back(name + "whoever sits at this computer can also read what is typed on it, as " +
+                                      platform::kSharedKeyboards + " allows");
+    }
   }
-  return devices;
 }
 
 std::chrono::milliseconds Hardware::FirmwareLatency() const {

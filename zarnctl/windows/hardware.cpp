@@ -46,8 +46,10 @@ bool Hardware::Shows(const std::string& /*device*/, const ControllerRecords& /*r
 
 Remedies Hardware::RemediesHere() const {
   return {.switches = "'zarnctl config' shows where it is set",
+          .no_log = "",
           .no_hid_devices = "plug the keyboard in",
           .may_not_open = "run as administrator",
+          .may_not_open_keys = "",
           .no_node = "plug it in again",
           .no_answer = "plug it in again",
           .no_table = "run as administrator",
@@ -55,7 +57,7 @@ Remedies Hardware::RemediesHere() const {
           .no_firmware_class = "the firmware publishes it on a notebook of the family, to administrators"};
 }
 
-std::vector<std::string> Hardware::UnreadableDevices() { return {}; }
+void Hardware::LookAtDevices(Symptoms& /*symptoms*/) const {}
 
 std::chrono::milliseconds Hardware::FirmwareLatency() const { return {}; }
 
