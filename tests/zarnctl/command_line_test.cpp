@@ -6,6 +6,7 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -221,23 +222,24 @@ TEST_F(CommandLine, DoctorTellsWhatIsThereWhatIsMissingAndWhatToDo) {
                                        "'\n[[hid_keyboard]]\nzones = 1\ndescriptor = [0xA1, 0x01]\n"));
   EXPECT_EQ(odd.exit_code, 3);
   EXPECT_EQ(odd.err, "");
-  EXPECT_EQ(odd.out,
-            "missing  the plug-in cannot be loaded (use --plugin FILE): /nowhere: cannot open shared object file: No "
-            "such file or directory\n"
-            "missing  logging: on, but nothing was written to " +
-                folder +
-                "/OEM/ZarnLightingService/Log; the folder and those above it must be this user's or root's, with nobody "
-                "else allowed to write there\n"
-                "note     hybrid mode: off, not set, a HID keyboard hides the devices of the embedded controller; "
-                "[log] and [registry] in the profile set it\n"
-                "note     HID devices: none\n"
-                "note     \\\\?\\hid#vid_1209&pid_0001#0 (1209:0001): its report descriptor cannot be read, byte 2: "
-                "the descriptor ends inside a collection\n"
-                "missing  SMBIOS table: cannot be read; [firmware] in the profile makes one\n"
-                "missing  firmware class ZarnGamingFunction: not there (0x80041002), the embedded controller's devices "
-                "stay dark; "
-                "[firmware] in the profile makes one, unless its instance is empty\n"
-                "missing  discovery: 0 lighting devices\n");
+  EXPECT_EQ(
+      odd.out,
+      "missing  the plug-in cannot be loaded (use --plugin FILE): /nowhere: cannot open shared object file: No "
+      "such file or directory\n"
+      "missing  logging: on, but nothing was written to " +
+          folder +
+          "/OEM/ZarnLightingService/Log; the folder and those above it must be this user's or root's, with nobody "
+          "else allowed to write there\n"
+          "note     hybrid mode: off, not set, a HID keyboard hides the devices of the embedded controller; "
+          "[log] and [registry] in the profile set it\n"
+          "note     HID devices: none\n"
+          "note     \\\\?\\hid#vid_1209&pid_0001#0 (1209:0001): its report descriptor cannot be read, byte 2: "
+          "the descriptor ends inside a collection\n"
+          "missing  SMBIOS table: cannot be read; [firmware] in the profile makes one\n"
+          "missing  firmware class ZarnGamingFunction: not there (0x80041002), the embedded controller's devices "
+          "stay dark; "
+          "[firmware] in the profile makes one, unless its instance is empty\n"
+          "missing  discovery: 0 lighting devices\n");
   const std::string logged = Run("doctor --machine " + WriteProfile("title = 'Dark'\nlog.enabled = true\n"
                                                                     "environment.PROGRAMDATA = '" +
                                                                     folder + "'\n"))
@@ -325,28 +327,36 @@ TEST_F(CommandLine, DemoShowsEveryModeAndEndsByItself) {
   EXPECT_TRUE(outcome.out.ends_with("zone 4: #ff0000\n")) << outcome.out;
 }
 
-TEST(Terminal, CursorIsShownAgainWhenASignalEndsTheDemo) {
+TEST(Terminal, CursorIsShownWhileTheDemoIsStoppedAndWhenASignalEndsIt) {
   int terminal = -1;
   const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
   if (child == 0) {
     unsetenv("NO_COLOR");
-    execl(ZARNCTL_PATH, "zarnctl", "demo", "--machine", "four-zone", nullptr);
+    execl("/bin/sh", "sh", "-mc", "'" ZARNCTL_PATH "' demo --machine four-zone; echo prompt; fg", nullptr);
     _exit(127);
   }
   if (child < 0) GTEST_SKIP() << "there are no pseudo-terminals here";
+  // What the terminal shows, one behind the other, and the key that is pressed then: Ctrl-Z, Ctrl-C.
+  static constexpr std::pair<const char*, const char*> kSteps[] = {
+      {"\033[?25l", ""}, {"▇", "\x1A"}, {"\033[?25h", ""}, {"prompt", ""},
+      {"\033[?25l", ""}, {"▇", "\x03"}, {"\033[?25h", ""}};
+  const auto* step = std::begin(kSteps);
   std::string screen;
-  bool sent = false;
   std::array<char, 4096> block{};
   // The terminal of a process that has ended answers with an error.
   for (ssize_t got = 0; (got = read(terminal, block.data(), block.size())) > 0;) {
     screen.append(block.data(), static_cast<std::size_t>(got));
-    if (!sent && screen.find("▇") != std::string::npos) sent = kill(child, SIGTERM) == 0;
+    for (std::size_t place = 0; step != std::end(kSteps) && (place = screen.find(step->first)) != std::string::npos;
+         ++step) {
+      screen.erase(0, place + std::strlen(step->first));
+      EXPECT_EQ(write(terminal, step->second, std::strlen(step->second)), std::strlen(step->second));
+    }
   }
   close(terminal);
   int status = 0;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
-  EXPECT_NE(screen.find("\033[?25h", screen.rfind("\033[?25l")), std::string::npos);
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFSIGNALED(status) ? WTERMSIG(status) == SIGINT : WEXITSTATUS(status) == 130) << "as the shell saw it";
+  EXPECT_EQ(step, std::end(kSteps)) << "not shown: step " << step - std::begin(kSteps);
 }
 
 }  // namespace

@@ -16,16 +16,47 @@ namespace {
 constexpr std::string_view kHideCursor = "\033[?25l\033[?7l";
 constexpr std::string_view kShowCursor = "\033[0m\033[?7h\033[?25h";
 
-extern "C" void RestoreTerminalAndEnd(int signal) {
+/// Set when the shell has written where the drawing was.
+volatile std::sig_atomic_t g_drawing_is_gone = 0;
+
+extern "C" {
+
+/// For signals that end or stop the process. Their disposition is back at its default meanwhile, so that the shell sees
+/// which one it was.
+void RestoreTerminalAndObey(int signal) {
   // Nothing can be done about a terminal that is gone.
   [[maybe_unused]] const auto written = write(STDOUT_FILENO, kShowCursor.data(), kShowCursor.size());
-  // The disposition is back at its default, so that the shell sees which signal ended the process.
   std::raise(signal);
 }
 
-constexpr std::array kEndingSignals = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
+void DrawOn(int signal);
+}
+
+struct HandledSignal {
+  int signal;
+  void (*handler)(int);
+};
+constexpr std::array kSignals = {
+    HandledSignal{SIGHUP, RestoreTerminalAndObey},  HandledSignal{SIGINT, RestoreTerminalAndObey},
+    HandledSignal{SIGQUIT, RestoreTerminalAndObey}, HandledSignal{SIGTERM, RestoreTerminalAndObey},
+    HandledSignal{SIGTSTP, RestoreTerminalAndObey}, HandledSignal{SIGCONT, DrawOn}};
 /// What they did before.
-std::array<struct sigaction, kEndingSignals.size()> g_dispositions;
+std::array<struct sigaction, kSignals.size()> g_dispositions;
+
+/// One that is ignored, as by nohup, neither ends nor stops the process.
+void Handle(const HandledSignal& handled, const struct sigaction& before) {
+  if (before.sa_handler == SIG_IGN) return;
+  struct sigaction action {};
+  action.sa_handler = handled.handler;
+  action.sa_flags = handled.signal == SIGCONT ? SA_RESTART : static_cast<int>(SA_RESETHAND);
+  sigaction(handled.signal, &action, nullptr);
+}
+
+extern "C" void DrawOn(int /*signal*/) {
+  for (std::size_t i = 0; i < kSignals.size(); ++i) Handle(kSignals[i], g_dispositions[i]);
+  [[maybe_unused]] const auto written = write(STDOUT_FILENO, kHideCursor.data(), kHideCursor.size());
+  g_drawing_is_gone = 1;
+}
 
 }  // namespace
 
@@ -46,25 +77,25 @@ bool StdoutShowsColors() {
 }
 
 LiveDrawing::LiveDrawing() {
-  struct sigaction action {};
-  action.sa_handler = RestoreTerminalAndEnd;
-  action.sa_flags = static_cast<int>(SA_RESETHAND);
-  for (std::size_t i = 0; i < kEndingSignals.size(); ++i) {
-    sigaction(kEndingSignals.at(i), nullptr, &g_dispositions.at(i));
-    // One that is ignored, as by nohup, does not end the process.
-    if (g_dispositions.at(i).sa_handler != SIG_IGN) sigaction(kEndingSignals.at(i), &action, nullptr);
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    sigaction(kSignals.at(i).signal, nullptr, &g_dispositions.at(i));
+    Handle(kSignals.at(i), g_dispositions.at(i));
   }
   std::cout << kHideCursor << std::flush;
 }
 
 LiveDrawing::~LiveDrawing() {
   std::cout << kShowCursor << std::flush;
-  for (std::size_t i = 0; i < kEndingSignals.size(); ++i) {
-    sigaction(kEndingSignals.at(i), &g_dispositions.at(i), nullptr);
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    sigaction(kSignals.at(i).signal, &g_dispositions.at(i), nullptr);
   }
 }
 
 void LiveDrawing::Show(const std::string& text) {
+  if (g_drawing_is_gone != 0) {
+    g_drawing_is_gone = 0;
+    lines_ = 0;
+  }
   std::string frame;
   if (lines_ > 0) frame = "\033[" + std::to_string(lines_) + "A\r\033[J";
   std::cout << frame + text << std::flush;
