@@ -102,14 +102,17 @@ class HidrawConnection final : public HidConnection {
   LONG GetFeature(std::span<std::uint8_t> report) override {
     Bytes answer(report.size());
     answer.front() = report.front();
-    int received = 0;
-    const LONG error =
-        Exchange([&](int fd) { return received = ioctl(fd, HIDIOCGFEATURE(answer.size()), answer.data()); });
-    if (error != ERROR_SUCCESS) return error;
-    // A driver hands on what the device says, which may be nothing, or another report.
-    if (received < 1 || answer.front() != report.front()) return ERROR_GEN_FAILURE;
-    std::copy_n(answer.begin(), received, report.begin());
-    return ERROR_SUCCESS;
+    return Exchange([&](int fd) {
+      const int received = ioctl(fd, HIDIOCGFEATURE(answer.size()), answer.data());
+      if (received < 0) return received;
+      // A driver hands on what the device says, which may be nothing, or another report.
+      if (received < 1 || answer.front() != report.front()) {
+        errno = EIO;
+        return -1;
+      }
+      std::copy_n(answer.begin(), received, report.begin());
+      return received;
+    });
   }
 
  private:
