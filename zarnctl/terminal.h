@@ -25,8 +25,8 @@ class Utf8Terminal {
 bool StdoutShowsColors();
 
 /// Hides the cursor while it lives and shows it again at the end, be it the end of the process by a signal of
-/// those that a terminal or a user sends to end it. While the process is stopped, as by Ctrl-Z, the cursor is shown, too.
-/// One at a time.
+/// those that a terminal or a user sends to end it. While the process is stopped, as by Ctrl-Z, the cursor is shown,
+/// too. One at a time.
 class LiveDrawing {
  public:
   LiveDrawing();

@@ -48,47 +48,67 @@ int MakeFolder(const fs::path& folder) {
   return chmod(folder.c_str(), kPrivateFolder) == 0 ? 0 : errno;
 }
 
-/// Puts the names of a path on a stack, the first one on top.
-void PushNames(const fs::path& path, std::vector<fs::path>& names) {
-  const std::vector<fs::path> forward(path.begin(), path.end());
-  names.insert(names.end(), forward.rbegin(), forward.rend());
-}
-
 /// Goes a path name by name, and follows links of root's and of this user's alone. Folders that are missing are made,
-/// if `make` says so, but never at the root of the file system. 0 with the path that has no links, or the code of the
-/// failure: EACCES where another user could interfere.
-int Walk(const fs::path& folder, bool make, fs::path& walked) {
-  std::vector<fs::path> names;
-  PushNames(fs::absolute(folder), names);
-  for (int links = 0; !names.empty();) {
-    const fs::path name = std::move(names.back());
-    names.pop_back();
-    if (name.empty() || name == ".") continue;
-    if (name == ".." || name == "/") {
-      walked = name == "/" ? name : walked.parent_path();
-      continue;
+/// if `make` says so, but never at the root of the file system.
+class Walk {
+ public:
+  Walk(const fs::path& folder, bool make) : make_(make) { Push(fs::absolute(folder)); }
+
+  /// 0, or the code of the failure: EACCES where another user could interfere.
+  int Go() {
+    while (!names_.empty()) {
+      const fs::path name = std::move(names_.back());
+      names_.pop_back();
+      if (const int code = Take(name)) return code;
     }
-    const fs::path here = walked / name;
+    return 0;
+  }
+  /// Where it has come to: a path without links.
+  const fs::path& reached() const { return reached_; }
+
+ private:
+  /// Puts the names of a path on the stack, the first one on top.
+  void Push(const fs::path& path) {
+    const std::vector<fs::path> forward(path.begin(), path.end());
+    names_.insert(names_.end(), forward.rbegin(), forward.rend());
+  }
+
+  int Take(const fs::path& name) {
+    if (name.empty() || name == ".") return 0;
+    if (name == "/" || name == "..") {
+      reached_ = name == "/" ? name : reached_.parent_path();
+      return 0;
+    }
+    const fs::path here = reached_ / name;
     struct stat entry {};
-    if (lstat(here.c_str(), &entry) != 0) {
-      if (errno != ENOENT || !make) return errno;
-      if (walked == "/") return EACCES;
-      if (const int code = MakeFolder(here)) return code;
-      if (lstat(here.c_str(), &entry) != 0) return errno;
-    }
-    if (S_ISLNK(entry.st_mode)) {
-      if (!IsOurs(entry) || ++links > kMostLinks) return EACCES;
-      std::error_code error;
-      PushNames(fs::read_symlink(here, error), names);
-      if (error) return error.value();
-      continue;
-    }
+    if (const int code = Find(here, entry)) return code;
+    if (S_ISLNK(entry.st_mode)) return Follow(here, entry);
     if (!S_ISDIR(entry.st_mode)) return ENOTDIR;
     if (!IsSafeFolder(entry)) return EACCES;
-    walked = here;
+    reached_ = here;
+    return 0;
   }
-  return 0;
-}
+
+  int Find(const fs::path& here, struct stat& entry) const {
+    if (lstat(here.c_str(), &entry) == 0) return 0;
+    if (errno != ENOENT || !make_) return errno;
+    if (reached_ == "/") return EACCES;
+    if (const int code = MakeFolder(here)) return code;
+    return lstat(here.c_str(), &entry) == 0 ? 0 : errno;
+  }
+
+  int Follow(const fs::path& link, const struct stat& entry) {
+    if (!IsOurs(entry) || ++links_ > kMostLinks) return EACCES;
+    std::error_code error;
+    Push(fs::read_symlink(link, error));
+    return error.value();
+  }
+
+  const bool make_;
+  std::vector<fs::path> names_;  // still to go, the next one on top
+  fs::path reached_;
+  int links_ = 0;
+};
 
 /// Opens a file of this user's that has no other name, or makes it: 0, or the code of the failure.
 int OpenOwn(const fs::path& file, FileDescriptor& opened) {
@@ -112,17 +132,16 @@ std::string WithSlashes(std::string path) {
 }
 
 BOOL MakeFolders(PCSTR path) {
-  fs::path walked;
-  const int code = Walk(fs::path(WithSlashes(path)).parent_path(), true, walked);
+  const int code = Walk(fs::path(WithSlashes(path)).parent_path(), true).Go();
   if (code != 0) SetThreadErrorFromErrno(code);
   return code == 0 ? TRUE : FALSE;
 }
 
 int Open(std::wofstream& stream, const fs::path& file) {
-  fs::path folder;
-  if (const int code = Walk(file.parent_path(), false, folder)) return code;
+  Walk folder(file.parent_path(), false);
+  if (const int code = folder.Go()) return code;
   FileDescriptor opened;
-  if (const int code = OpenOwn(folder / file.filename(), opened)) return code;
+  if (const int code = OpenOwn(folder.reached() / file.filename(), opened)) return code;
   // The standard has no way to make a stream of an open file. GCC's library has a buffer for that, which is the
   // stream's own kind and can be moved into it.
   __gnu_cxx::stdio_filebuf<wchar_t> buffer(opened.Get(), std::ios_base::out | std::ios_base::app);

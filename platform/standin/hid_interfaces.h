@@ -1,6 +1,6 @@
-/// The machine's HID devices as the platform shows them: an interface for each top-level collection, up to a number that
-/// no keyboard has. A descriptor has room for hundreds of them, and whoever asks each in turn would keep the lighting
-/// service busy for minutes.
+/// The machine's HID devices as the platform shows them: an interface for each top-level collection, up to a number
+/// that no keyboard has. A descriptor has room for hundreds of them, and whoever asks each in turn would keep the
+/// lighting service busy for minutes.
 #pragma once
 
 #include <cstddef>

@@ -18,8 +18,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using std::chrono_literals::operator""ms;
-using std::chrono_literals::operator""s;
+using namespace std::chrono_literals;  // NOLINT(google-build-using-namespace): what literals are for
 using test::Hex;
 
 void Write(const fs::path& file, const std::string& content) {

@@ -217,6 +217,7 @@ TEST_F(KernelCase, ThePackageTakesBackWhatItsRuleHadGiven) {
   };
   const auto usable = [&] {
     std::vector<bool> answers;
+    answers.reserve(nodes.size());
     for (const std::string& node : nodes) answers.push_back(Run(": <" + node, 65534) == "exit code 0\n");
     return answers;
   };
