@@ -89,10 +89,7 @@ LONG ErrorOf(int code) {
 class HidrawConnection final : public HidConnection {
  public:
   HidrawConnection(HidrawPlaces places, HidrawDevice device, std::shared_ptr<RestingDevices> resting)
-      : places_(std::move(places)),
-        device_(std::move(device)),
-        interfaces_(ParseReportDescriptor(device_.device.report_descriptor).collections.size()),
-        resting_(std::move(resting)) {}
+      : places_(std::move(places)), device_(std::move(device)), resting_(std::move(resting)) {}
 
   LONG SetFeature(std::span<const std::uint8_t> report) override {
     Bytes copy(report.begin(), report.end());  // the kernel's interface takes no constant one
@@ -124,7 +121,7 @@ class HidrawConnection final : public HidConnection {
     const Clock::time_point began = Clock::now();
     if (code == 0 && call(file_.Get()) < 0) code = errno;
     const Clock::duration time = Clock::now() - began;
-    resting_->Book(device_.identity, time, code != 0, interfaces_);
+    resting_->Book(device_.identity, time, code != 0, time > kSlow / kMostInterfaces ? Interfaces() : 1);
     if (code == 0) return ERROR_SUCCESS;
     if (!IsPresent()) return ERROR_DEVICE_NOT_CONNECTED;
     // Whatever error the driver makes of its own time limit, which is 5 s.
@@ -144,11 +141,12 @@ class HidrawConnection final : public HidConnection {
     return ENODEV;
   }
 
+  std::size_t Interfaces() const { return ParseReportDescriptor(device_.device.report_descriptor).collections.size(); }
+
   bool IsPresent() const { return IdentityOf(places_, device_.node.filename()) == device_.identity; }
 
   const HidrawPlaces places_;
   const HidrawDevice device_;
-  const std::size_t interfaces_;
   const std::shared_ptr<RestingDevices> resting_;
   std::mutex lock_;
   FileDescriptor file_;  // opened under lock_, once
