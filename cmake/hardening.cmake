@@ -1,9 +1,9 @@
-# Makes a mistake of ours harder to use for others. scripts/binaries reads off the built files what of it is there.
+# Makes a mistake of ours harder to use for others. scripts/binaries checks built files for it.
 if(MSVC)
   add_compile_options(/guard:cf)
   add_link_options(/guard:cf)
 elseif(MINGW)
-  # The linker has these by default; one that has not fails here, instead of leaving them out. No stack protector: hosts
+  # Debian's linker does all this by default; another one that cannot fails here. No stack protector: hosts
   # that link our static library would need this compiler's library for it.
   add_link_options(LINKER:--dynamicbase,--nxcompat,--high-entropy-va)
 else()
@@ -11,9 +11,15 @@ else()
   check_pie_supported(LANGUAGES CXX)
   add_link_options(LINKER:-z,relro,-z,now,-z,noexecstack)
   add_compile_options(-fstack-protector-strong)
-  # Only an optimising compiler checks the lengths of copies.
-  add_compile_definitions($<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
+  # Only an optimising compiler checks the lengths of copies. Level 3 is for sizes that only show when the program runs.
+  set(level 2)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 12)
+    set(level 3)
+  endif()
+  add_compile_definitions($<$<CONFIG:Release>:_FORTIFY_SOURCE=${level}>)
   if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
     add_compile_options(-fcf-protection=full -fstack-clash-protection)
+    # The mark for a shadow stack, which Debian's start files leave out. The one for indirect branches is theirs to give.
+    add_link_options(LINKER:-z,shstk)
   endif()
 endif()

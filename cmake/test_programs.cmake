@@ -1,5 +1,5 @@
 # zarn_test_code(<target>): makes test code quick to build. Nearly all of its time goes into GoogleTest's templates and
-# into optimising what runs for an instant.
+# into optimising what runs for an instant. Checked copies need an optimising compiler.
 #
 # The first target precompiles the headers for all. It has no definitions of its own, and all are made for programs.
 option(ZARN_PRECOMPILE "Precompile the headers that tests share" ON)

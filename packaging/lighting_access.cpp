@@ -1,9 +1,9 @@
 /// For udev, which sees no usage pages: says whether a hidraw node is one that whoever sits at the computer may use for
 /// its lights.
 ///
-/// zarn_hid_access FOLDER: the node's folder in sysfs. Exit code 0 says yes and 1 no. 3 is a no, too: the node has
-/// a lighting collection, but what is typed also comes out of it, and the computer's owner does not share such nodes.
-/// With 2 it cannot be told, and a line on stderr tells why.
+/// zarn_hid_access FOLDER: the node's folder in sysfs. Exit code 0 says yes and 1 no. 3 says no, too: the node has a
+/// lighting collection, but what is typed also comes out of it. With 2 it cannot be told, and a line on stderr tells
+/// why.
 
 #include <exception>
 #include <filesystem>
@@ -33,8 +33,8 @@ int main(int argc, char** argv) try {
   if (argc != 2) throw std::runtime_error("usage: zarn_hid_access FOLDER, a hidraw node's in sysfs");
   const LightingAccess access = AccessToNode(argv[1]);
   if (access == LightingAccess::None) return 1;
-  const bool shared = access == LightingAccess::SharedWithKeys && platform::KeyboardsAreShared();
-  return access == LightingAccess::Free || shared ? 0 : 3;
+  const bool shared = access == LightingAccess::LightsAndKeys && platform::KeyboardsAreShared();
+  return access == LightingAccess::Lights || shared ? 0 : 3;
 } catch (const std::exception& error) {
   std::cerr << "zarn_hid_access: " << error.what() << "\n";
   return 2;

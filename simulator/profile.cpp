@@ -342,7 +342,7 @@ Profile LoadProfile(const std::filesystem::path& file) { return ParseProfile(Rea
 
 Profile ParseProfile(const std::string& text, const std::string& name) {
   if (text.size() > kLongestProfile) throw ProfileError(name + ": more than 1 MiB");
-  if (platform::HasTooManyFullStops(text)) throw ProfileError(name + ": more than 1000 full stops");
+  if (platform::HasTooManyDots(text)) throw ProfileError(name + ": more than 1000 dots, so deep no key may be");
   try {
     return ReadProfile(toml::parse(text, name));
   } catch (const toml::parse_error& error) {

@@ -204,8 +204,9 @@ class Examination {
   void AddFailure(const std::string& name, const std::string& what) {
     const DWORD error = GetLastError();
     if (error == ERROR_ACCESS_DENIED) {
-      const bool has_keys = std::ranges::any_of(symptoms_.devices_with_keys,
-                                                [&name](const std::string& path) { return name.starts_with(path); });
+      const bool has_keys = std::ranges::any_of(symptoms_.devices_with_keys, [&name](const std::string& path) {
+        return name.starts_with(path + " ") || name.starts_with(path + "&");
+      });
       return Add(Kind::Missing, name + ": a lighting device, which this user may not open",
                  has_keys ? remedies_.may_not_open_keys : remedies_.may_not_open);
     }

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::uintmax_t kMostRead = std::uintmax_t{1} << 20;  // of each file, in bytes
+constexpr std::uintmax_t kMostRead = std::uintmax_t{1} << 20;  // of all files, in bytes
 
 }  // namespace
 
@@ -29,7 +29,8 @@ std::vector<std::string> FailuresIn(const std::vector<std::string>& lines) {
   std::vector<std::string> failures;
   for (const std::string& line : lines) {
     if (!line.starts_with("[ERROR]") && line.find("fail") == std::string::npos) continue;
-    const std::string failure = line.substr(line.rfind(" | ") + 3);
+    const std::size_t message = line.rfind(" | ");
+    const std::string failure = message != std::string::npos ? line.substr(message + 3) : line;
     if (std::ranges::count(failures, failure) == 0) failures.push_back(failure);
   }
   return failures;
@@ -37,14 +38,16 @@ std::vector<std::string> FailuresIn(const std::vector<std::string>& lines) {
 
 std::vector<std::string> LogWatch::NewLines() const {
   std::vector<std::string> lines;
+  std::uintmax_t left = kMostRead;
   for (const auto& [path, end] : Ends()) {
     const auto before = ends_.find(path);
     const std::uintmax_t begin = before != ends_.end() ? before->second : 0;
     std::ifstream file(path, std::ios::binary);
     file.seekg(static_cast<std::streamoff>(begin));
-    std::string text(std::min(kMostRead, end - std::min(begin, end)), '\0');
+    std::string text(std::min(left, end - std::min(begin, end)), '\0');
     file.read(text.data(), static_cast<std::streamsize>(text.size()));
     text.resize(static_cast<std::size_t>(file.gcount()));
+    left -= text.size();
     std::istringstream rest(std::move(text));
     for (std::string line; std::getline(rest, line);) lines.push_back(line.substr(0, line.find('\r')));
   }

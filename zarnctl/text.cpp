@@ -83,6 +83,7 @@ std::string Harmless(std::string_view text) {
     char32_t character = units == 1 ? lead : lead & (0x7FU >> units);
     const std::string_view front = text.substr(0, units);
     for (const char unit : front.substr(1)) character = character << 6 | (static_cast<unsigned char>(unit) & 0x3F);
+    // A character that is encoded as it should be gives the same bytes again.
     const platform::Utf8Character encoded = platform::EncodeUtf8(character);
     const bool sound = front == std::string_view(encoded.units, encoded.size);
     const bool control = character < ' ' || (character >= 0x7F && character < 0xA0);

@@ -30,8 +30,8 @@ std::string Alternatives(const std::vector<std::string>& names);
 std::filesystem::path PathFromUtf8(std::string_view text);
 std::string Utf8FromPath(const std::filesystem::path& path);
 
-/// Foreign text for the terminal, as of files, devices and profiles: '?' takes the place of control characters, with
-/// which it could give the terminal orders or begin a line of its own, and of what is no UTF-8.
+/// The text with '?' for control characters and for what is no UTF-8, so that text of files, devices and profiles can
+/// neither give the terminal orders nor begin a line of its own.
 std::string Harmless(std::string_view text);
 
 bool EqualWithoutCase(std::string_view a, std::string_view b);

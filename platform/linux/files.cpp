@@ -1,8 +1,10 @@
-/// The log's folders and files. They may be root's, so nobody else may have a say in where they are: no link of another
-/// user's is followed, nothing is taken that another user could have put there, and nothing is waited for.
+/// The log's folders and files: what system_api.h declares of them. They may be root's, so nobody else may have a say
+/// in where they are: no link of another user's is followed, nothing is taken that another user could have put there,
+/// and nothing is waited for.
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <ext/stdio_filebuf.h>
@@ -34,37 +36,41 @@ constexpr int kMostLinks = 40;  // on the way to a file, as in the kernel
 
 bool IsOurs(const struct stat& entry) { return entry.st_uid == 0 || entry.st_uid == geteuid(); }
 
-/// Whether nobody but root and this user can exchange what is in the folder. In a sticky one, as /tmp is, each entry is
-/// its owner's alone.
-bool IsSafeFolder(const struct stat& entry) {
-  const bool group_is_ours = entry.st_gid == 0 || entry.st_gid == getegid();
-  const bool others_write = (entry.st_mode & S_IWOTH) != 0 || ((entry.st_mode & S_IWGRP) != 0 && !group_is_ours);
-  return IsOurs(entry) && (!others_write || (entry.st_mode & S_ISVTX) != 0);
+/// Whether others than root and this user can write in the folder. A group is none of them if it has this user's own
+/// number, as private groups have, and no access list stands behind its rights.
+bool IsForOthers(const fs::path& folder, const struct stat& entry) {
+  if ((entry.st_mode & S_IWOTH) != 0) return true;
+  if ((entry.st_mode & S_IWGRP) == 0) return false;
+  const bool has_list = getxattr(folder.c_str(), "system.posix_acl_access", nullptr, 0) > 0;
+  return has_list || entry.st_gid != geteuid();
 }
 
-/// Makes a folder for this user alone, whatever the process's umask: 0, or the code of the failure.
+/// Makes a folder for this user alone, whatever the process's umask: 0, or the code of the failure. What somebody else
+/// put there meanwhile is left alone.
 int MakeFolder(const fs::path& folder) {
-  if (mkdir(folder.c_str(), kPrivateFolder) != 0 && errno != EEXIST) return errno;
+  if (mkdir(folder.c_str(), kPrivateFolder) != 0) return errno == EEXIST ? 0 : errno;
   return chmod(folder.c_str(), kPrivateFolder) == 0 ? 0 : errno;
 }
 
 /// Goes a path name by name, and follows links of root's and of this user's alone. Folders that are missing are made,
 /// if `make` says so, but never at the root of the file system.
-class Walk {
+class FolderWalk {
  public:
-  Walk(const fs::path& folder, bool make) : make_(make) { Push(fs::absolute(folder)); }
+  FolderWalk(const fs::path& folder, bool make) : make_(make) { Push(fs::absolute(folder)); }
 
   /// 0, or the code of the failure: EACCES where another user could interfere.
-  int Go() {
+  int Run() {
     while (!names_.empty()) {
       const fs::path name = std::move(names_.back());
       names_.pop_back();
-      if (const int code = Take(name)) return code;
+      if (const int code = Step(name)) return code;
     }
     return 0;
   }
   /// Where it has come to: a path without links.
   const fs::path& reached() const { return reached_; }
+  /// Whether others can make files there.
+  bool is_for_others() const { return is_for_others_; }
 
  private:
   /// Puts the names of a path on the stack, the first one on top.
@@ -73,7 +79,7 @@ class Walk {
     names_.insert(names_.end(), forward.rbegin(), forward.rend());
   }
 
-  int Take(const fs::path& name) {
+  int Step(const fs::path& name) {
     if (name.empty() || name == ".") return 0;
     if (name == "/" || name == "..") {
       reached_ = name == "/" ? name : reached_.parent_path();
@@ -84,7 +90,9 @@ class Walk {
     if (const int code = Find(here, entry)) return code;
     if (S_ISLNK(entry.st_mode)) return Follow(here, entry);
     if (!S_ISDIR(entry.st_mode)) return ENOTDIR;
-    if (!IsSafeFolder(entry)) return EACCES;
+    is_for_others_ = IsForOthers(here, entry);
+    // In a sticky folder, as /tmp is, each entry is its owner's alone.
+    if (!IsOurs(entry) || (is_for_others_ && (entry.st_mode & S_ISVTX) == 0)) return EACCES;
     reached_ = here;
     return 0;
   }
@@ -107,6 +115,7 @@ class Walk {
   const bool make_;
   std::vector<fs::path> names_;  // still to go, the next one on top
   fs::path reached_;
+  bool is_for_others_ = false;
   int links_ = 0;
 };
 
@@ -117,13 +126,15 @@ int OpenOwn(const fs::path& file, FileDescriptor& opened) {
   if (code == ENOENT) {
     if (file.parent_path() == "/") return EACCES;
     code = opened.Open(file, kFlags | O_CREAT | O_EXCL, kPrivateFile);
-    if (code == 0 && fchmod(opened.Get(), kPrivateFile) != 0) return errno;  // whatever the process's umask
     if (code == EEXIST) code = opened.Open(file, kFlags);  // another process of this user's made it meanwhile
   }
   if (code != 0) return code;
   struct stat entry {};
   if (fstat(opened.Get(), &entry) != 0) return errno;
-  return S_ISREG(entry.st_mode) && entry.st_uid == geteuid() && entry.st_nlink == 1 ? 0 : EACCES;
+  if (!S_ISREG(entry.st_mode) || entry.st_uid != geteuid() || entry.st_nlink != 1) return EACCES;
+  // Whatever the umask was when it was made, and whoever made it.
+  if ((entry.st_mode & ALLPERMS) != kPrivateFile && fchmod(opened.Get(), kPrivateFile) != 0) return errno;
+  return 0;
 }
 
 std::string WithSlashes(std::string path) {
@@ -131,15 +142,24 @@ std::string WithSlashes(std::string path) {
   return path;
 }
 
+/// Sets the thread's last error; whether there was none.
+bool Succeeded(int code) {
+  if (code == 0) {
+    SetThreadError(ERROR_SUCCESS);
+  } else {
+    SetThreadErrorFromErrno(code);
+  }
+  return code == 0;
+}
+
 BOOL MakeFolders(PCSTR path) {
-  const int code = Walk(fs::path(WithSlashes(path)).parent_path(), true).Go();
-  if (code != 0) SetThreadErrorFromErrno(code);
-  return code == 0 ? TRUE : FALSE;
+  return Succeeded(FolderWalk(fs::path(WithSlashes(path)).parent_path(), true).Run()) ? TRUE : FALSE;
 }
 
 int Open(std::wofstream& stream, const fs::path& file) {
-  Walk folder(file.parent_path(), false);
-  if (const int code = folder.Go()) return code;
+  FolderWalk folder(file.parent_path(), false);
+  if (const int code = folder.Run()) return code;
+  if (folder.is_for_others()) return EACCES;
   FileDescriptor opened;
   if (const int code = OpenOwn(folder.reached() / file.filename(), opened)) return code;
   // The standard has no way to make a stream of an open file. GCC's library has a buffer for that, which is the
@@ -158,13 +178,7 @@ bool OpenByWidePath(std::wofstream& stream, const wchar_t* path) {
     SetThreadError(ERROR_NO_UNICODE_TRANSLATION);
     return false;
   }
-  const int code = Open(stream, WithSlashes(std::move(file)));
-  if (code == 0) {
-    SetThreadError(ERROR_SUCCESS);
-  } else {
-    SetThreadErrorFromErrno(code);
-  }
-  return code == 0;
+  return Succeeded(Open(stream, WithSlashes(std::move(file))));
 }
 
 }  // namespace

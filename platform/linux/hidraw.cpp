@@ -23,8 +23,8 @@ using Clock = RestingDevices::Clock;
 using std::chrono::milliseconds;
 
 constexpr std::string_view kNodePrefix = "hidraw";
-/// Hosts pause this long behind a failed exchange before they try again.
-constexpr milliseconds kPause{20};
+/// Behind a failed exchange hosts pause 20 ms and open the device anew, for which a USB keyboard takes 50 ms.
+constexpr milliseconds kRetry{70};
 /// No sound device needs longer, all its interfaces together: hosts ask one after the other.
 constexpr milliseconds kSlow{100};
 
@@ -124,7 +124,7 @@ class HidrawConnection final : public HidConnection {
     resting_->Book(device_.identity, time, code != 0, time > kSlow / kMostInterfaces ? Interfaces() : 1);
     if (code == 0) return ERROR_SUCCESS;
     if (!IsPresent()) return ERROR_DEVICE_NOT_CONNECTED;
-    // Whatever error the driver makes of its own time limit, which is 5 s.
+    // The error that a driver makes of its time limit, which is 5 s, varies.
     return time < RestingDevices::kPatience ? ErrorOf(code) : ERROR_SEM_TIMEOUT;
   }
 
@@ -156,13 +156,13 @@ class HidrawConnection final : public HidConnection {
 
 void RestingDevices::Book(const std::string& device, Clock::duration time, bool failed, std::size_t interfaces) {
   const Clock::duration needed = Clock::duration(kSlow) / std::clamp<std::size_t>(interfaces, 1, kMostInterfaces);
-  const Clock::duration cost = failed ? time + kPause : time > needed ? time - needed : -kPause / 2;
+  const Clock::duration cost = failed ? time + kRetry : std::max(time - needed, Clock::duration());
   const Clock::time_point now = Clock::now();
   const std::lock_guard lock(lock_);
-  // Devices are forgotten a while after the last booking, those among them that are gone for ever.
+  // Accounts are closed kRest after the last booking, so those of unplugged devices go, too.
   std::erase_if(accounts_, [now](const auto& entry) { return now - entry.second.booked >= kRest; });
   Account& account = accounts_.try_emplace(device, Account{{}, now}).first->second;
-  account.debt += cost - (now - account.booked) / (kRest / kPatience);
+  account.debt += cost - (now - account.booked) * kPatience.count() / kRest.count();
   account.booked = now;
   if (account.debt <= Clock::duration()) accounts_.erase(device);
 }

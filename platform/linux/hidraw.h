@@ -29,13 +29,13 @@ struct HidrawPlaces {
 class RestingDevices {
  public:
   using Clock = std::chrono::steady_clock;
-  /// How much time a device may cost before it rests. It gets back as much in kRest.
+  /// A device that owes this much time rests. What it owes shrinks by as much in kRest.
   static constexpr std::chrono::seconds kPatience{2};
   /// Long enough for a host to be done with a push and a teardown while several devices hang one after another.
   static constexpr std::chrono::seconds kRest{60};
 
-  /// Books an exchange that took `time`. A failed one costs it, and the pause that hosts make behind it; one that went
-  /// well costs what a sound device with so many interfaces does not need, and a quick one brings some back.
+  /// Books an exchange. A failed one costs its time and that of another attempt. A slow one costs what it took beyond a
+  /// sound device's share for one of so many interfaces.
   void Book(const std::string& device, Clock::duration time, bool failed, std::size_t interfaces = 1);
   bool Contains(const std::string& device);
 

@@ -8,10 +8,10 @@
 namespace platform {
 
 enum class LightingAccess {
-  None,            // no lights that feature reports could drive, nor keys beside a lighting collection
-  Free,            // lights and no keys: whoever sits at the computer may use it
-  SharedWithKeys,  // what is typed comes out of the same node, which is root's unless its owner shares it
-  KeysAlone        // a lighting collection without feature reports beside keys: always root's
+  None,              // nothing to light, and no keys beside a lighting collection
+  Lights,            // lights and no keys: whoever sits at the computer may use it
+  LightsAndKeys,     // what is typed comes out of it, too: root's, unless the computer's owner shares such nodes
+  KeysWithoutLights  // a lighting collection without feature reports, and keys: always root's
 };
 
 LightingAccess AccessTo(const ReportDescriptor& descriptor);
@@ -19,7 +19,7 @@ LightingAccess AccessTo(const ReportDescriptor& descriptor);
 /// With this file the owner of a computer lets whoever sits at it use such nodes, too, and with them read every key.
 inline constexpr const char* kSharedKeyboards = "/etc/zarn/shared-keyboards";
 
-/// Whether the file is there, is root's, and only root can write it.
+/// Whether the file is there, and it and its folder are root's, who alone can write there.
 bool KeyboardsAreShared(const std::filesystem::path& file = kSharedKeyboards);
 
 }  // namespace platform

@@ -48,7 +48,7 @@ void ReadKey(const toml::key& key, const toml::node& node, RegistryValues& value
 }
 
 RegistryValues ReadValues(const std::string& text) {
-  if (HasTooManyFullStops(text)) throw std::runtime_error(" more than 1000 full stops");
+  if (HasTooManyDots(text)) throw std::runtime_error(" more than 1000 dots, so deep no key may be");
   RegistryValues values;
   const toml::table file = toml::parse(text);
   for (const auto& [name, section] : file) {
@@ -70,9 +70,10 @@ SettingsFile ReadSettingsFile(const std::filesystem::path& path) {
   if (!bytes) {
     const int code = errno;
     if (IsNotThere(code)) return file;
-    file.state = SettingsFile::State::Unreadable;
-    file.complaint = path.string() + (code == EFBIG ? ": more than 16 KiB"
-                                                    : ": cannot be read: " + std::generic_category().message(code));
+    const bool too_long = code == EFBIG;
+    file.state = too_long ? SettingsFile::State::Read : SettingsFile::State::Unreadable;
+    file.complaint = path.string() +
+                     (too_long ? ": more than 16 KiB" : ": cannot be read: " + std::generic_category().message(code));
     return file;
   }
   file.state = SettingsFile::State::Read;

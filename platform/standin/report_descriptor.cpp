@@ -190,7 +190,8 @@ class Parser {
   Refusal AddControls(HIDP_REPORT_TYPE kind, std::uint32_t flags);
   HIDP_VALUE_CAPS FieldCaps(std::uint32_t flags) const;
   USAGE PageOf(const UsageRun& run) const { return run.page.value_or(globals_.usage_page); }
-  bool NamesKeys() const;
+  /// Whether the run, on the page that counts now, names a keyboard, a keypad or their keys.
+  bool NamesKeys(const UsageRun& run) const;
 
   Globals globals_;
   std::vector<Globals> pushed_;
@@ -236,18 +237,16 @@ Refusal Parser::Take(const Item& item) {
   if (!known && item.Type() == ItemType::Global) return "unknown global item";
   const Refusal refusal = known ? (this->*row->take)(item) : kSound;
   if (item.Type() == ItemType::Main) {
-    has_keys_ = has_keys_ || NamesKeys();
+    for (const UsageRun& run : locals_.usages) has_keys_ = has_keys_ || NamesKeys(run);
     locals_ = {};
   }
   return refusal;
 }
 
-bool Parser::NamesKeys() const {
-  return std::ranges::any_of(locals_.usages, [this](const UsageRun& run) {
-    const USAGE page = PageOf(run);
-    const bool names_keyboard = run.ids.first <= kKeypad && run.ids.first + run.ids.count > kKeyboard;
-    return page == kKeysPage || (page == kDesktopPage && names_keyboard);
-  });
+bool Parser::NamesKeys(const UsageRun& run) const {
+  const USAGE page = PageOf(run);
+  const bool names_keyboard = run.ids.first <= kKeypad && run.ids.first + run.ids.count > kKeyboard;
+  return page == kKeysPage || (page == kDesktopPage && names_keyboard);
 }
 
 Refusal Parser::Finish() const {
@@ -280,6 +279,7 @@ Refusal Parser::CloseCollection(const Item& /*item*/) {
 Refusal Parser::SetUsagePage(const Item& item) {
   if (item.value > kMost16Bits) return "Usage Page beyond 65535";
   globals_.usage_page = Low16(item.value);
+  has_keys_ = has_keys_ || globals_.usage_page == kKeysPage;
   return kSound;
 }
 
@@ -335,6 +335,9 @@ Refusal Parser::SetUsageMaximum(const Item& item) {
 }
 
 Refusal Parser::AddUsages(const UsageRun& run) {
+  // Systems differ in whether the page of now or that of the main item counts, and which alternative; keys must not
+  // slip through between them.
+  has_keys_ = has_keys_ || NamesKeys(run);
   if (locals_.delimited) ++locals_.alternatives;
   if (locals_.Surplus()) return kSound;
   const std::uint32_t room = kMostUsages - locals_.usage_count;

@@ -21,8 +21,8 @@ struct HidCollection {
 
 struct ReportDescriptor {
   std::vector<HidCollection> collections;
-  /// Whether a keyboard's or keypad's collections or keys are anywhere in it: then what is typed comes out of the
-  /// device.
+  /// Whether a keyboard's or keypad's collections or keys are anywhere in it, used or not: then what is typed comes out
+  /// of the device.
   bool has_keys = false;
   /// Why the descriptor was refused; then there are no collections. Empty when it is sound.
   std::string refusal;

@@ -1,6 +1,5 @@
-/// What a TOML file may ask of the parser. Its library goes down a level for each part of a dotted key and each nested
-/// value, when it reads and when it forgets them, so one long key would exhaust the stack of the process. It bounds
-/// nested values itself.
+/// What a TOML file may ask of its parser. The library recurses for each part of a dotted key, when it reads keys and
+/// when it frees them, so one long key would exhaust the stack of the process. Nested values it bounds itself.
 #pragma once
 
 #include <algorithm>
@@ -8,9 +7,9 @@
 
 namespace platform {
 
-/// As many full stops as no settings and no profile needs, those in comments and texts included.
-inline constexpr int kMostFullStops = 1000;
+/// More than settings or a profile need, those in comments and texts included.
+inline constexpr int kMostDots = 1000;
 
-inline bool HasTooManyFullStops(std::string_view toml) { return std::ranges::count(toml, '.') > kMostFullStops; }
+inline bool HasTooManyDots(std::string_view toml) { return std::ranges::count(toml, '.') > kMostDots; }
 
 }  // namespace platform

@@ -124,16 +124,17 @@ TEST_F(LinuxMachineTest, DevicesRestWhenTheyHaveCostTooMuchTime) {
   };
   EXPECT_TRUE(rests_after(1, 2s, true, "hangs"));
   EXPECT_TRUE(rests_after(1, 3s, false, "answers very late"));
-  EXPECT_FALSE(rests_after(95, 0ms, true, "has refused some"));
-  EXPECT_TRUE(rests_after(6, 0ms, true, "has refused some"));
+  EXPECT_FALSE(rests_after(28, 0ms, true, "has refused some"));
+  EXPECT_TRUE(rests_after(1, 0ms, true, "has refused some"));
   EXPECT_TRUE(rests_after(21, 200ms, false, "is slow each time"));
   EXPECT_FALSE(rests_after(1000, 100ms, false, "is on a radio link"));
-  for (int i = 0; i < 80; ++i) resting->Book("is slow with each of its interfaces", 50ms, false, 16);
+  for (int i = 0; i < 40; ++i) resting->Book("is slow with each of its interfaces", 60ms, false, 16);
   EXPECT_TRUE(resting->Contains("is slow with each of its interfaces"));
-  for (int i = 0; i < 50; ++i) {
-    EXPECT_FALSE(rests_after(1, 0ms, true, "mends itself"));
-    EXPECT_FALSE(rests_after(2, 0ms, false, "mends itself"));
+  for (int i = 0; i < 30; ++i) {
+    resting->Book("refuses every second time", 0ms, true);
+    resting->Book("refuses every second time", 6ms, false);
   }
+  EXPECT_TRUE(resting->Contains("refuses every second time"));
 }
 
 TEST_F(LinuxMachineTest, ADeviceThatRefusesEverythingIsLeftAloneInTheEnd) {
@@ -142,7 +143,7 @@ TEST_F(LinuxMachineTest, ADeviceThatRefusesEverythingIsLeftAloneInTheEnd) {
   platform::Bytes report = Hex("A1 01 02");
   int refused = 0;
   while (refused < 1000 && connection->SetFeature(report) == ERROR_GEN_FAILURE) ++refused;
-  EXPECT_TRUE(refused > 50 && refused <= 105) << refused;
+  EXPECT_TRUE(refused > 10 && refused <= 31) << refused;
 }
 
 TEST_F(LinuxMachineTest, NodesWithKeysAreSharedByAFileOfRootsAlone) {
@@ -153,6 +154,9 @@ TEST_F(LinuxMachineTest, NodesWithKeysAreSharedByAFileOfRootsAlone) {
   EXPECT_FALSE(platform::KeyboardsAreShared(folder / "link"));
   fs::permissions(user, fs::perms{0664});
   EXPECT_FALSE(platform::KeyboardsAreShared(user));
+  fs::permissions(user, fs::perms{0644});
+  fs::permissions(folder, fs::perms{0777});
+  EXPECT_FALSE(platform::KeyboardsAreShared(user)) << "others could have renamed another file of root's";
 }
 
 TEST_F(LinuxMachineTest, FileIsReadWholeOrErrnoTellsWhyNotAndNoneStaysOpen) {
@@ -233,7 +237,7 @@ TEST_F(LinuxMachineTest, LaterSettingsFileWinsWhateverTheCaseButABrokenOneCounts
   expect_complaint("[registry]\nY = 1", ":4: Y must be a table: [registry.'KEY\\KEY']");
   expect_complaint("[else]", R"(:3: "else" is not known here, only tables: [registry.'KEY\KEY'])");
   expect_complaint("Y = ", ":3: ");
-  expect_complaint(("Y" + std::string(1000, '.')).c_str(), ": more than 1000 full stops");
+  expect_complaint(("Y" + std::string(1000, '.')).c_str(), ": more than 1000 dots, so deep no key may be");
 }
 
 TEST_F(LinuxMachineTest, SettingsThatCannotBeReadForAMomentCountAsTheyWere) {

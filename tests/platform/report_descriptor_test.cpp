@@ -152,7 +152,12 @@ TEST(ReportDescriptorParser, KeysAreSeenWhereverTheyAre) {
   EXPECT_TRUE(has_keys("06 5a ff 09 01 a1 01 05 01 19 01 29 08 75 08 95 08 81 02 c0")) << "in a range";
   EXPECT_FALSE(has_keys("06 5a ff 09 06 a1 01 09 07 75 08 95 01 b1 02 c0")) << "a vendor's usages 6 and 7";
   EXPECT_FALSE(has_keys("05 01 09 02 a1 01 05 09 19 01 29 08 75 01 95 08 81 02 c0")) << "a mouse's buttons";
-  EXPECT_FALSE(has_keys("06 5a ff 09 01 a1 01 a4 05 07 b4 09 04 75 08 95 01 81 02 c0")) << "a page that is gone again";
+  EXPECT_TRUE(has_keys("06 5a ff 09 01 a1 01 05 07 19 04 29 65 05 09 09 01 75 08 95 06 81 00 c0"))
+      << "another page behind";
+  EXPECT_TRUE(
+      has_keys("06 5a ff 09 01 a1 01 a9 01 0b 01 00 09 00 1b 04 00 07 00 2b 65 00 07 00 a9 00 75 08 95 06 81 00 c0"))
+      << "an alternative";
+  EXPECT_TRUE(has_keys("06 5a ff 09 01 a1 01 a4 05 01 09 06 b4 a1 01 c0 c0")) << "a page that is gone again";
 }
 
 TEST(ReportDescriptorParser, LengthIsThatOfTheLongestReportInWholeBytes) {

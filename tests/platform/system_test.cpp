@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -129,8 +130,10 @@ TEST_F(SystemTest, LogFilesThatOthersCouldHavePlacedAreRefused) {
   fs::create_symlink("mine", folder / "link");
   fs::create_hard_link(folder / "mine", folder / "second name");
   ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+  const int reader = open((folder / "fifo").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   fs::create_symlink("loop", folder / "loop");
   for (const char* const name : {"link", "mine", "fifo", "", "loop/x"}) expect_refusal(folder / name);
+  close(reader);
   fs::create_directory(folder / "real");
   fs::create_symlink("../real", folder / "real/way");
   EXPECT_TRUE(Append(folder / "real/way/x")) << "this user's own link";
@@ -138,13 +141,23 @@ TEST_F(SystemTest, LogFilesThatOthersCouldHavePlacedAreRefused) {
   expect_refusal(folder / "real/y");
   EXPECT_FALSE(MakeSureDirectoryPathExists((folder / "real/z/").c_str()));
   fs::permissions(folder / "real", fs::perms{01777});
-  EXPECT_TRUE(Append(folder / "real/y")) << "in a sticky folder";
+  expect_refusal(folder / "real/y");
+  EXPECT_TRUE(MakeSureDirectoryPathExists((folder / "real/own/").c_str()) && Append(folder / "real/own/y"))
+      << "below a sticky folder";
+  std::ofstream(folder / "loose").close();
+  fs::permissions(folder / "loose", fs::perms{0666});
+  EXPECT_TRUE(Append(folder / "loose"));
+  EXPECT_EQ(fs::status(folder / "loose").permissions(), fs::perms{0600});
   if (geteuid() != 0) return;
   std::ofstream(folder / "other").close();
   fs::create_symlink("real", folder / "others_way");
   fs::create_directory(folder / "others");
   for (const char* const name : {"other", "others_way", "others"})
     ASSERT_EQ(lchown((folder / name).c_str(), 65534, 65534), 0);
+  fs::create_directory(folder / "groups");
+  fs::permissions(folder / "groups", fs::perms{0775});
+  ASSERT_EQ(chown((folder / "groups").c_str(), 0, 65534), 0);
+  expect_refusal(folder / "groups/n");
   for (const char* const name : {"other", "others_way/n", "others/n"}) expect_refusal(folder / name);
 }
 

@@ -136,7 +136,7 @@ TEST_F(ProfileTest, EveryMistakeIsNamedWithItsLineAndRemedy) {
 TEST_F(ProfileTest, UnreadableFileIsNamedWithTheReason) {
   EXPECT_EQ(Complaint("/no/such.toml"), " cannot be read: No such file or directory");
   EXPECT_EQ(Complaint("/usr"), " cannot be read: Is a directory");
-  EXPECT_EQ(Complaint(File("a" + std::string(1001, '.'))), " more than 1000 full stops");
+  EXPECT_EQ(Complaint(File("a" + std::string(1001, '.'))), " more than 1000 dots, so deep no key may be");
   EXPECT_TRUE(Complaint(File("a" + std::string(1000, '.'))).starts_with("1: "));
   EXPECT_EQ(Complaint(File(std::string((1 << 20) + 1, '\n'))), " more than 1 MiB");
 }

@@ -214,7 +214,7 @@ void Hardware::LookAtDevices(Symptoms& symptoms) const {
                                       ", of which only the first " + std::to_string(platform::kMostInterfaces) +
                                       " are looked at; no keyboard has so many");
     }
-    if (HasVisibleLights() || AccessTo(descriptor) != platform::LightingAccess::SharedWithKeys) continue;
+    if (HasVisibleLights() || AccessTo(descriptor) != platform::LightingAccess::LightsAndKeys) continue;
     symptoms.devices_with_keys.push_back(path);
     if (platform::KeyboardsAreShared()) {
       symptoms.device_notes.push_back(name + "whoever sits at this computer can also read what is typed on it, as " +

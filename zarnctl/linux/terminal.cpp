@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
@@ -12,7 +13,8 @@
 namespace zarnctl {
 namespace {
 
-// Lines that wrap would be counted as one, and the next drawing would begin too low.
+// Without cursor and line wrap, and with both. Lines that wrap would be counted as one, and the next drawing would
+// begin too low.
 constexpr std::string_view kHideCursor = "\033[?25l\033[?7l";
 constexpr std::string_view kShowCursor = "\033[0m\033[?7h\033[?25h";
 
@@ -21,15 +23,17 @@ volatile std::sig_atomic_t g_drawing_is_gone = 0;
 
 extern "C" {
 
-/// For signals that end or stop the process. Their disposition is back at its default meanwhile, so that the shell sees
-/// which one it was.
+/// For signals that end or stop the process. SA_RESETHAND has put their default back, so the shell sees which one it
+/// was.
 void RestoreTerminalAndObey(int signal) {
+  const int code = errno;  // of what was interrupted
   // Nothing can be done about a terminal that is gone.
   [[maybe_unused]] const auto written = write(STDOUT_FILENO, kShowCursor.data(), kShowCursor.size());
   std::raise(signal);
+  errno = code;
 }
 
-void DrawOn(int signal);
+void ResumeDrawing(int signal);
 }
 
 struct HandledSignal {
@@ -39,7 +43,7 @@ struct HandledSignal {
 constexpr std::array kSignals = {
     HandledSignal{SIGHUP, RestoreTerminalAndObey},  HandledSignal{SIGINT, RestoreTerminalAndObey},
     HandledSignal{SIGQUIT, RestoreTerminalAndObey}, HandledSignal{SIGTERM, RestoreTerminalAndObey},
-    HandledSignal{SIGTSTP, RestoreTerminalAndObey}, HandledSignal{SIGCONT, DrawOn}};
+    HandledSignal{SIGTSTP, RestoreTerminalAndObey}, HandledSignal{SIGCONT, ResumeDrawing}};
 /// What they did before.
 std::array<struct sigaction, kSignals.size()> g_dispositions;
 
@@ -48,14 +52,19 @@ void Handle(const HandledSignal& handled, const struct sigaction& before) {
   if (before.sa_handler == SIG_IGN) return;
   struct sigaction action {};
   action.sa_handler = handled.handler;
-  action.sa_flags = handled.signal == SIGCONT ? SA_RESTART : static_cast<int>(SA_RESETHAND);
+  action.sa_flags = SA_RESTART | (handled.signal == SIGCONT ? 0 : static_cast<int>(SA_RESETHAND));
   sigaction(handled.signal, &action, nullptr);
 }
 
-extern "C" void DrawOn(int /*signal*/) {
+extern "C" void ResumeDrawing(int /*signal*/) {
+  const int code = errno;  // of what was interrupted
   for (std::size_t i = 0; i < kSignals.size(); ++i) Handle(kSignals[i], g_dispositions[i]);
-  [[maybe_unused]] const auto written = write(STDOUT_FILENO, kHideCursor.data(), kHideCursor.size());
+  // In the background the terminal is the shell's.
+  if (tcgetpgrp(STDOUT_FILENO) == getpgrp()) {
+    [[maybe_unused]] const auto written = write(STDOUT_FILENO, kHideCursor.data(), kHideCursor.size());
+  }
   g_drawing_is_gone = 1;
+  errno = code;
 }
 
 }  // namespace
@@ -85,10 +94,8 @@ LiveDrawing::LiveDrawing() {
 }
 
 LiveDrawing::~LiveDrawing() {
+  for (std::size_t i = kSignals.size(); i-- > 0;) sigaction(kSignals.at(i).signal, &g_dispositions.at(i), nullptr);
   std::cout << kShowCursor << std::flush;
-  for (std::size_t i = 0; i < kSignals.size(); ++i) {
-    sigaction(kSignals.at(i).signal, &g_dispositions.at(i), nullptr);
-  }
 }
 
 void LiveDrawing::Show(const std::string& text) {
