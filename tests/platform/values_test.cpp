@@ -1,5 +1,3 @@
-#include <cstring>
-
 #include "tests/platform/management_session.h"
 #include "tests/support/machine_fixture.h"
 
@@ -50,28 +48,6 @@ TEST_F(ValuesTest, ConversionsFollowThePlatformAndChangeNothingWhenTheyFail) {
     EXPECT_EQ(VariantChangeType(&source, &source, 0, type), result);
     EXPECT_EQ(source.Read(), result == S_OK ? to : from);
   }
-}
-
-TEST_F(ValuesTest, TextHasItsLengthInBytesInFront) {
-  const test::Text text = test::MakeText(L"ab");
-  const char whole[] = "\x08\0\0\0a\0\0\0b\0\0\0\0\0\0";
-  EXPECT_EQ(std::memcmp(reinterpret_cast<const char*>(text.get()) - 4, whole, sizeof(whole)), 0);
-  EXPECT_EQ(SysStringLen(text.get()), 2U);
-}
-
-TEST_F(ValuesTest, LockedArrayIsNotReleased) {
-  OwnedVariant variant(Bytes{'a', 'b'});
-  void* data = nullptr;
-  ASSERT_EQ(SafeArrayAccessData(V_ARRAY(&variant), &data), S_OK);
-  EXPECT_EQ(VariantClear(&variant), DISP_E_ARRAYISLOCKED);
-  EXPECT_EQ(SafeArrayDestroy(V_ARRAY(&variant)), DISP_E_ARRAYISLOCKED);
-  OwnedVariant copy(L"replaced");
-  EXPECT_EQ(VariantCopy(&copy, &variant), S_OK);
-  EXPECT_EQ(SafeArrayUnaccessData(V_ARRAY(&variant)), S_OK);
-  EXPECT_EQ(SafeArrayUnaccessData(V_ARRAY(&variant)), E_FAIL);
-  EXPECT_EQ(platform::TakeComplaints().size(), 1U);
-  EXPECT_EQ(VariantClear(&variant), S_OK);
-  EXPECT_EQ(copy.Read(), Value(Bytes{'a', 'b'})) << "a copy has an array, and locks, of its own";
 }
 
 }  // namespace

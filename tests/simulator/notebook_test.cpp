@@ -17,16 +17,6 @@ Profile ThreeZonesAndLightBar() {
   return profile;
 }
 
-TEST(NotebookTest, SmbiosTableHoldsTheRecordBehindAStructureWithStrings) {
-  const std::string expected(
-      "\x01\x08\0\0\x01\x02\0\0Zarn\0Simulated Notebook\0\0"
-      "\xAC\x0F\x01\0\x02\x5B\x08\x03\0\x0A\x02\0\x17\x01\0\0\0"
-      "\x7F\x04\x02\0\0\0",
-      56);
-  const Bytes table = Notebook(ThreeZonesAndLightBar()).SmbiosTable();
-  EXPECT_EQ(std::string(table.begin(), table.end()), expected);
-}
-
 class NotebookMachineTest : public ::testing::Test {
  protected:
   platform::FirmwareAnswer Call(const std::wstring& method, const platform::NamedValues& in) {

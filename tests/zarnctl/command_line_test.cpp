@@ -257,6 +257,9 @@ TEST_F(CommandLine, ConfigShowsWhatIsSetAndWhatIsWrongWithIt) {
             "logging: on\nlog folder: " + folder +
                 "/OEM/ZarnLightingService/Log\nhybrid mode: off, set to 2 (1 turns it on)\n");
   EXPECT_FALSE(std::filesystem::exists(folder + "/OEM")) << "the plug-in was loaded";
+  const std::string odd = WriteProfile("title = 'Odd'\nenvironment.PROGRAMDATA = \"/\\u001b[2J\\u009b\"\n");
+  EXPECT_EQ(Run("config --machine " + odd).out.find("/?[2J?/OEM/"),
+            std::string("logging: off, not set\nlog folder: ").size());
 
   const std::string settings = folder + "/zarn/settings.toml";
   std::filesystem::create_directory(folder + "/zarn");

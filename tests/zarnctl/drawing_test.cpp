@@ -105,19 +105,5 @@ TEST(DrawnPanel, DividesFifteenKeysBetweenTheZonesScalesThemAndKeepsDarkOnesVisi
   EXPECT_TRUE(DrawnPanel(TwoZones(50), 0).starts_with(Key(144, 32, 88) + " "));
 }
 
-TEST(DrawnPanel, EveryEffectWithoutAColourMovesAndIsColourful) {
-  for (const std::uint8_t code : std::vector<std::uint8_t>{2, 3, 8, 9, 10, 11}) {
-    const auto at = [&](double seconds) { return DrawnPanel(TwoZones(100, Effect{code, 5, 2, {}}), seconds); };
-    EXPECT_NE(at(0.5), at(1.7)) << int{code};
-    EXPECT_NE(at(0.5), DrawnPanel(TwoZones(0), 0)) << int{code};
-  }
-  // Sent with neither speed nor brightness, which the keyboard has of its own.
-  EXPECT_TRUE(DrawnPanel(TwoZones(0, Effect{34, 0, 2, {255, 0, 0}}), 0).starts_with(Key(255, 32, 32)));
-  const auto breath = [](std::uint8_t speed) {
-    return DrawnPanel(TwoZones(100, Effect{1, speed, 2, {255, 0, 0}}), 0.3);
-  };
-  EXPECT_NE(breath(9), breath(1));
-}
-
 }  // namespace
 }  // namespace zarnctl
