@@ -83,6 +83,7 @@ class FolderWalk {
     if (name.empty() || name == ".") return 0;
     if (name == "/" || name == "..") {
       reached_ = name == "/" ? name : reached_.parent_path();
+      is_for_others_ = true;  // unless the next name leads into another folder
       return 0;
     }
     const fs::path here = reached_ / name;
