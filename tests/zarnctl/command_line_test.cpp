@@ -335,6 +335,7 @@ TEST(Terminal, CursorIsShownWhileTheDemoIsStoppedAndWhenASignalEndsIt) {
   const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
   if (child == 0) {
     unsetenv("NO_COLOR");
+    std::signal(SIGINT, SIG_DFL);  // ignored in what a shell starts in the background
     execl("/bin/sh", "sh", "-mc", "'" ZARNCTL_PATH "' demo --machine four-zone; echo prompt; fg", nullptr);
     _exit(127);
   }
