@@ -81,15 +81,6 @@ std::vector<int> Counts(const HIDP_CAPS& caps) {
           caps.NumberFeatureButtonCaps, caps.NumberFeatureValueCaps, caps.NumberFeatureDataIndices};
 }
 
-TEST(ReportDescriptorParser, BootKeyboardHasButtonsAndLights) {
-  const auto keyboard = Collections(
-      "05 01 09 06 a1 01 05 07 19 e0 29 e7 15 00 25 01 75 01 95 08 81 02 95 01 75 08 81 01 95 05 75 01 05 08 19 01 "
-      "29 05 91 02 95 01 75 03 91 01 95 06 75 08 15 00 25 65 05 07 19 00 29 65 81 00 c0");
-  ASSERT_EQ(keyboard.size(), 1U);
-  EXPECT_EQ(Shape(keyboard[0].caps), (std::vector{1, 6, 9, 2, 0, 1}));
-  EXPECT_EQ(Counts(keyboard[0].caps), (std::vector{2, 0, 110, 1, 0, 5, 0, 0, 0}));
-}
-
 TEST(ReportDescriptorParser, MouseHasTwoRelativeValuesBehindItsButtons) {
   const auto mouse = Collections(
       "05 01 09 02 a1 01 09 01 a1 00 05 09 19 01 29 03 15 00 25 01 95 03 75 01 81 02 95 01 75 05 81 01 "
@@ -102,25 +93,6 @@ TEST(ReportDescriptorParser, MouseHasTwoRelativeValuesBehindItsButtons) {
   EXPECT_EQ((std::vector{x.LogicalMin, x.LogicalMax}), (std::vector{-127, 127}));
   EXPECT_EQ((std::vector<int>{x.BitField, x.IsAbsolute, x.HasNull}), (std::vector{6, 0, 0}));
   EXPECT_EQ((std::vector<int>{x.LinkCollection, x.LinkUsage, x.LinkUsagePage}), (std::vector{1, 1, 1}));
-}
-
-TEST(ReportDescriptorParser, LightingKeyboardDeclaresItsFourReports) {
-  const auto lighting = Collections(
-      "06 5a ff 09 01 a1 01 15 00 26 ff 00 75 08 85 a1 09 11 95 40 b1 02 85 a2 09 21 95 01 b1 02 95 3f b1 03 "
-      "85 a3 95 01 09 30 b1 02 09 34 b1 02 09 32 b1 02 27 ff ff 00 00 75 10 09 35 b1 02 09 33 b1 02 "
-      "27 ff ff ff 7f 75 20 09 31 b1 02 75 08 95 35 b1 03 "
-      "85 a4 26 ff 00 95 01 09 40 b1 02 09 41 09 43 09 42 09 44 09 45 09 46 09 47 95 07 b1 02 "
-      "27 ff ff 00 00 75 10 95 01 09 48 b1 02 75 08 95 36 b1 03 c0");
-  ASSERT_EQ(lighting.size(), 1U);
-  EXPECT_EQ(Shape(lighting[0].caps), (std::vector{0xFF5A, 1, 0, 0, 65, 1}));
-  EXPECT_EQ(Counts(lighting[0].caps), (std::vector{0, 0, 0, 0, 0, 0, 0, 17, 17}));
-  EXPECT_EQ(
-      Values(lighting[0]),
-      (Lines{"a1 ff5a:11 8x40 @0", "a2 ff5a:21 8x1 @1", "a3 ff5a:30 8x1 @2", "a3 ff5a:34 8x1 @3", "a3 ff5a:32 8x1 @4",
-             "a3 ff5a:35 10x1 @5", "a3 ff5a:33 10x1 @6", "a3 ff5a:31 20x1 @7", "a4 ff5a:40 8x1 @8", "a4 ff5a:47 8x1 @9",
-             "a4 ff5a:46 8x1 @a", "a4 ff5a:45 8x1 @b", "a4 ff5a:44 8x1 @c", "a4 ff5a:42 8x1 @d", "a4 ff5a:43 8x1 @e",
-             "a4 ff5a:41 8x1 @f", "a4 ff5a:48 10x1 @10"}));
-  EXPECT_EQ(lighting[0].values[HidP_Feature].at(7).LogicalMax, 0x7FFFFFFF);
 }
 
 TEST(ReportDescriptorParser, TopLevelCollectionsCountForThemselves) {

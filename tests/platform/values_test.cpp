@@ -50,4 +50,19 @@ TEST_F(ValuesTest, ConversionsFollowThePlatformAndChangeNothingWhenTheyFail) {
   }
 }
 
+TEST_F(ValuesTest, LockedArrayIsNotReleased) {
+  OwnedVariant variant(Bytes{'a', 'b'});
+  void* data = nullptr;
+  ASSERT_EQ(SafeArrayAccessData(V_ARRAY(&variant), &data), S_OK);
+  EXPECT_EQ(VariantClear(&variant), DISP_E_ARRAYISLOCKED);
+  EXPECT_EQ(SafeArrayDestroy(V_ARRAY(&variant)), DISP_E_ARRAYISLOCKED);
+  OwnedVariant copy(L"replaced");
+  EXPECT_EQ(VariantCopy(&copy, &variant), S_OK);
+  EXPECT_EQ(SafeArrayUnaccessData(V_ARRAY(&variant)), S_OK);
+  EXPECT_EQ(SafeArrayUnaccessData(V_ARRAY(&variant)), E_FAIL);
+  EXPECT_EQ(platform::TakeComplaints().size(), 1U);
+  EXPECT_EQ(VariantClear(&variant), S_OK);
+  EXPECT_EQ(copy.Read(), Value(Bytes{'a', 'b'})) << "a copy has an array, and locks, of its own";
+}
+
 }  // namespace

@@ -8,8 +8,6 @@
 namespace simulator {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
 Profile ThreeZonesAndLightBar() {
   Profile profile;
   profile.ec = {3, true, {2, 91}};

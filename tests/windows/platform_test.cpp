@@ -199,21 +199,6 @@ TEST(ManagementService, AThreadWithoutComHasNoneAfterwards) {
   }).join();
 }
 
-TEST(ManagementService, AThreadThatLivesInASingleThreadedApartmentStaysThere) {
-  std::thread([] {
-    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
-    for (int i = 0; i < 2; ++i) {
-      WmiConnection connection;
-      EXPECT_EQ(OpenWmiConnection(connection), 1) << connection.status;
-      EXPECT_EQ(connection.may_uninitialize, 0);
-    }
-    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), RPC_E_CHANGED_MODE);
-    CoUninitialize();
-    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK) << "the plug-in's connections took nothing back";
-    CoUninitialize();
-  }).join();
-}
-
 }  // namespace
 }  // namespace test
 
