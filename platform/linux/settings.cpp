@@ -48,7 +48,6 @@ void ReadKey(const toml::key& key, const toml::node& node, RegistryValues& value
 }
 
 RegistryValues ReadValues(const std::string& text) {
-  if (HasTooManyDots(text)) throw std::runtime_error(" more than 1000 dots, so deep no key may be");
   RegistryValues values;
   const toml::table file = toml::parse(text);
   for (const auto& [name, section] : file) {
@@ -77,8 +76,13 @@ SettingsFile ReadSettingsFile(const std::filesystem::path& path) {
     return file;
   }
   file.state = SettingsFile::State::Read;
+  const std::string text(bytes->begin(), bytes->end());
+  if (HasTooManyDots(text)) {
+    file.complaint = path.string() + ": more than 1000 dots, so deep no key may be";
+    return file;
+  }
   try {
-    file.values = ReadValues(std::string(bytes->begin(), bytes->end()));
+    file.values = ReadValues(text);
   } catch (const toml::parse_error& what) {
     file.complaint =
         path.string() + ":" + std::to_string(what.source().begin.line) + ": " + std::string(what.description());

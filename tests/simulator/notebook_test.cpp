@@ -8,35 +8,23 @@
 namespace simulator {
 namespace {
 
-Profile ThreeZonesAndLightBar() {
+TEST(NotebookMachineTest, RefusedInputIsOnTheWireAndUnusableInputIsNot) {
   Profile profile;
   profile.ec = {3, true, {2, 91}};
   profile.firmware_instance = L"ACPI\\PNP0C14\\ZARN_0";
-  return profile;
-}
-
-class NotebookMachineTest : public ::testing::Test {
- protected:
-  platform::FirmwareAnswer Call(const std::wstring& method, const platform::NamedValues& in) {
-    return machine_->CallFirmware(L"ACPI\\PNP0C14\\ZARN_0", method, in);
-  }
-
-  const std::shared_ptr<Notebook> notebook_ = std::make_shared<Notebook>(ThreeZonesAndLightBar());
-  const std::shared_ptr<platform::Machine> machine_ = MakeMachine(notebook_);
-};
-
-TEST_F(NotebookMachineTest, RefusedInputIsOnTheWireAndUnusableInputIsNot) {
+  const auto notebook = std::make_shared<Notebook>(profile);
+  const auto machine = MakeMachine(notebook);
   for (const platform::NamedValues& in :
        {platform::NamedValues{}, {{L"gmInput", std::uint32_t{16}}}, {{L"gmInput", L"17"}}}) {
-    EXPECT_EQ(Call(L"GetGamingLED", in).status, WBEM_E_INVALID_PARAMETER);
+    EXPECT_EQ(machine->CallFirmware(profile.firmware_instance, L"GetGamingLED", in).status, WBEM_E_INVALID_PARAMETER);
   }
-  EXPECT_EQ(machine_->CallFirmware(L"Other", L"GetGamingLED", {{L"gmInput", L"16"}}).status, WBEM_E_NOT_FOUND);
-  const std::vector<WireRecord> wire = notebook_->TakeWire();
+  EXPECT_EQ(machine->CallFirmware(L"Other", L"GetGamingLED", {{L"gmInput", L"16"}}).status, WBEM_E_NOT_FOUND);
+  const std::vector<WireRecord> wire = notebook->TakeWire();
   ASSERT_EQ(wire.size(), 1U);
   EXPECT_EQ(wire[0].method, "GetGamingLED");
   EXPECT_EQ(wire[0].input, EcFirmware::Input(L"17"));
   EXPECT_EQ(wire[0].refusal, "the input is 17, must be 16");
-  EXPECT_TRUE(notebook_->TakeWire().empty());
+  EXPECT_TRUE(notebook->TakeWire().empty());
 }
 
 }  // namespace
