@@ -1,19 +1,22 @@
 /// How zarnctl says that something cannot be done: one line, and the exit code that goes with it.
 #pragma once
 
+#include <array>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace zarnctl {
 
-/// The process's exit codes, as docs/zarnctl.md and --help state them.
-enum class ExitCode {
-  Done = 0,
-  Failed = 1,            // the profile, a settings file, the plug-in or the output failed
-  WrongCommandLine = 2,  // nothing was sent
-  NothingThere = 3,      // no such device, or nothing to light
-  LightsDiffer = 4       // firmware or keyboard refused, the lights did not follow, or a record lacks something
-};
+/// The process's exit codes.
+enum class ExitCode { Done, Failed, WrongCommandLine, NothingThere, Refused };
+
+/// What each of them means, in their order, for --help and the manual page.
+inline constexpr std::array<std::string_view, 5> kExitCodes{
+    "done", "the profile, a settings file, the plug-in or the output failed", "wrong command line; nothing was sent",
+    "no such device, or nothing to light",
+    "the firmware or a keyboard refused or did not answer, or a record lacks something"};
 
 /// Thrown by everything that cannot go on; what() is the line without "zarnctl: ".
 class Complaint : public std::runtime_error {
@@ -28,5 +31,8 @@ class Complaint : public std::runtime_error {
 
 /// Writes "zarnctl: <line>" to stderr, with what the line quotes made harmless.
 void Complain(const std::string& line);
+
+/// The same for each line; whether there were any.
+bool Complain(const std::vector<std::string>& lines);
 
 }  // namespace zarnctl

@@ -20,6 +20,7 @@ struct Finding {
 
 /// What can be done about what is missing, which depends on what is examined. Texts may be empty.
 struct Remedies {
+  std::string nothing_discovered;
   std::string switches;
   std::string no_log;
   std::string no_hid_devices;

@@ -6,9 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <numbers>
-#include <span>
 
+#include "zarnctl/lit_keys.h"
 #include "zarnctl/text.h"
 
 namespace zarnctl {
@@ -17,165 +16,12 @@ namespace {
 using simulator::Color;
 using simulator::Effect;
 
-/// A place on the keyboard, from 0 to 1 each way, and a number of its own.
-struct Key {
-  double x;
-  double y;
-  std::uint32_t number;
-};
-
-/// A colour as light: 0 is dark, 1 is full.
-struct Light {
-  double red;
-  double green;
-  double blue;
-};
-
-constexpr Light kDark{0, 0, 0};
-
-Light operator*(const Light& light, double factor) {
-  return {light.red * factor, light.green * factor, light.blue * factor};
-}
-
-Light LightOf(const Color& color) { return {color.red / 255.0, color.green / 255.0, color.blue / 255.0}; }
-
-double Fraction(double value) { return value - std::floor(value); }
-
-/// The colour circle: red at 0, green at 1/3, blue at 2/3.
-Light Rainbow(double hue) {
-  const auto channel = [hue](double centre) {
-    const double distance = std::abs(Fraction(hue - centre + 0.5) - 0.5);
-    return std::clamp(2.0 - 6.0 * distance, 0.0, 1.0);
-  };
-  return {channel(0.0), channel(1.0 / 3), channel(2.0 / 3)};
-}
-
-/// A number from 0 to 1 that looks like chance and is the same for the same seeds.
-double Chance(std::uint32_t a, std::uint32_t b) {
-  std::uint32_t hash = a * 0x9E3779B1U ^ b * 0x85EBCA77U;
-  hash = (hash ^ hash >> 15) * 0x2C1B3C6DU;
-  hash = (hash ^ hash >> 12) * 0x297A2D39U;
-  return (hash ^ hash >> 15) / 4294967295.0;
-}
-
-/// How far the effect has come when it reaches the key, from 0 to 1.
-double Travelled(const Effect& effect, const Key& key) {
-  switch (effect.direction) {
-    case 2:
-      return 1 - key.x;
-    case 3:
-      return 1 - key.y;
-    case 4:
-      return key.y;
-    case 5:
-      return std::abs(2 * key.x - 1);
-    case 6:
-      return std::abs(2 * key.y - 1);
-    default:
-      return key.x;
-  }
-}
-
-// The animations, by effect code. A cycle is one breath, one turn of the colours, one run across the keyboard.
-
-Light Static(const Effect& effect, const Key& /*key*/, double /*cycles*/) { return LightOf(effect.color); }
-
-Light Breathing(const Effect& effect, const Key& /*key*/, double cycles) {
-  return LightOf(effect.color) * (0.5 + 0.5 * std::cos(2 * std::numbers::pi * cycles));
-}
-
-Light Neon(const Effect& /*effect*/, const Key& /*key*/, double cycles) { return Rainbow(cycles / 2); }
-
-Light Wave(const Effect& effect, const Key& key, double cycles) { return Rainbow(Travelled(effect, key) - cycles); }
-
-Light Shifting(const Effect& effect, const Key& key, double cycles) {
-  return Fraction(Travelled(effect, key) - cycles) < 0.5 ? LightOf(effect.color) : kDark;
-}
-
-Light Zoom(const Effect& effect, const Key& key, double cycles) {
-  const double distance = std::hypot(2 * key.x - 1, (2 * key.y - 1) / 2);
-  return LightOf(effect.color) * std::max(0.0, 1 - 4 * std::abs(distance - 1.2 * Fraction(cycles)));
-}
-
-Light Meteor(const Effect& effect, const Key& key, double cycles) {
-  const double row_offset = Chance(static_cast<std::uint32_t>(5 * key.y), 1);
-  const double behind = Fraction(cycles + row_offset - Travelled(effect, key) / 1.5);
-  return LightOf(effect.color) * std::exp(-9 * behind);
-}
-
-Light Twinkling(const Effect& effect, const Key& key, double cycles) {
-  const double own_time = cycles + Chance(key.number, 2);
-  const bool lit = Chance(key.number, 3 + static_cast<std::uint32_t>(own_time)) < 0.35;
-  return lit ? LightOf(effect.color) * std::sin(std::numbers::pi * Fraction(own_time)) : kDark;
-}
-
-Light Ripple(const Effect& /*effect*/, const Key& key, double cycles) {
-  const double distance = std::hypot(2 * key.x - 1, (2 * key.y - 1) / 2);
-  return Rainbow(distance) * (0.5 + 0.5 * std::cos(2 * std::numbers::pi * (2 * distance - cycles)));
-}
-
-Light Snake(const Effect& /*effect*/, const Key& key, double cycles) {
-  // Along the rows, there and back.
-  const auto row = std::floor(5 * key.y);
-  const double along = (row + (static_cast<int>(row) % 2 == 0 ? key.x : 1 - key.x)) / 5;
-  const double behind = Fraction(cycles / 2 - along);
-  return behind < 0.2 ? Rainbow(cycles / 4) * (1 - 5 * behind) : kDark;
-}
-
-Light Disco(const Effect& /*effect*/, const Key& key, double cycles) {
-  return Rainbow(Chance(key.number, 4 + static_cast<std::uint32_t>(2 * cycles)));
-}
-
-Light Combo(const Effect& effect, const Key& key, double cycles) {
-  const auto turn = static_cast<std::uint32_t>(cycles) % 3;
-  return turn == 0 ? Wave(effect, key, cycles) : turn == 1 ? Ripple(effect, key, cycles) : Disco(effect, key, cycles);
-}
-
-/// Sets its own pace: the mode has neither speed nor brightness.
-constexpr std::uint8_t kOpMode = 34;
-constexpr std::uint8_t kOpModeSpeed = 4;
-
-using Animation = Light (*)(const Effect&, const Key&, double cycles);
-constexpr std::array<Animation, 12> kAnimations{Static, Breathing, Neon,   Wave,  Shifting, Zoom,
-                                                Meteor, Twinkling, Ripple, Snake, Disco,    Combo};
-
-/// How many cycles a second each step of speed brings.
-constexpr double kCyclesPerSpeed = 0.15;
-
-Light Animated(const Effect& effect, const Key& key, double seconds) {
-  const Animation animation = effect.code < kAnimations.size() ? kAnimations.at(effect.code) : Static;
-  return animation(effect, key, seconds * kCyclesPerSpeed * effect.speed);
-}
-
-Light Shining(const Panel& panel, const Key& key, double seconds) {
-  if (panel.zones.empty()) return kDark;
-  const Panel::Zone& zone = panel.zones[static_cast<std::size_t>(key.x * static_cast<double>(panel.zones.size()))];
-  if (zone.effect && zone.effect->code == kOpMode) {
-    return Breathing(*zone.effect, key, seconds * kCyclesPerSpeed * kOpModeSpeed);
-  }
-  const double brightness = std::min(1.0, zone.brightness / 100.0);
-  if (zone.effect) return Animated(*zone.effect, key, seconds) * brightness;
-  return zone.on ? LightOf(zone.color) * brightness : kDark;
-}
-
-constexpr int kWidth = 59;
-/// The widths of the keys, row by row; with a blank between keys every row is as wide as the keyboard.
-using Row = std::array<int, 15>;
-constexpr std::array<Row, 5> kKeyboardRows{{{3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3},
-                                            {5, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 5},
-                                            {6, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 8},
-                                            {8, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 10},
-                                            {5, 4, 4, 27, 4, 4, 5}}};
-constexpr std::array<Row, 1> kBarRows{{{7, 7, 7, 7, 7, 7, 7, 3}}};
-
-std::string DrawnKey(int width, const Light& light) {
-  // A dark key is still to be seen.
-  const auto shade = [](double channel) { return static_cast<int>(std::lround(32 + 223 * channel)); };
+std::string DrawnKey(const LitKey& key) {
+  const auto [red, green, blue] = ShownColor(key.light);
   std::array<char, 32> color{};
-  std::snprintf(color.data(), color.size(), "\033[38;2;%d;%d;%dm", shade(light.red), shade(light.green),
-                shade(light.blue));
+  std::snprintf(color.data(), color.size(), "\033[38;2;%d;%d;%dm", red, green, blue);
   std::string text = color.data();
-  for (int i = 0; i < width; ++i) text += "▇";
+  for (int i = 0; i < key.width; ++i) text += "▇";
   return text;
 }
 
@@ -261,22 +107,12 @@ std::string DrawnLights(const std::vector<Panel>& panels, const std::vector<Mode
 }
 
 std::string DrawnPanel(const Panel& panel, double seconds) {
-  const bool is_bar = panel.shape == Panel::Shape::Bar;
-  const std::span<const Row> rows = is_bar ? std::span<const Row>(kBarRows) : std::span<const Row>(kKeyboardRows);
   std::string text;
-  std::uint32_t number = 0;
-  for (std::size_t row = 0; row < rows.size(); ++row) {
-    int left = 0;
-    for (const int width : rows[row]) {
-      if (width == 0) break;
-      const double y = (static_cast<double>(row) + 0.5) / static_cast<double>(rows.size());
-      const Key key{(left + width / 2.0) / kWidth, y, ++number};
-      text += (left > 0 ? " " : "") + DrawnKey(width, Shining(panel, key, seconds));
-      left += width + 1;
-    }
-    text += "\033[0m\n";
+  for (const LitKey& key : LitKeys(panel, seconds)) {
+    const bool first = key.left == 0;
+    text += (!first ? " " : text.empty() ? "" : "\033[0m\n") + DrawnKey(key);
   }
-  return text;
+  return text + "\033[0m\n";
 }
 
 }  // namespace zarnctl

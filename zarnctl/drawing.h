@@ -22,9 +22,7 @@ std::string PlainLights(const std::vector<Panel>& panels, const std::vector<Mode
 /// For each panel the headline and the drawing, with empty lines between them.
 std::string DrawnLights(const std::vector<Panel>& panels, const std::vector<ModeRecord>& modes, double seconds);
 
-/// Five rows of keys, or the one row of a bar, in 24-bit colours, each a line of text, `seconds` after the effect
-/// began. The directions 1 to 6 of firmware and HID keyboards are drawn as right, left, up, down, outwards to both
-/// sides, and outwards up and down.
+/// The panel's keys in 24-bit colours, a line of text for each row, `seconds` after the effect began.
 std::string DrawnPanel(const Panel& panel, double seconds);
 
 }  // namespace zarnctl

@@ -1,4 +1,4 @@
-#include "zarnctl/session.h"
+#include "zarnctl/command_line.h"
 #include "zarnctl/terminal.h"
 
 int main(int argc, char** argv) {

@@ -65,7 +65,20 @@ void ApplyColor(ModeRecord& mode, std::optional<PackedColor> wanted) {
   mode.mode_colors.assign(std::max<std::size_t>(1, mode.color_count_least), *wanted);
 }
 
+std::optional<std::uint32_t> ReadSetting(const TypedValues& typed, std::string_view option) {
+  const std::string* const word = typed.Find(option);
+  return word != nullptr ? std::optional(ReadNumber(option, *word)) : std::nullopt;
+}
+
 }  // namespace
+
+ModeSettings ReadModeSettings(const TypedValues& typed) {
+  const std::string* const color = typed.Find("--color");
+  return {.speed = ReadSetting(typed, "--speed"),
+          .brightness = ReadSetting(typed, "--brightness"),
+          .direction = ReadSetting(typed, "--direction"),
+          .color = color != nullptr ? std::optional(ReadColor("--color", *color)) : std::nullopt};
+}
 
 std::int32_t FindMode(const std::vector<ModeRecord>& modes, const std::string& name) {
   const auto found = std::find_if(modes.begin(), modes.end(),

@@ -9,16 +9,19 @@
 #include <vector>
 
 #include "zarn_lighting/records.h"
+#include "zarnctl/command.h"
 
 namespace zarnctl {
 
 struct ModeSettings {
-  std::string mode;
   std::optional<std::uint32_t> speed;
   std::optional<std::uint32_t> brightness;
   std::optional<std::uint32_t> direction;
   std::optional<PackedColor> color;
 };
+
+/// What was typed for --speed, --brightness, --direction and --color.
+ModeSettings ReadModeSettings(const TypedValues& typed);
 
 /// The position in `modes` of the mode called `name`, in any case.
 std::int32_t FindMode(const std::vector<ModeRecord>& modes, const std::string& name);

@@ -9,19 +9,16 @@
 namespace zarnctl {
 namespace {
 
-// Both tables stand in the plug-in too, and here once more, because a check that asked the plug-in would find it right
-// in any case.
+/// What a HID keyboard's zone runs when it just shines.
+constexpr std::uint8_t kHidStatic = 2;
 
-/// The host's codes of effects, and the HID keyboard's.
-constexpr std::array<std::pair<std::int32_t, std::uint8_t>, 13> kHidEffects{
-    {{0, 2}, {1, 4}, {2, 5}, {3, 7}, {4, 8}, {5, 9}, {6, 10}, {7, 11}, {8, 13}, {9, 14}, {10, 15}, {11, 12}, {34, 6}}};
-
-/// By direction setting: codes count from 1, with the first two changed over.
-constexpr std::array<std::uint8_t, 6> kDirections{2, 1, 3, 4, 5, 6};
+/// The HID keyboard's codes of effects, and the host's.
+constexpr std::array<std::pair<std::uint8_t, std::uint8_t>, 12> kHidEffects{
+    {{4, 1}, {5, 2}, {6, 34}, {7, 3}, {8, 4}, {9, 5}, {10, 6}, {11, 7}, {12, 11}, {13, 8}, {14, 9}, {15, 10}}};
 
 std::uint8_t HostCode(std::uint8_t hid_code) {
-  const auto* const found = std::ranges::find(kHidEffects, hid_code, &std::pair<std::int32_t, std::uint8_t>::second);
-  return found != kHidEffects.end() ? static_cast<std::uint8_t>(found->first) : hid_code;
+  const auto* const found = std::ranges::find(kHidEffects, hid_code, &std::pair<std::uint8_t, std::uint8_t>::first);
+  return found != kHidEffects.end() ? found->second : hid_code;
 }
 
 Panel::Zone ZoneOf(const simulator::HidLights::Zone& lights) {
@@ -62,16 +59,6 @@ std::vector<Panel> PanelsOf(simulator::Notebook& notebook) {
     if (keyboard.Connect()) panels.push_back(PanelOf(keyboard.Lights(), i));
   }
   return panels;
-}
-
-std::uint8_t HidEffectCode(std::int32_t host_code) {
-  const auto* const found = std::ranges::find(kHidEffects, host_code, &std::pair<std::int32_t, std::uint8_t>::first);
-  return found != kHidEffects.end() ? found->second : static_cast<std::uint8_t>(host_code);
-}
-
-std::optional<std::uint8_t> DirectionCode(std::uint32_t direction_setting) {
-  if (direction_setting >= kDirections.size()) return std::nullopt;
-  return kDirections.at(direction_setting);
 }
 
 }  // namespace zarnctl

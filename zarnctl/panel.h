@@ -33,13 +33,4 @@ struct Panel {
 /// The panels that the notebook has and that are plugged in.
 std::vector<Panel> PanelsOf(simulator::Notebook& notebook);
 
-/// The HID keyboard's code for zones that just shine.
-inline constexpr std::uint8_t kHidStatic = 2;
-
-/// The HID keyboard's code of an effect; one that it has no code of its own for keeps the host's.
-std::uint8_t HidEffectCode(std::int32_t host_code);
-
-/// The direction that firmware and HID keyboards are sent for a direction setting; nothing for what is no setting.
-std::optional<std::uint8_t> DirectionCode(std::uint32_t direction_setting);
-
 }  // namespace zarnctl

@@ -1,15 +1,51 @@
-/// One run of zarnctl.
+/// The plug-in over some hardware, as commands use it.
 #pragma once
 
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "zarn_lighting/host.h"
 #include "zarnctl/complaint.h"
+#include "zarnctl/hardware.h"
 
 namespace zarnctl {
 
-/// Does what a command line asks for, given without the program's name, and says on stdout what came of it, and on
-/// stderr what was wrong. One at a time. The plug-in stays loaded.
-ExitCode Run(std::vector<std::string> words);
+/// Loads the plug-in and asks it for its devices when a command first needs them. All may throw Complaint.
+class Session {
+ public:
+  /// The hardware outlives the session. An empty path stands for our own plug-in.
+  Session(Hardware& hardware, std::filesystem::path plugin_file)
+      : hardware_(hardware), plugin_file_(std::move(plugin_file)) {}
+
+  Hardware& hardware() const { return hardware_; }
+  /// Whether firmware or keyboard refused something while a device was made, which then shows less than it might.
+  bool refused() const { return refused_; }
+
+  const zarn::host::Discovery& Discovered();
+  /// The devices, at least one.
+  const std::vector<std::string>& Names();
+  /// The device's own name for one that is given in any case.
+  const std::string& FindName(const std::string& wanted);
+  zarn::host::Device Create(const std::string& name);
+
+  /// Sends the active mode, and complains of what failed. Says and draws what is lit unless `quietly`.
+  ExitCode Push(zarn::host::Device& device, const std::string& name, bool quietly = false);
+  void Draw(const ControllerRecords& records) const;
+
+ private:
+  const zarn::host::Plugin& LoadedPlugin();
+
+  Hardware& hardware_;
+  const std::filesystem::path plugin_file_;
+  std::optional<zarn::host::Plugin> plugin_;
+  std::optional<zarn::host::Discovery> discovery_;
+  bool refused_ = false;
+};
+
+/// Whether the device brings colours of its LEDs to light. The whole-device light runs effects alone, though its
+/// description has a LED and a mode for it.
+inline bool LightsLeds(const std::string& device) { return device != "ZarnECGlobal"; }
 
 }  // namespace zarnctl

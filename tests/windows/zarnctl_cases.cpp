@@ -6,7 +6,7 @@
 #include "log/service_switch.h"
 #include "platform/registry.h"
 #include "tests/cases/case.h"
-#include "zarnctl/session.h"
+#include "zarnctl/command_line.h"
 
 namespace test {
 namespace {
@@ -56,7 +56,7 @@ TEST_F(ZarnctlCase, DrivesKeyboardsAndTellsWhatTheLogKnows) {
 
   Keyboard().Misbehave({.kind = HidKeyboard::Misbehaviour::Kind::Fail, .first = 3});
   said = SetRed();
-  EXPECT_EQ(said.code, ExitCode::LightsDiffer);
+  EXPECT_EQ(said.code, ExitCode::Refused);
   EXPECT_EQ(said.text,
             "ZarnHIDKeyboard: STATIC\n"
             "zarnctl: Error setting feature on HID device: 31\n"

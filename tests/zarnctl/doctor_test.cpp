@@ -30,7 +30,8 @@ class Doctor : public test::MachineTest {
     return device;
   }
 
-  const Remedies kRemedies = {.switches = "(switches)",
+  const Remedies kRemedies = {.nothing_discovered = "",
+                              .switches = "(switches)",
                               .no_log = "(log)",
                               .no_hid_devices = "(bus)",
                               .may_not_open = "(rights)",

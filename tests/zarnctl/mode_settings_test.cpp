@@ -43,16 +43,16 @@ TEST(Settings, WhatAModeDoesNotTakeIsRefusedWithWhatItTakes) {
     ModeSettings settings;
     std::string line;
   } cases[] = {
-      {kWave, {"", 10, {}, {}, {}}, "--speed 10: WAVE takes 1 to 9"},
-      {kWave, {"", 0, {}, {}, {}}, "--speed 0: WAVE takes 1 to 9"},
-      {kWave, {"", {}, 101, {}, {}}, "--brightness 101: WAVE takes 0 to 100"},
-      {kWave, {"", {}, {}, 6, {}}, "--direction 6: WAVE takes 0, 1, 2, 3, 4 or 5"},
-      {kShifting, {"", {}, {}, 2, {}}, "--direction 2: SHIFTING takes 0 or 1"},
-      {Mode("Fixed", 0x20, ColorSource::PerLedColors), {"", {}, 50, {}, {}}, "--brightness: Fixed has no brightness"},
-      {kDirect, {"", 1, {}, {}, {}}, "--speed: Direct has no speed"},
-      {kDirect, {"", {}, {}, 0, {}}, "--direction: Direct has no direction"},
-      {kDirect, {"", {}, {}, {}, 1}, "--color: Direct shows a colour per LED; use 'zarnctl leds'"},
-      {kWave, {"", {}, {}, {}, 1}, "--color: WAVE shows no colour of its own"},
+      {kWave, {10, {}, {}, {}}, "--speed 10: WAVE takes 1 to 9"},
+      {kWave, {0, {}, {}, {}}, "--speed 0: WAVE takes 1 to 9"},
+      {kWave, {{}, 101, {}, {}}, "--brightness 101: WAVE takes 0 to 100"},
+      {kWave, {{}, {}, 6, {}}, "--direction 6: WAVE takes 0, 1, 2, 3, 4 or 5"},
+      {kShifting, {{}, {}, 2, {}}, "--direction 2: SHIFTING takes 0 or 1"},
+      {Mode("Fixed", 0x20, ColorSource::PerLedColors), {{}, 50, {}, {}}, "--brightness: Fixed has no brightness"},
+      {kDirect, {1, {}, {}, {}}, "--speed: Direct has no speed"},
+      {kDirect, {{}, {}, 0, {}}, "--direction: Direct has no direction"},
+      {kDirect, {{}, {}, {}, 1}, "--color: Direct shows a colour per LED; use 'zarnctl leds'"},
+      {kWave, {{}, {}, {}, 1}, "--color: WAVE shows no colour of its own"},
   };
   for (const auto& [mode, settings, line] : cases) {
     EXPECT_EQ(LineOf([&, &mode = mode, &settings = settings] { WithSettings(mode, settings); }), line);
@@ -70,7 +70,7 @@ TEST(Settings, ModesAreFoundInAnyCaseAndListedOtherwise) {
 TEST(Texts, ColoursAreSixDigitsAndRedFirst) {
   for (const char* const text : {"ff8001", "#FF8001"}) EXPECT_EQ(ReadColor("--color", text), 0x0180ffU);
   EXPECT_EQ(ColorText(0x0180ff), "#ff8001");
-  for (const std::string wrong : {"", "#", "ff800", "ff80011", "-f8001", "ff800g"}) {
+  for (const std::string wrong : {"#", "ff800", "ff80011", "-f8001", "ff800g"}) {
     EXPECT_EQ(LineOf([&] { ReadColor("--color", wrong); }),
               "--color " + wrong + ": a colour is six hexadecimal digits, RRGGBB");
   }

@@ -1,11 +1,12 @@
-#include "zarnctl/linux/record.h"
+#include <toml++/toml.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdio>
+#include <iostream>
 #include <optional>
 #include <span>
+#include <sstream>
 #include <utility>
 
 #include "firmware/firmware_methods.h"
@@ -17,7 +18,9 @@
 #include "platform/standin/text.h"
 #include "simulator/hid_keyboard.h"
 #include "simulator/profile.h"
-#include "zarnctl/complaint.h"
+#include "zarnctl/linux/commands.h"
+#include "zarnctl/linux/new_file.h"
+#include "zarnctl/session.h"
 #include "zarnctl/text.h"
 
 namespace zarnctl {
@@ -31,15 +34,18 @@ using namespace zarn::WRV520::Lighting;  // NOLINT(google-build-using-namespace)
 constexpr std::size_t kMostIds = 63;    // of a profile; the plug-in reads no more either
 constexpr std::size_t kReportHead = 2;  // the report id, then a count or the lighting device id
 
-std::string Number(std::uint32_t number, int digits) { return "0x" + Hexadecimal(number, digits); }
-
-std::string Listed(std::span<const std::uint8_t> bytes) {
-  std::string text = "[";
-  for (const std::uint8_t byte : bytes) text += (text.size() > 1 ? ", " : "") + Number(byte, 2);
-  return text + "]";
+/// A number that is read as one in hexadecimal.
+toml::value<std::int64_t> Hexa(std::uint32_t number) {
+  toml::value<std::int64_t> value(number);
+  value.flags(toml::value_flags::format_as_hexadecimal);
+  return value;
 }
 
-std::string Truth(bool holds) { return holds ? "true" : "false"; }
+toml::array Listed(std::span<const std::uint8_t> bytes) {
+  toml::array list;
+  for (const std::uint8_t byte : bytes) list.push_back(Hexa(byte));
+  return list;
+}
 
 /// A field of the collection's feature reports; of several declarations the last one counts. Null when there is none.
 const HIDP_VALUE_CAPS* FindField(const HidCollection& collection, std::uint8_t report_id, std::uint16_t usage) {
@@ -50,19 +56,19 @@ const HIDP_VALUE_CAPS* FindField(const HidCollection& collection, std::uint8_t r
   return field;
 }
 
-/// The fields of a report that the collection declares, in the report's order, as "[[0x41, 8], ...]"; none when they do
-/// not fit into it.
-std::string DeclaredFields(const HidCollection& collection, std::uint8_t report_id,
+/// The fields of a report that the collection declares, in the report's order, as pairs of usage and bits; none when
+/// they do not fit into it.
+toml::array DeclaredFields(const HidCollection& collection, std::uint8_t report_id,
                            std::span<const std::uint16_t> usages) {
-  std::string text = "[";
+  toml::array fields;
   std::size_t bits = 8 * kReportHead;
   for (const std::uint16_t usage : usages) {
     const HIDP_VALUE_CAPS* const field = FindField(collection, report_id, usage);
     if (field == nullptr || field->BitSize == 0 || field->BitSize > 255) continue;
-    text += (text.size() > 1 ? ", [" : "[") + Number(usage, 2) + ", " + std::to_string(field->BitSize) + "]";
+    fields.push_back(toml::array{Hexa(usage), field->BitSize});
     bits += field->BitSize;
   }
-  return bits <= std::size_t{8} * collection.caps.FeatureReportByteLength ? text + "]" : "[]";
+  return bits <= std::size_t{8} * collection.caps.FeatureReportByteLength ? fields : toml::array();
 }
 
 /// What the keyboard says of itself in report A3, as far as it declares it.
@@ -87,12 +93,6 @@ BaseInfo ReadBaseInfo(const Bytes& reply, const HidCollection& collection) {
   return info;
 }
 
-/// The report with everything behind its first `length` bytes blank: nobody knows what a device puts there.
-Bytes Blanked(Bytes report, std::size_t length) {
-  std::fill(report.begin() + static_cast<std::ptrdiff_t>(std::min(length, report.size())), report.end(), 0);
-  return report;
-}
-
 /// A report read from the device; nothing when it does not answer.
 std::optional<Bytes> Read(platform::HidConnection& connection, std::uint8_t report_id, std::size_t length) {
   Bytes report(length);
@@ -100,24 +100,36 @@ std::optional<Bytes> Read(platform::HidConnection& connection, std::uint8_t repo
   return connection.GetFeature(report) == ERROR_SUCCESS ? std::optional(report) : std::nullopt;
 }
 
+/// Asks the machine itself. Of no answer it takes more than the plug-in understands, and nothing that names a person, a
+/// place or a piece: no user, no path, no serial number.
 class Recorder {
  public:
   explicit Recorder(platform::Machine& machine) : machine_(machine) {}
 
-  Recording Record() {
-    text_ = "# What a machine was seen to be and to answer.\ntitle = \"Recorded\"\n";
+  /// A profile in TOML. Throws Complaint when it could not be played back.
+  std::string Record() {
     RecordFirmware();
     for (const platform::HidDevice& device : machine_.HidDevices()) RecordHidDevice(device);
+    if (!keyboards_.empty()) profile_.insert("hid_keyboard", std::move(keyboards_));
     RecordSwitch(kLogSwitch);
     RecordSwitch(kHybridSwitch);
-    return {std::move(text_), std::move(omissions_)};
+    std::ostringstream text;
+    text << "# What a machine was seen to be and to answer.\n";
+    for (const std::string& omission : omissions_) text << "# " << omission << "\n";
+    text << toml::toml_formatter(profile_) << "\n";
+    try {
+      simulator::ParseProfile(text.str(), "the record");
+    } catch (const simulator::ProfileError& error) {
+      throw Complaint(ExitCode::Failed, std::string("this machine cannot be recorded: ") + error.what());
+    }
+    return text.str();
   }
 
+  /// A line for each thing that could not be had.
+  const std::vector<std::string>& omissions() const { return omissions_; }
+
  private:
-  void Omit(const std::string& what) {
-    text_ += "# " + what + "\n";
-    omissions_.push_back("not recorded: " + what);
-  }
+  void Omit(const std::string& what) { omissions_.push_back("not recorded: " + what); }
 
   void RecordFirmware() {
     const auto table = machine_.ReadSmbiosTable();
@@ -125,28 +137,30 @@ class Recorder {
     if (data == nullptr) return Omit("the SMBIOS table, which cannot be read");
     const std::span<const std::uint8_t> structure = FindOemStructure(*data);
     stSMBiosType172 record;
-    if (!FindSMBiosType172(*data, record) || structure.size() < 6) {
-      text_ += "# The SMBIOS table has no structure of type 172.\n";
-      return;
-    }
+    // A notebook of another family has none.
+    if (!FindSMBiosType172(*data, record) || structure.size() < 6) return;
     const std::uint16_t zones = FirstItem(record, kItemKeyboardZones).value_or(0);
     const bool has_methods = machine_.FindFirmwareClass().has_value();
-    const bool light_bar = FirstItem(record, kItemLightBar) == kLightBarThere;
-    text_ += "[firmware]\nversion = \"" + std::to_string(record.biosMajor) + "." + std::to_string(record.biosMinor) +
-             "\"\nrecord = " + Listed(structure) + "\n" + (has_methods ? "" : "instance = ''  # no methods here\n") +
-             "[keyboard]\nzones = " + std::to_string(zones == 1 || zones == 3 || zones == 4 ? zones : 0) +
-             "\nrgb = " + Truth(FirstItem(record, kItemRgbKeyboard) == kRgbKeyboardThere) +
-             "\n[light_bar]\npresent = " + Truth(light_bar) + "\n";
-    if (light_bar && has_methods) RecordLightBar();
+    toml::table firmware{{"version", std::to_string(record.biosMajor) + "." + std::to_string(record.biosMinor)},
+                         {"record", Listed(structure)}};
+    if (!has_methods) firmware.insert("instance", "");
+    profile_.insert("firmware", std::move(firmware));
+    profile_.insert("keyboard", toml::table{{"zones", zones == 1 || zones == 3 || zones == 4 ? zones : 0},
+                                            {"rgb", FirstItem(record, kItemRgbKeyboard) == kRgbKeyboardThere}});
+    const bool has_light_bar = FirstItem(record, kItemLightBar) == kLightBarThere;
+    toml::table light_bar{{"present", has_light_bar}};
+    if (has_light_bar && has_methods) RecordLightBar(light_bar);
+    profile_.insert("light_bar", std::move(light_bar));
   }
 
   /// What discovery asks the firmware when a light bar is announced.
-  void RecordLightBar() {
+  void RecordLightBar(toml::table& light_bar) {
     std::array<std::uint8_t, 16> answer{};
     if (GetGamingLED(answer.data(), static_cast<std::int32_t>(answer.size())) == 0) {
       return Omit("the firmware's answer to GetGamingLED, which failed");
     }
-    text_ += "report = " + Listed(std::span(answer).subspan(1)) + "\nreturn = " + std::to_string(answer[0]) + "\n";
+    light_bar.insert("report", Listed(std::span(answer).subspan(1)));
+    light_bar.insert("return", answer[0]);
   }
 
   void RecordHidDevice(const platform::HidDevice& device) {
@@ -157,45 +171,45 @@ class Recorder {
                                             [](const HidCollection& each) { return each.caps.UsagePage; });
     if (lighting == descriptor.collections.end()) return;
     const std::size_t length = lighting->caps.FeatureReportByteLength;
-    text_ += "[[hid_keyboard]]\nvendor = " + Number(device.vendor, 4) + "\nproduct = " + Number(device.product, 4) +
-             "\nreport_length = " + std::to_string(std::max<std::size_t>(length, 3)) +
-             "\ndescriptor = " + Listed(device.report_descriptor) +
-             "\nbase_info = " + DeclaredFields(*lighting, kBaseInfoReply, HidKeyboard::kBaseInfoUsages) +
-             "\nupdate = " + DeclaredFields(*lighting, kUpdateReport, HidKeyboard::kUpdateUsages) + "\n";
+    toml::table keyboard{{"vendor", Hexa(device.vendor)},
+                         {"product", Hexa(device.product)},
+                         {"report_length", std::max<std::int64_t>(static_cast<std::int64_t>(length), 3)},
+                         {"descriptor", Listed(device.report_descriptor)},
+                         {"base_info", DeclaredFields(*lighting, kBaseInfoReply, HidKeyboard::kBaseInfoUsages)},
+                         {"update", DeclaredFields(*lighting, kUpdateReport, HidKeyboard::kUpdateUsages)},
+                         {"zones", 0}};  // until it says how many
+    RecordAnswers(device, *lighting, name, keyboard);
+    keyboards_.push_back(std::move(keyboard));
+  }
+
+  void RecordAnswers(const platform::HidDevice& device, const HidCollection& lighting, const std::string& name,
+                     toml::table& keyboard) {
+    const std::size_t length = lighting.caps.FeatureReportByteLength;
     const platform::OpenedHidDevice opened = machine_.OpenHidDevice(device.path);
     const auto attributes = opened.error == ERROR_SUCCESS && length > kReportHead
                                 ? Read(*opened.connection, kAttributeReport, length)
                                 : std::nullopt;
     if (!attributes) {
-      text_ += "answers = false\nzones = 0\n";
+      keyboard.insert("answers", false);
       return Omit(name + "'s answers: " +
                   (opened.error == ERROR_ACCESS_DENIED ? "this user may not open it" : "it does not answer report A1"));
     }
-    const std::size_t claimed = kReportHead + attributes->at(1);
-    text_ += "attribute_reply = " + Listed(Blanked(*attributes, claimed)) + "\n";
-    const auto ids = std::span(*attributes).first(std::min(claimed, length)).subspan(kReportHead);
-    if (std::ranges::find(ids, kKeyboardId) == ids.end()) {
-      text_ += "zones = 0  # no keyboard\n";
-      return;
-    }
-    text_ += "device_ids = " + Listed(ids.first(std::min(ids.size(), kMostIds))) + "\n";
-    RecordBaseInfo(*opened.connection, *lighting, name);
-  }
-
-  void RecordBaseInfo(platform::HidConnection& connection, const HidCollection& lighting, const std::string& name) {
-    const std::size_t length = lighting.caps.FeatureReportByteLength;
+    // Nobody knows what a device puts behind what it claims.
+    const auto claimed = std::span(*attributes).first(std::min(kReportHead + attributes->at(1), length));
+    keyboard.insert("attribute_reply", Listed(claimed));
+    const auto ids = claimed.subspan(kReportHead);
+    if (std::ranges::find(ids, kKeyboardId) == ids.end()) return;
+    keyboard.insert("device_ids", Listed(ids.first(std::min(ids.size(), kMostIds))));
     Bytes request(length);
     request[0] = kBaseInfoRequest;
     request[1] = kKeyboardId;
-    const bool asked = connection.SetFeature(request) == ERROR_SUCCESS;
-    const auto reply = asked ? Read(connection, kBaseInfoReply, length) : std::nullopt;
-    if (!reply) {
-      text_ += "zones = 0\n";
-      return Omit(name + "'s zones and effects: it does not answer report A3");
-    }
+    const bool asked = opened.connection->SetFeature(request) == ERROR_SUCCESS;
+    const auto reply = asked ? Read(*opened.connection, kBaseInfoReply, length) : std::nullopt;
+    if (!reply) return Omit(name + "'s zones and effects: it does not answer report A3");
     const BaseInfo info = ReadBaseInfo(*reply, lighting);
-    text_ += "base_info_reply = " + Listed(Blanked(*reply, info.length)) + "\nzones = " + std::to_string(info.zones) +
-             "\neffects = " + Number(info.effects, 8) + "\n";
+    keyboard.insert("base_info_reply", Listed(std::span(*reply).first(info.length)));
+    keyboard.insert_or_assign("zones", info.zones);
+    keyboard.insert("effects", Hexa(info.effects));
   }
 
   void RecordSwitch(const ServiceSwitch& service_switch) {
@@ -203,25 +217,28 @@ class Recorder {
     if (!value || value->size() != 4) return;
     std::uint32_t number = 0;
     for (std::size_t i = 0; i < 4; ++i) number |= std::uint32_t{value->at(i)} << (8 * i);
-    text_ += "[registry.'" + platform::ReadableUtf8(service_switch.key) + "']\n" +
-             platform::ReadableUtf8(service_switch.value) + " = " + std::to_string(number) + "\n";
+    toml::table& registry = *profile_.insert("registry", toml::table()).first->second.as_table();
+    toml::table& key =
+        *registry.insert(platform::ReadableUtf8(service_switch.key), toml::table()).first->second.as_table();
+    key.insert(platform::ReadableUtf8(service_switch.value), number);
   }
 
   platform::Machine& machine_;
-  std::string text_;
+  toml::table profile_{{"title", "Recorded"}};
+  toml::array keyboards_;
   std::vector<std::string> omissions_;
 };
 
 }  // namespace
 
-Recording Record(platform::Machine& machine) {
-  Recording recording = Recorder(machine).Record();
-  try {
-    simulator::ParseProfile(recording.profile, "the record");
-  } catch (const simulator::ProfileError& error) {
-    throw Complaint(ExitCode::Failed, std::string("this machine cannot be recorded: ") + error.what());
-  }
-  return recording;
+ExitCode RunRecord(Session& session, const TypedValues& typed) {
+  const std::string& file = *typed.Find("FILE");
+  if (file.empty()) throw Complaint(ExitCode::WrongCommandLine, "record: the name of the file is empty");
+  Recorder recorder(*platform::CurrentMachine());
+  WriteNewFile(PathFromUtf8(file), recorder.Record());
+  session.hardware().TakeRefusals();  // the record tells what did not answer
+  std::cout << "written; 'zarnctl --machine " << Harmless(file) << " demo' plays it back\n";
+  return Complain(recorder.omissions()) ? ExitCode::Refused : ExitCode::Done;
 }
 
 }  // namespace zarnctl

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iostream>
 #include <memory>
 #include <new>
 #include <set>
@@ -15,7 +16,9 @@
 #include "hid/lighting_hid.h"
 #include "platform/standin/text.h"
 #include "platform/system.h"
+#include "zarnctl/commands.h"
 #include "zarnctl/log_watch.h"
+#include "zarnctl/session.h"
 #include "zarnctl/switches.h"
 #include "zarnctl/text.h"
 
@@ -237,6 +240,22 @@ std::vector<Finding> Examine(const Symptoms& symptoms, const Remedies& remedies)
   examination.ExamineFirmwareClass();
   examination.Conclude();
   return examination.Take();
+}
+
+ExitCode RunDoctor(Session& session, const TypedValues& /*typed*/) {
+  Symptoms symptoms;
+  const LogWatch log;
+  try {
+    symptoms.discovered = session.Discovered().names;
+  } catch (const Complaint& complaint) {
+    std::cout << LineOf({Finding::Kind::Missing, complaint.what(), ""}) << "\n";
+  }
+  symptoms.log = log.NewLines();
+  session.hardware().LookAtDevices(symptoms);
+  for (const Finding& finding : Examine(symptoms, session.hardware().RemediesHere())) {
+    std::cout << LineOf(finding) << "\n";
+  }
+  return symptoms.discovered.empty() ? ExitCode::NothingThere : ExitCode::Done;
 }
 
 std::string LineOf(const Finding& finding) {

@@ -1,0 +1,112 @@
+#include "zarnctl/linux/simulated_notebook.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "platform/standin/machine.h"
+#include "simulator/notebook.h"
+#include "simulator/road/notebook_machine.h"
+#include "zarnctl/complaint.h"
+#include "zarnctl/linux/layer_hardware.h"
+#include "zarnctl/text.h"
+
+namespace zarnctl {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kExtension = ".toml";
+
+/// The folder of an installed program, or the source tree of one that is not installed.
+fs::path ProfileFolder() {
+  std::error_code error;
+  const fs::path program = fs::read_symlink("/proc/self/exe", error);
+  fs::path installed = program.parent_path().parent_path() / "share" / "zarn" / "profiles";
+  return fs::is_directory(installed, error) ? installed : fs::path(ZARN_PROFILE_DIR);
+}
+
+std::string ShippedProfiles() {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (const fs::directory_entry& entry : fs::directory_iterator(ProfileFolder(), error)) {
+    if (entry.path().extension() == kExtension) names.push_back(entry.path().stem().string());
+  }
+  std::ranges::sort(names);
+  return names.empty() ? "none, " + ProfileFolder().string() + " is empty" : Alternatives(names);
+}
+
+/// A bare name is looked for among the shipped profiles first; everything else is a file.
+fs::path ProfileFile(const std::string& profile) {
+  fs::path given(profile);
+  const bool bare = !given.has_parent_path() && given.extension() != kExtension;
+  if (!bare) return given;
+  fs::path shipped = ProfileFolder() / (profile + std::string(kExtension));
+  std::error_code error;
+  if (fs::is_regular_file(shipped, error)) return shipped;
+  if (fs::is_regular_file(given, error)) return given;
+  throw Complaint(ExitCode::WrongCommandLine,
+                  "--machine " + profile + ": no such file or profile; the shipped profiles are " + ShippedProfiles());
+}
+
+simulator::Profile ReadProfile(const fs::path& file) {
+  try {
+    return simulator::LoadProfile(file);
+  } catch (const simulator::ProfileError& error) {
+    throw Complaint(ExitCode::Failed, error.what());
+  }
+}
+
+std::string RefusalText(const simulator::WireRecord& record) {
+  if (!record.hid_keyboard) return "the firmware refused " + record.method + ": " + record.refusal;
+  return "HID keyboard " + std::to_string(*record.hid_keyboard + 1) + ", " + record.method + ": " + record.refusal;
+}
+
+class SimulatedNotebook final : public LayerHardware {
+ public:
+  SimulatedNotebook(simulator::Profile profile, bool trace)
+      : LayerHardware(trace), notebook_(std::make_shared<simulator::Notebook>(std::move(profile))) {
+    if (!platform::UseMachine(simulator::MakeMachine(notebook_))) {
+      throw Complaint(ExitCode::Failed, "the notebook cannot be exchanged while the plug-in uses another one");
+    }
+  }
+
+  std::string Name() const override { return "the notebook \"" + notebook_->profile().title + "\""; }
+
+  std::vector<Panel> Panels() const override { return PanelsOf(*notebook_); }
+
+  /// By the wire, since the notebook says why it refuses.
+  Exchanges TakeExchanges(const std::string& /*device*/) override {
+    const std::vector<simulator::WireRecord> wire = notebook_->TakeWire();
+    Exchanges exchanges{.none = wire.empty(), .failures = {}, .doubt = ""};
+    for (const simulator::WireRecord& record : wire) {
+      if (record.refusal.empty()) continue;
+      std::string text = RefusalText(record);
+      if (std::ranges::count(exchanges.failures, text) == 0) exchanges.failures.push_back(std::move(text));
+    }
+    return exchanges;
+  }
+
+  Remedies RemediesHere() const override {
+    Remedies remedies;
+    remedies.nothing_discovered = "'zarnctl doctor' tells why";
+    remedies.switches = "[log] and [registry] in the profile set it";
+    remedies.no_log = kNoLog;
+    remedies.no_table = "[firmware] in the profile makes one";
+    remedies.no_firmware_class = "[firmware] in the profile makes one, unless its instance is empty";
+    return remedies;
+  }
+
+ private:
+  const std::shared_ptr<simulator::Notebook> notebook_;
+};
+
+}  // namespace
+
+std::unique_ptr<Hardware> SimulateNotebook(const std::string& profile, bool trace) {
+  return std::make_unique<SimulatedNotebook>(ReadProfile(ProfileFile(profile)), trace);
+}
+
+}  // namespace zarnctl
