@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <string_view>
 
 #include "zarnctl/complaint.h"
 #include "zarnctl/text.h"
@@ -22,90 +21,75 @@ Complaint Wrong(const std::string& line) { return {ExitCode::WrongCommandLine, l
 
 bool Has(const ModeRecord& mode, std::uint32_t capability) { return (mode.capabilities & capability) != 0; }
 
-struct Range {
-  std::string_view option;  // "--speed"
-  std::string_view noun;    // "speed"
+struct Setting {
+  const char* option;
   std::uint32_t capability;
-  std::uint32_t lowest;
-  std::uint32_t highest;
+  std::uint32_t ModeRecord::*lowest;
+  std::uint32_t ModeRecord::*highest;
+  std::uint32_t ModeRecord::*value;
 };
+constexpr std::array kSettings{
+    Setting{"--speed", ModeCapability::SpeedAdjustable, &ModeRecord::speed_lowest, &ModeRecord::speed_highest,
+            &ModeRecord::speed_setting},
+    Setting{"--brightness", ModeCapability::BrightnessAdjustable, &ModeRecord::brightness_lowest,
+            &ModeRecord::brightness_highest, &ModeRecord::brightness_setting}};
 
-void Apply(const ModeRecord& mode, const Range& range, std::optional<std::uint32_t> wanted, std::uint32_t& setting) {
-  if (!wanted) return;
-  const std::string option(range.option);
-  if (!Has(mode, range.capability)) throw Wrong(option + ": " + mode.label + " has no " + std::string(range.noun));
-  if (*wanted < range.lowest || *wanted > range.highest) {
-    throw Wrong(option + " " + std::to_string(*wanted) + ": " + mode.label + " takes " + std::to_string(range.lowest) +
-                " to " + std::to_string(range.highest));
+void Apply(ModeRecord& mode, const Setting& setting, const std::string& word) {
+  const std::string option = setting.option;
+  if (!Has(mode, setting.capability)) throw Wrong(option + ": " + mode.label + " has no " + option.substr(2));
+  const std::uint32_t wanted = ReadNumber(option, word);
+  if (wanted < mode.*setting.lowest || wanted > mode.*setting.highest) {
+    throw Wrong(option + " " + std::to_string(wanted) + ": " + mode.label + " takes " +
+                std::to_string(mode.*setting.lowest) + " to " + std::to_string(mode.*setting.highest));
   }
-  setting = *wanted;
+  mode.*setting.value = wanted;
 }
 
-void ApplyDirection(ModeRecord& mode, std::optional<std::uint32_t> wanted) {
-  if (!wanted) return;
+void ApplyDirection(ModeRecord& mode, const std::string& word) {
   const std::vector<std::uint32_t> allowed = DirectionsOf(mode);
   if (allowed.empty()) throw Wrong("--direction: " + mode.label + " has no direction");
-  if (std::find(allowed.begin(), allowed.end(), *wanted) == allowed.end()) {
+  const std::uint32_t wanted = ReadNumber("--direction", word);
+  if (std::ranges::count(allowed, wanted) == 0) {
     std::vector<std::string> names;
-    std::transform(allowed.begin(), allowed.end(), std::back_inserter(names),
-                   [](std::uint32_t direction) { return std::to_string(direction); });
-    throw Wrong("--direction " + std::to_string(*wanted) + ": " + mode.label + " takes " + Alternatives(names));
+    for (const std::uint32_t direction : allowed) names.push_back(std::to_string(direction));
+    throw Wrong("--direction " + std::to_string(wanted) + ": " + mode.label + " takes " + Alternatives(names));
   }
-  mode.direction_setting = *wanted;
+  mode.direction_setting = wanted;
 }
 
-void ApplyColor(ModeRecord& mode, std::optional<PackedColor> wanted) {
-  if (!wanted) return;
+void ApplyColor(ModeRecord& mode, const std::string& word) {
   if (mode.color_source == ColorSource::PerLedColors) {
     throw Wrong("--color: " + mode.label + " shows a colour per LED; use 'zarnctl leds'");
   }
   if (mode.color_source != ColorSource::ModeColors || mode.color_count_most == 0) {
     throw Wrong("--color: " + mode.label + " shows no colour of its own");
   }
-  mode.mode_colors.assign(std::max<std::size_t>(1, mode.color_count_least), *wanted);
-}
-
-std::optional<std::uint32_t> ReadSetting(const TypedValues& typed, std::string_view option) {
-  const std::string* const word = typed.Find(option);
-  return word != nullptr ? std::optional(ReadNumber(option, *word)) : std::nullopt;
+  mode.mode_colors.assign(std::max<std::size_t>(1, mode.color_count_least), ReadColor("--color", word));
 }
 
 }  // namespace
 
-ModeSettings ReadModeSettings(const TypedValues& typed) {
-  const std::string* const color = typed.Find("--color");
-  return {.speed = ReadSetting(typed, "--speed"),
-          .brightness = ReadSetting(typed, "--brightness"),
-          .direction = ReadSetting(typed, "--direction"),
-          .color = color != nullptr ? std::optional(ReadColor("--color", *color)) : std::nullopt};
-}
-
 std::int32_t FindMode(const std::vector<ModeRecord>& modes, const std::string& name) {
-  const auto found = std::find_if(modes.begin(), modes.end(),
-                                  [&](const ModeRecord& mode) { return EqualWithoutCase(mode.label, name); });
-  if (found != modes.end()) return static_cast<std::int32_t>(found - modes.begin());
   std::vector<std::string> names;
-  std::transform(modes.begin(), modes.end(), std::back_inserter(names),
-                 [](const ModeRecord& mode) { return mode.label; });
+  for (const ModeRecord& mode : modes) {
+    if (EqualWithoutCase(mode.label, name)) return static_cast<std::int32_t>(names.size());
+    names.push_back(mode.label);
+  }
   throw Wrong("--mode " + name + ": the modes are " + Alternatives(names));
 }
 
 std::int32_t FindPerLedMode(const std::vector<ModeRecord>& modes) {
-  const auto found = std::find_if(modes.begin(), modes.end(), [](const ModeRecord& mode) {
-    return mode.color_source == ColorSource::PerLedColors;
-  });
+  const auto found = std::ranges::find(modes, ColorSource::PerLedColors, &ModeRecord::color_source);
   if (found == modes.end()) throw Wrong("leds: the device has no mode that shows a colour per LED");
   return static_cast<std::int32_t>(found - modes.begin());
 }
 
-ModeRecord WithSettings(ModeRecord mode, const ModeSettings& settings) {
-  const Range speed{"--speed", "speed", ModeCapability::SpeedAdjustable, mode.speed_lowest, mode.speed_highest};
-  const Range brightness{"--brightness", "brightness", ModeCapability::BrightnessAdjustable, mode.brightness_lowest,
-                         mode.brightness_highest};
-  Apply(mode, speed, settings.speed, mode.speed_setting);
-  Apply(mode, brightness, settings.brightness, mode.brightness_setting);
-  ApplyDirection(mode, settings.direction);
-  ApplyColor(mode, settings.color);
+ModeRecord WithSettings(ModeRecord mode, const TypedValues& typed) {
+  for (const Setting& setting : kSettings) {
+    if (const std::string* const word = typed.Find(setting.option)) Apply(mode, setting, *word);
+  }
+  if (const std::string* const word = typed.Find("--direction")) ApplyDirection(mode, *word);
+  if (const std::string* const word = typed.Find("--color")) ApplyColor(mode, *word);
   return mode;
 }
 

@@ -3,8 +3,8 @@
 /// Pure functions; any thread. All throw Complaint with what is wrong and what is allowed.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,23 +13,13 @@
 
 namespace zarnctl {
 
-struct ModeSettings {
-  std::optional<std::uint32_t> speed;
-  std::optional<std::uint32_t> brightness;
-  std::optional<std::uint32_t> direction;
-  std::optional<PackedColor> color;
-};
-
-/// What was typed for --speed, --brightness, --direction and --color.
-ModeSettings ReadModeSettings(const TypedValues& typed);
-
 /// The position in `modes` of the mode called `name`, in any case.
 std::int32_t FindMode(const std::vector<ModeRecord>& modes, const std::string& name);
 /// The position in `modes` of the mode that shows a colour per LED.
 std::int32_t FindPerLedMode(const std::vector<ModeRecord>& modes);
 
-/// `mode` with the given settings; those that are not given stay as they are.
-ModeRecord WithSettings(ModeRecord mode, const ModeSettings& settings);
+/// `mode` with what was typed for --speed, --brightness, --direction and --color; the rest stays as it is.
+ModeRecord WithSettings(ModeRecord mode, const TypedValues& typed);
 
 /// The values that `direction_setting` may take, in ascending order.
 std::vector<std::uint32_t> DirectionsOf(const ModeRecord& mode);

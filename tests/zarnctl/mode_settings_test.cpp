@@ -40,22 +40,26 @@ std::string LineOf(const std::function<void()>& action) {
 TEST(Settings, WhatAModeDoesNotTakeIsRefusedWithWhatItTakes) {
   const struct {
     ModeRecord mode;
-    ModeSettings settings;
+    const char* option;
+    const char* word;
     std::string line;
   } cases[] = {
-      {kWave, {10, {}, {}, {}}, "--speed 10: WAVE takes 1 to 9"},
-      {kWave, {0, {}, {}, {}}, "--speed 0: WAVE takes 1 to 9"},
-      {kWave, {{}, 101, {}, {}}, "--brightness 101: WAVE takes 0 to 100"},
-      {kWave, {{}, {}, 6, {}}, "--direction 6: WAVE takes 0, 1, 2, 3, 4 or 5"},
-      {kShifting, {{}, {}, 2, {}}, "--direction 2: SHIFTING takes 0 or 1"},
-      {Mode("Fixed", 0x20, ColorSource::PerLedColors), {{}, 50, {}, {}}, "--brightness: Fixed has no brightness"},
-      {kDirect, {1, {}, {}, {}}, "--speed: Direct has no speed"},
-      {kDirect, {{}, {}, 0, {}}, "--direction: Direct has no direction"},
-      {kDirect, {{}, {}, {}, 1}, "--color: Direct shows a colour per LED; use 'zarnctl leds'"},
-      {kWave, {{}, {}, {}, 1}, "--color: WAVE shows no colour of its own"},
+      {kWave, "--speed", "10", "--speed 10: WAVE takes 1 to 9"},
+      {kWave, "--speed", "0", "--speed 0: WAVE takes 1 to 9"},
+      {kWave, "--speed", "fast", "--speed fast: a whole number is needed"},
+      {kWave, "--brightness", "101", "--brightness 101: WAVE takes 0 to 100"},
+      {kWave, "--direction", "6", "--direction 6: WAVE takes 0, 1, 2, 3, 4 or 5"},
+      {kShifting, "--direction", "2", "--direction 2: SHIFTING takes 0 or 1"},
+      {Mode("Fixed", 0x20, ColorSource::PerLedColors), "--brightness", "50", "--brightness: Fixed has no brightness"},
+      {kDirect, "--speed", "1", "--speed: Direct has no speed"},
+      {kDirect, "--direction", "0", "--direction: Direct has no direction"},
+      {kDirect, "--color", "ff0000", "--color: Direct shows a colour per LED; use 'zarnctl leds'"},
+      {kWave, "--color", "ff0000", "--color: WAVE shows no colour of its own"},
   };
-  for (const auto& [mode, settings, line] : cases) {
-    EXPECT_EQ(LineOf([&, &mode = mode, &settings = settings] { WithSettings(mode, settings); }), line);
+  for (const auto& [mode, option, word, line] : cases) {
+    TypedValues typed;
+    typed.Add(option, {word});
+    EXPECT_EQ(LineOf([&, &mode = mode] { WithSettings(mode, typed); }), line);
   }
 }
 

@@ -7,12 +7,11 @@
 namespace zarnctl {
 
 ExitCode RunSet(Session& session, const TypedValues& typed) {
-  const ModeSettings settings = ReadModeSettings(typed);
   const std::string& name = session.FindName(*typed.Find("DEVICE"));
   zarn::host::Device device = session.Create(name);
   const std::vector<ModeRecord> modes = Describe(device).mode_list;
   const std::int32_t index = FindMode(modes, *typed.Find("--mode"));
-  Check(device.SetMode(index, WithSettings(modes.at(static_cast<std::size_t>(index)), settings)));
+  Check(device.SetMode(index, WithSettings(modes.at(static_cast<std::size_t>(index)), typed)));
   return session.Push(device, name);
 }
 
