@@ -52,9 +52,8 @@ HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share_mode, LPSECURITY_ATTR
 }
 
 BOOL CloseHandle(HANDLE handle) {
-  static constexpr Call<BOOL> kCloseHandle = SureCall<BOOL>("CloseHandle");
-  return Pass(
-      kCloseHandle, [&] { return DescribedHandle(handle); }, [&] { return Close(handle); });
+  static constexpr Call<BOOL> kCloseHandle = Sure(ZeroCall<BOOL>("CloseHandle", ERROR_INVALID_HANDLE));
+  return Pass(kCloseHandle, AskedOf(handle), [&] { return Close(handle); });
 }
 
 }  // extern "C"

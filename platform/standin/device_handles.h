@@ -16,6 +16,11 @@ std::shared_ptr<const HidInterface> InterfaceOf(HANDLE handle);
 /// A handle as the journal has it: by the path it opened.
 std::string DescribedHandle(HANDLE handle);
 
+/// The arguments of a call that has none but the handle.
+inline auto AskedOf(HANDLE handle) {
+  return [handle] { return std::vector{DescribedHandle(handle)}; };
+}
+
 /// A call that answers INVALID_HANDLE_VALUE when it fails.
 inline Call<HANDLE> HandleCall(const char* name, LONG last_error) {
   return {.name = name,

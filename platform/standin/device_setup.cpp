@@ -14,7 +14,7 @@ constexpr std::size_t kPathOffset = offsetof(SP_DEVICE_INTERFACE_DETAIL_DATA_W, 
 constexpr Call<Nothing> kHidD_GetHidGuid = SureCall("HidD_GetHidGuid");
 constexpr Call<BOOL> kEnumerate = ZeroCall<BOOL>("SetupDiEnumDeviceInterfaces", ERROR_INVALID_DATA);
 constexpr Call<BOOL> kGetDetail = ZeroCall<BOOL>("SetupDiGetDeviceInterfaceDetailW", ERROR_INVALID_DATA);
-constexpr Call<BOOL> kDestroy = SureCall<BOOL>("SetupDiDestroyDeviceInfoList");
+constexpr Call<BOOL> kDestroy = Sure(ZeroCall<BOOL>("SetupDiDestroyDeviceInfoList", ERROR_INVALID_HANDLE));
 
 /// The paths of the interfaces that were there when the set was made.
 using DeviceSet = std::shared_ptr<const std::vector<std::wstring>>;

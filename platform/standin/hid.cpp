@@ -12,7 +12,7 @@ namespace {
 
 constexpr Call<BOOLEAN> kGetAttributes = ZeroCall<BOOLEAN>("HidD_GetAttributes", ERROR_GEN_FAILURE);
 constexpr Call<BOOLEAN> kGetPreparsedData = ZeroCall<BOOLEAN>("HidD_GetPreparsedData", ERROR_GEN_FAILURE);
-constexpr Call<BOOLEAN> kFreePreparsedData = SureCall<BOOLEAN>("HidD_FreePreparsedData");
+constexpr Call<BOOLEAN> kFreePreparsedData = Sure(ZeroCall<BOOLEAN>("HidD_FreePreparsedData", ERROR_INVALID_PARAMETER));
 constexpr Call<NTSTATUS> kGetCaps =
     ComCall("HidP_GetCaps", HIDP_STATUS_INVALID_PREPARSED_DATA, HIDP_STATUS_INVALID_PREPARSED_DATA);
 constexpr Call<NTSTATUS> kGetValueCaps =
@@ -109,13 +109,11 @@ std::string BytesOf(const void* report, ULONG length) {
 extern "C" {
 
 BOOLEAN HidD_GetAttributes(HANDLE handle, PHIDD_ATTRIBUTES attributes) {
-  return Pass(
-      kGetAttributes, [&] { return DescribedHandle(handle); }, [&] { return GetAttributes(handle, attributes); });
+  return Pass(kGetAttributes, AskedOf(handle), [&] { return GetAttributes(handle, attributes); });
 }
 
 BOOLEAN HidD_GetPreparsedData(HANDLE handle, PHIDP_PREPARSED_DATA* preparsed) {
-  return Pass(
-      kGetPreparsedData, [&] { return DescribedHandle(handle); }, [&] { return GetPreparsedData(handle, preparsed); });
+  return Pass(kGetPreparsedData, AskedOf(handle), [&] { return GetPreparsedData(handle, preparsed); });
 }
 
 BOOLEAN HidD_FreePreparsedData(PHIDP_PREPARSED_DATA preparsed) {
@@ -140,7 +138,7 @@ BOOLEAN HidD_SetFeature(HANDLE handle, PVOID report, ULONG length) {
   return Pass(
       kSetFeature,
       [&] {
-        return Listed({DescribedHandle(handle), BytesOf(report, length)});
+        return std::vector{DescribedHandle(handle), BytesOf(report, length)};
       },
       [&] {
         return ExchangeFeature("HidD_SetFeature", handle, report, length,
@@ -152,7 +150,7 @@ BOOLEAN HidD_GetFeature(HANDLE handle, PVOID report, ULONG length) {
   return Pass(
       kGetFeature,
       [&] {
-        return Listed({DescribedHandle(handle), BytesOf(report, report != nullptr && length > 0 ? 1 : 0)});
+        return std::vector{DescribedHandle(handle), BytesOf(report, report != nullptr && length > 0 ? 1 : 0)};
       },
       [&] {
         return ExchangeFeature("HidD_GetFeature", handle, report, length,

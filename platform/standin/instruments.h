@@ -14,11 +14,18 @@ namespace platform {
 struct JournalEntry {
   /// The platform's own name, "RegOpenKeyExW" or "IWbemServices::ExecMethod".
   std::string call;
+  /// What the call is about, the first of its arguments: a device's path for calls on its handle, an instance's path
+  /// for ExecMethod, a key's name for calls on it.
+  std::string subject;
   /// What tells this call from another one of that name: the arguments the caller chose, values in full
   /// (byte arrays in hexadecimal).
   std::string arguments;
   /// The result, and what was handed back where that is a value.
   std::string result;
+  bool failed = false;
+  /// Of a call that failed: the HRESULT or NTSTATUS that it answered, the registry's status, or the last error that it
+  /// set. 0 for a call that has no code for its failure, as for one that did not fail.
+  std::uint32_t code = 0;
 };
 
 using Journal = std::function<void(const JournalEntry&)>;

@@ -48,7 +48,7 @@ std::string Described(const wchar_t* text) { return text != nullptr ? ReadableUt
 
 std::string Described(const char* text) { return text != nullptr ? text : "null"; }
 
-std::string Listed(std::initializer_list<std::string> parts) {
+std::string Listed(const std::vector<std::string>& parts) {
   std::string list;
   for (const std::string& part : parts) {
     if (!list.empty() && !part.empty()) list += ", ";

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <concepts>
-#include <initializer_list>
 #include <string>
+#include <vector>
 
 #include "platform/standin/machine.h"
 #include "platform/standin/wmi_api.h"
@@ -20,7 +20,7 @@ std::string Described(const char* text);
 std::string Described(std::integral auto number) { return std::to_string(number); }
 
 /// The parts that are not empty, with ", " between them.
-std::string Listed(std::initializer_list<std::string> parts);
+std::string Listed(const std::vector<std::string>& parts);
 
 /// A result code in hexadecimal.
 std::string CodeText(HRESULT code);

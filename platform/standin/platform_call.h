@@ -8,9 +8,11 @@
 
 #include <atomic>
 #include <new>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "platform/standin/instruments.h"
 #include "platform/standin/journal_text.h"
@@ -33,6 +35,14 @@ void Deliver(const JournalEntry& entry);
 /// What a call that answers nothing passes back.
 struct Nothing {};
 
+/// What of a call's answer is a failure, and what tells its code.
+enum class FailsBy {
+  Nothing,  // it cannot fail
+  Result,   // an HRESULT or NTSTATUS below 0, the code itself
+  Status,   // any status but ERROR_SUCCESS, the code itself
+  Answer    // Call::failure; the code is the last error, where the call sets one
+};
+
 /// An answer as the journal has it, unless it is a result code.
 template <typename Answer>
 std::string AnswerText(Answer answer) {
@@ -51,6 +61,7 @@ struct Call {
   const char* name = nullptr;
   Answer failure = {};
   Answer out_of_memory = {};
+  FailsBy fails_by = FailsBy::Answer;
   std::string (*answer_text)(Answer) = AnswerText<Answer>;
   /// The last error that a failure sets; ERROR_SUCCESS where a call keeps none.
   LONG last_error = ERROR_SUCCESS;
@@ -59,7 +70,11 @@ struct Call {
 };
 
 constexpr Call<HRESULT> ComCall(const char* name, HRESULT failure, HRESULT out_of_memory) {
-  return {.name = name, .failure = failure, .out_of_memory = out_of_memory, .answer_text = CodeText};
+  return {.name = name,
+          .failure = failure,
+          .out_of_memory = out_of_memory,
+          .fails_by = FailsBy::Result,
+          .answer_text = CodeText};
 }
 
 constexpr Call<HRESULT> ObjectCall(const char* name, HRESULT failure, HRESULT out_of_memory) {
@@ -69,7 +84,7 @@ constexpr Call<HRESULT> ObjectCall(const char* name, HRESULT failure, HRESULT ou
 }
 
 constexpr Call<LONG> StatusCall(const char* name, LONG failure) {
-  return {.name = name, .failure = failure, .out_of_memory = ERROR_NOT_ENOUGH_MEMORY};
+  return {.name = name, .failure = failure, .out_of_memory = ERROR_NOT_ENOUGH_MEMORY, .fails_by = FailsBy::Status};
 }
 
 /// A call that answers 0, FALSE or null when it fails.
@@ -80,11 +95,12 @@ constexpr Call<Answer> ZeroCall(const char* name, LONG last_error = ERROR_SUCCES
 
 template <typename Answer = Nothing>
 constexpr Call<Answer> SureCall(const char* name) {
-  return {.name = name, .failure = {}, .out_of_memory = {}, .fallible = false};
+  return {.name = name, .failure = {}, .out_of_memory = {}, .fails_by = FailsBy::Nothing, .fallible = false};
 }
 
-constexpr Call<HRESULT> SureComCall(const char* name) {
-  Call<HRESULT> call = ComCall(name, E_FAIL, E_OUTOFMEMORY);
+/// The same call, which the fault plan passes over: it fails by misuse alone.
+template <typename Answer>
+constexpr Call<Answer> Sure(Call<Answer> call) {
   call.fallible = false;
   return call;
 }
@@ -114,24 +130,38 @@ Answer Attempt(const Call<Answer>& call, const Body& body, bool faults_armed) no
   }
 }
 
-/// Text for the journal; a part for which there is no memory stays empty.
-template <typename Compose>
-std::string Composed(const Compose& compose) noexcept {
-  try {
-    return compose();
-  } catch (...) {
-    return {};
-  }
+/// The arguments of a call for its journal entry, read only if there is one.
+template <typename... Values>
+auto Asked(const Values&... values) {
+  return [&] { return std::vector<std::string>{Described(values)...}; };
 }
 
-/// An answer as the journal has it: with the last error, if it is a failure that sets one.
+/// The code of a failure, nothing for a success; see JournalEntry.
 template <typename Answer>
-std::string OutcomeText(const Call<Answer>& call, Answer answer) {
-  std::string text = call.answer_text(answer);
-  if constexpr (!std::is_same_v<Answer, Nothing>) {
-    if (call.last_error != ERROR_SUCCESS && answer == call.failure) text += ", error " + std::to_string(ThreadError());
+std::optional<std::uint32_t> FailureCode(const Call<Answer>& call, Answer answer) {
+  if constexpr (std::is_integral_v<Answer>) {
+    const auto code = static_cast<std::uint32_t>(answer);
+    if (call.fails_by == FailsBy::Result) return FAILED(answer) ? std::optional(code) : std::nullopt;
+    if (call.fails_by == FailsBy::Status) return answer != ERROR_SUCCESS ? std::optional(code) : std::nullopt;
   }
-  return text;
+  if constexpr (!std::is_same_v<Answer, Nothing>) {
+    if (call.fails_by == FailsBy::Answer && answer == call.failure) {
+      return call.last_error != ERROR_SUCCESS ? static_cast<std::uint32_t>(ThreadError()) : 0;
+    }
+  }
+  return std::nullopt;
+}
+
+/// Fills in what came of a call: with the last error, if it is a failure that sets one.
+template <typename Answer>
+void NoteOutcome(const Call<Answer>& call, Answer answer, const std::string& handed_back, JournalEntry& entry) {
+  const std::optional<std::uint32_t> code = FailureCode(call, answer);
+  const bool sets_error = code && call.last_error != ERROR_SUCCESS;
+  // An answer that is also the failure's, an empty variable's length of 0, is a success if the last error says so.
+  entry.failed = code && !(sets_error && *code == 0);
+  entry.code = code.value_or(0);
+  const std::string error = sets_error ? ", error " + std::to_string(*code) : "";
+  entry.result = Listed({call.answer_text(answer) + error, handed_back});
 }
 
 /// Makes the call `body` does. For the journal `arguments()` tells what was asked, before the body runs, and
@@ -142,10 +172,19 @@ Answer Pass(const Call<Answer>& call, const Arguments& arguments, const Body& bo
   const unsigned armed = g_instruments.load(std::memory_order_relaxed);
   if ((armed & kJournalArmed) == 0) return Attempt(call, body, (armed & kFaultsArmed) != 0);
 
-  std::string asked = Composed(arguments);
+  JournalEntry entry;
+  try {
+    const std::vector<std::string> asked = arguments();
+    entry.call = call.name;
+    entry.arguments = Listed(asked);
+    if (!asked.empty()) entry.subject = asked.front();
+  } catch (...) {
+    // What there is no memory for stays empty; the call is made all the same.
+  }
   const Answer answer = Attempt(call, body, (armed & kFaultsArmed) != 0);
   try {
-    Deliver({call.name, std::move(asked), Listed({OutcomeText(call, answer), handed_back(answer)})});
+    NoteOutcome(call, answer, handed_back(answer), entry);
+    Deliver(entry);
   } catch (...) {
     // An entry that cannot be composed, or that its listener will not have, is lost; the call has been made.
   }
@@ -161,12 +200,6 @@ Answer Pass(const Call<Answer>& call, const Arguments& arguments, const Body& bo
 template <typename Object>
 void Empty(Object** place) noexcept {
   if (place != nullptr) *place = nullptr;
-}
-
-/// The arguments of a call for its journal entry, read only if there is one.
-template <typename... Values>
-auto Asked(const Values&... values) {
-  return [&] { return Listed({Described(values)...}); };
 }
 
 }  // namespace platform

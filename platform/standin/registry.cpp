@@ -14,7 +14,7 @@ namespace {
 
 constexpr Call<LONG> kRegOpenKeyExW = StatusCall("RegOpenKeyExW", ERROR_FILE_NOT_FOUND);
 constexpr Call<LONG> kRegQueryValueExW = StatusCall("RegQueryValueExW", ERROR_FILE_NOT_FOUND);
-constexpr Call<LONG> kRegCloseKey = SureCall<LONG>("RegCloseKey");
+constexpr Call<LONG> kRegCloseKey = Sure(StatusCall("RegCloseKey", ERROR_INVALID_HANDLE));
 
 /// The names of the open keys.
 OpenThings<std::wstring>& Keys() {
@@ -76,7 +76,7 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD /*reserved*/, LPDWORD type
   return Pass(
       kRegQueryValueExW,
       [&] {
-        return Listed({DescribedKey(key), Described(name)});
+        return std::vector{DescribedKey(key), Described(name)};
       },
       [&] { return Query(key, name, type, data, size); },
       [&](LONG result) {
@@ -87,7 +87,7 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD /*reserved*/, LPDWORD type
 
 LONG RegCloseKey(HKEY key) {
   return Pass(
-      kRegCloseKey, [&] { return DescribedKey(key); }, [&] { return CloseKey(key); });
+      kRegCloseKey, [&] { return std::vector{DescribedKey(key)}; }, [&] { return CloseKey(key); });
 }
 
 }  // extern "C"

@@ -9,8 +9,8 @@ namespace {
 
 constexpr Call<SAFEARRAY*> kSafeArrayCreate = ZeroCall<SAFEARRAY*>("SafeArrayCreate");
 constexpr Call<HRESULT> kSafeArrayAccessData = ComCall("SafeArrayAccessData", E_FAIL, E_OUTOFMEMORY);
-constexpr Call<HRESULT> kSafeArrayUnaccessData = SureComCall("SafeArrayUnaccessData");
-constexpr Call<HRESULT> kSafeArrayDestroy = SureComCall("SafeArrayDestroy");
+constexpr Call<HRESULT> kSafeArrayUnaccessData = Sure(ComCall("SafeArrayUnaccessData", E_FAIL, E_OUTOFMEMORY));
+constexpr Call<HRESULT> kSafeArrayDestroy = Sure(ComCall("SafeArrayDestroy", E_FAIL, E_OUTOFMEMORY));
 
 HRESULT Lock(SAFEARRAY* array, void** data) {
   if (array == nullptr || data == nullptr) return E_INVALIDARG;

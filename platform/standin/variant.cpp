@@ -7,7 +7,7 @@ namespace platform {
 namespace {
 
 constexpr Call<Nothing> kVariantInit = SureCall("VariantInit");
-constexpr Call<HRESULT> kVariantClear = SureComCall("VariantClear");
+constexpr Call<HRESULT> kVariantClear = Sure(ComCall("VariantClear", E_FAIL, E_OUTOFMEMORY));
 constexpr Call<HRESULT> kVariantCopy = ComCall("VariantCopy", E_OUTOFMEMORY, E_OUTOFMEMORY);
 constexpr Call<HRESULT> kVariantChangeType = ComCall("VariantChangeType", E_OUTOFMEMORY, E_OUTOFMEMORY);
 

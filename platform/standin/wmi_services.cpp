@@ -91,7 +91,7 @@ HRESULT WmiServices::ExecMethod(BSTR path, BSTR method, LONG /*flags*/, IWbemCon
   return Pass(
       kExecMethod,
       [&] {
-        return Listed({Described(path), Described(method), Described(ValuesOf(in_params))});
+        return std::vector{Described(path), Described(method), Described(ValuesOf(in_params))};
       },
       [&] { return RunMethod(View(path), View(method), in_params, out_params); },
       [&](HRESULT) { return Described(ValuesOf(out_params != nullptr ? *out_params : nullptr)); });

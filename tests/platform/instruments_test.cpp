@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "platform/hid.h"
 #include "platform/registry.h"
 #include "platform/system.h"
 #include "tests/platform/management_session.h"
@@ -40,6 +41,30 @@ TEST_F(InstrumentsTest, CallsFailInTheirOwnWayAndDoNothing) {
   std::wofstream stream;
   EXPECT_TRUE(
       Failing([&] { return platform::OpenToAppend(stream, (folder.path() / "a").wstring().c_str()), stream.fail(); }));
+}
+
+TEST_F(InstrumentsTest, JournalTellsWhatACallWasAboutAndHowItFailed) {
+  const std::wstring device = machine->Plug(test::VendorCollection(0xFF5A, {}, 1)).device.path;
+  machine->hid_devices.back()->fail = [](auto) { return ERROR_SEM_TIMEOUT; };
+  machine->environment[L"EMPTY"] = L"";
+  std::vector<std::string> entries;
+  platform::SetJournal([&](const platform::JournalEntry& entry) {
+    entries.push_back(entry.call + " | " + entry.subject + " | " + (entry.failed ? "failed " : "") +
+                      std::to_string(entry.code));
+  });
+  const HANDLE handle = CreateFileW(device.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  std::uint8_t report[] = {0xA4, 7};
+  HidD_SetFeature(handle, report, sizeof(report));
+  CloseHandle(handle);
+  HKEY key = nullptr;
+  RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"A", 0, KEY_READ, &key);
+  wchar_t wide[8] = L"";
+  for (const wchar_t* const variable : {L"EMPTY", L"NONE"}) GetEnvironmentVariableW(variable, wide, 8);
+  platform::SetJournal({});
+  EXPECT_EQ(entries, (std::vector<std::string>{
+                         R"(CreateFileW | \\?\hid#test#01 | 0)", R"(HidD_SetFeature | \\?\hid#test#01 | failed 121)",
+                         R"(CloseHandle | \\?\hid#test#01 | 0)", "RegOpenKeyExW | A | failed 2",
+                         "GetEnvironmentVariableW | EMPTY | 0", "GetEnvironmentVariableW | NONE | failed 203"}));
 }
 
 TEST_F(InstrumentsTest, WhatMachineOrJournalThrowsDoesNotReachTheCaller) {
