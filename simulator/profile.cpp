@@ -1,7 +1,5 @@
 #include "simulator/profile.h"
 
-#include <toml++/toml.h>
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -13,11 +11,14 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/standin/toml_bounds.h"
-#include "simulator/wide_text.h"
+#include "platform/standin/little_endian.h"
+#include "platform/standin/registry_toml.h"
 
 namespace simulator {
 namespace {
+
+using platform::TomlError;
+using platform::WideFromUtf8;
 
 constexpr wchar_t kDefaultInstance[] = L"ACPI\\PNP0C14\\ZARN_0";
 constexpr std::size_t kLongestReport = 16384;                  // a Linux kernel's limit
@@ -28,9 +29,9 @@ constexpr wchar_t kLogKey[] = L"SOFTWARE\\OEM\\ZarnLightingService\\Log";
 constexpr wchar_t kLogSwitch[] = L"ZarnLightingService";
 
 [[noreturn]] void Fail(const toml::source_region& where, std::initializer_list<std::string_view> what) {
-  std::string line = *where.path + ":" + std::to_string(where.begin.line) + ": ";
+  std::string line;
   for (const std::string_view part : what) line += part;
-  throw ProfileError(line);
+  throw TomlError(where, line);
 }
 
 /// One key of a table: what may stand there, and how it gets into the profile.
@@ -137,41 +138,28 @@ std::optional<FirmwareVersion> Version(const toml::node& node) {
   return version;
 }
 
-std::vector<std::uint8_t> Dword(std::int64_t value) {
-  const auto byte = [value](int index) { return static_cast<std::uint8_t>(value >> (8 * index)); };
-  return {byte(0), byte(1), byte(2), byte(3)};
-}
-
 bool ReadLogSwitch(const toml::node& node, Profile& profile) {
   const auto enabled = node.value_exact<bool>();
-  if (enabled) profile.registry[kLogKey][kLogSwitch] = Dword(*enabled ? 1 : 0);
+  if (enabled) profile.registry[kLogKey][kLogSwitch] = platform::ToLittleEndian(*enabled ? 1 : 0, 4);
   return enabled.has_value();
 }
 
-void ReadRegistryKey(std::string_view key, const toml::table& values, Profile& profile) {
-  auto& wide_values = profile.registry[WideFromUtf8(key)];
-  for (const auto& [name, node] : values) {
-    const auto value = Number(node, 0xFFFFFFFF);
-    if (!value) Fail(name.source(), {name.str(), " must be a whole number from 0 to 4294967295"});
-    wide_values[WideFromUtf8(name.str())] = Dword(*value);
-  }
-}
-
-bool ReadRegistry(const toml::node& node, Profile& profile) {
+bool ReadRegistryTables(const toml::node& node, Profile& profile) {
   if (!node.is_table()) return false;
-  for (const auto& [key, values] : *node.as_table()) {
-    if (!values.is_table()) Fail(key.source(), {key.str(), " must be a table: [registry.'KEY\\KEY']"});
-    ReadRegistryKey(key.str(), *values.as_table(), profile);
-  }
+  platform::RegistryValues values = platform::ReadRegistry(*node.as_table());
+  // A value that stands here as well as in [log] counts as it stands here.
+  for (auto& [key, switches] : profile.registry) values[key].merge(switches);
+  profile.registry = std::move(values);
   return true;
 }
 
 bool ReadEnvironment(const toml::node& node, Profile& profile) {
   if (!node.is_table()) return false;
   for (const auto& [name, value] : *node.as_table()) {
-    if (!Assign(Text(value), profile.environment[WideFromUtf8(name.str())])) {
-      Fail(name.source(), {name.str(), " must be text"});
-    }
+    const auto text = Text(value);
+    if (!text) Fail(name.source(), {name.str(), " must be text"});
+    const bool is_new = profile.environment.emplace(WideFromUtf8(name.str()), *text).second;
+    if (!is_new) Fail(name.source(), {name.str(), " is there already"});
   }
   return true;
 }
@@ -296,7 +284,7 @@ constexpr Field kFile[] = {
     {"light_bar", "a table: [light_bar]", Section<kLightBar>},
     {"hid_keyboard", "at most 16 tables: [[hid_keyboard]]", ReadHidKeyboards},
     {"log", "a table: [log]", Section<kLog>},
-    {"registry", "tables: [registry.'KEY\\KEY']", ReadRegistry},
+    {"registry", "tables: [registry.'KEY\\KEY']", ReadRegistryTables},
     {"environment", "a table: [environment]", ReadEnvironment},
 };
 
@@ -340,14 +328,11 @@ Profile ReadProfile(const toml::table& root) {
 
 Profile LoadProfile(const std::filesystem::path& file) { return ParseProfile(ReadFile(file), file.string()); }
 
-Profile ParseProfile(const std::string& text, const std::string& name) {
-  if (text.size() > kLongestProfile) throw ProfileError(name + ": more than 1 MiB");
-  if (platform::HasTooManyDots(text)) throw ProfileError(name + ": more than 1000 dots, so deep no key may be");
-  try {
-    return ReadProfile(toml::parse(text, name));
-  } catch (const toml::parse_error& error) {
-    Fail(error.source(), {error.description()});
-  }
+Profile ParseProfile(const std::string& text, const std::string& name) try {
+  if (text.size() > kLongestProfile) throw TomlError(": more than 1 MiB");
+  return ReadProfile(platform::ParseToml(text));
+} catch (const TomlError& error) {
+  throw ProfileError(name + error.what());
 }
 
 }  // namespace simulator

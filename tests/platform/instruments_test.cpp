@@ -82,7 +82,7 @@ TEST_F(InstrumentsTest, WhatMachineOrJournalThrowsDoesNotReachTheCaller) {
 }
 
 TEST_F(InstrumentsTest, MachineStaysWhileAnythingOfItIsAlive) {
-  const auto other = std::make_shared<platform::EmptyMachine>();
+  const auto other = std::make_shared<platform::Machine>();
   EXPECT_FALSE(platform::UseMachine(nullptr));
   CoInitializeEx(nullptr, COINIT_MULTITHREADED);
   EXPECT_FALSE(platform::UseMachine(other));

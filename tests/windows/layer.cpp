@@ -8,8 +8,8 @@
 
 #include "platform/standin/com_object.h"
 #include "platform/standin/device_handles.h"
-#include "platform/standin/empty_machine.h"
 #include "platform/standin/last_error.h"
+#include "platform/standin/machine.h"
 #include "platform/standin/variant_value.h"
 
 namespace platform {
@@ -43,7 +43,7 @@ std::wstring PathOf(HANDLE handle) {
 
 }  // namespace
 
-std::shared_ptr<Machine> MakeThisComputer() { return std::make_shared<EmptyMachine>(); }
+std::shared_ptr<Machine> MakeThisComputer() { return std::make_shared<Machine>(); }
 
 LONG ThreadError() noexcept { return static_cast<LONG>(GetLastError()); }
 

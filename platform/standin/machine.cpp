@@ -1,22 +1,31 @@
-#include "platform/standin/empty_machine.h"
+#include "platform/standin/machine.h"
 
 #include <chrono>
 #include <ctime>
+#include <mutex>
 #include <thread>
+#include <utility>
 
+#include "platform/standin/instruments.h"
+#include "platform/standin/no_destructor.h"
 #include "platform/standin/wmi_api.h"
 
 namespace platform {
+namespace {
 
-bool EmptyMachine::HasRegistryKey(std::wstring_view /*key*/) { return false; }
+struct MachineInUse {
+  std::mutex mutex;
+  std::shared_ptr<Machine> machine = MakeThisComputer();
+};
 
-std::optional<Bytes> EmptyMachine::RegistryValue(std::wstring_view /*key*/, std::wstring_view /*name*/) { return {}; }
+MachineInUse& InUse() {
+  static NoDestructor<MachineInUse> in_use;
+  return *in_use;
+}
 
-std::optional<std::wstring> EmptyMachine::EnvironmentVariable(std::wstring_view /*name*/) { return {}; }
+}  // namespace
 
-std::optional<std::wstring> EmptyMachine::UserName() { return {}; }
-
-SYSTEMTIME EmptyMachine::LocalTime() {
+SYSTEMTIME Machine::LocalTime() {
   using std::chrono::milliseconds;
   const auto since_epoch = std::chrono::system_clock::now().time_since_epoch();
   const auto seconds = std::chrono::floor<std::chrono::seconds>(since_epoch);
@@ -33,21 +42,29 @@ SYSTEMTIME EmptyMachine::LocalTime() {
           .wMilliseconds = static_cast<WORD>(std::chrono::floor<milliseconds>(since_epoch - seconds).count())};
 }
 
-void EmptyMachine::Sleep(std::uint32_t milliseconds) {
+void Machine::Sleep(std::uint32_t milliseconds) {
   std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
-std::optional<SmbiosTable> EmptyMachine::ReadSmbiosTable() { return {}; }
-
-std::optional<FirmwareClass> EmptyMachine::FindFirmwareClass() { return {}; }
-
-FirmwareAnswer EmptyMachine::CallFirmware(const std::wstring& /*instance_name*/, const std::wstring& /*method*/,
+FirmwareAnswer Machine::CallFirmware(const std::wstring& /*instance_name*/, const std::wstring& /*method*/,
                                           const NamedValues& /*in*/) {
   return {.status = Status(WBEM_E_INVALID_METHOD), .out = {}};
 }
 
-std::vector<HidDevice> EmptyMachine::HidDevices() { return {}; }
+bool UseMachine(std::shared_ptr<Machine> machine) {
+  if (machine == nullptr) return false;
+  MachineInUse& in_use = InUse();
+  const std::lock_guard lock(in_use.mutex);
+  if (CountLive() != LiveCounts{}) return false;
+  // What goes is released with the argument, after the lock: its destructor may ask for the machine in use.
+  std::swap(in_use.machine, machine);
+  return true;
+}
 
-OpenedHidDevice EmptyMachine::OpenHidDevice(const std::wstring& /*path*/) { return {}; }
+std::shared_ptr<Machine> CurrentMachine() {
+  MachineInUse& in_use = InUse();
+  const std::lock_guard lock(in_use.mutex);
+  return in_use.machine;
+}
 
 }  // namespace platform
