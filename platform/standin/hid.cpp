@@ -76,10 +76,8 @@ NTSTATUS GetCaps(PHIDP_PREPARSED_DATA preparsed, PHIDP_CAPS caps) {
 NTSTATUS GetValueCaps(HIDP_REPORT_TYPE type, PHIDP_VALUE_CAPS caps, PUSHORT length, PHIDP_PREPARSED_DATA preparsed) {
   const auto interface = RequireData("HidP_GetValueCaps", preparsed);
   if (!interface || length == nullptr) return HIDP_STATUS_INVALID_PREPARSED_DATA;
-  const auto& kinds = (*interface)->collection.values;
-  const auto kind = static_cast<std::size_t>(type);
-  if (kind >= kinds.size()) return HIDP_STATUS_INVALID_REPORT_TYPE;
-  const std::vector<HIDP_VALUE_CAPS>& values = kinds.at(kind);
+  if (type != HidP_Feature) return HIDP_STATUS_INVALID_REPORT_TYPE;
+  const std::vector<HIDP_VALUE_CAPS>& values = (*interface)->collection.values;
   if (values.empty()) return HIDP_STATUS_USAGE_NOT_FOUND;
   if (caps == nullptr) return HIDP_STATUS_INVALID_REPORT_LENGTH;
   const std::size_t count = std::min<std::size_t>(*length, values.size());
