@@ -19,17 +19,8 @@ namespace {
 using platform::Bytes;
 
 LONG CodeOf(HidKeyboard::Result result) {
-  switch (result) {
-    case HidKeyboard::Result::Done:
-      return ERROR_SUCCESS;
-    case HidKeyboard::Result::Refused:
-      return ERROR_GEN_FAILURE;
-    case HidKeyboard::Result::NoAnswer:
-      return ERROR_SEM_TIMEOUT;
-    case HidKeyboard::Result::Gone:
-      break;
-  }
-  return ERROR_DEVICE_NOT_CONNECTED;
+  static constexpr LONG kCodes[] = {ERROR_SUCCESS, ERROR_GEN_FAILURE, ERROR_SEM_TIMEOUT, ERROR_DEVICE_NOT_CONNECTED};
+  return kCodes[static_cast<std::size_t>(result)];
 }
 
 class KeyboardConnection final : public platform::HidConnection {
