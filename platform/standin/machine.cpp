@@ -47,7 +47,7 @@ void Machine::Sleep(std::uint32_t milliseconds) {
 }
 
 FirmwareAnswer Machine::CallFirmware(const std::wstring& /*instance_name*/, const std::wstring& /*method*/,
-                                          const NamedValues& /*in*/) {
+                                     const NamedValues& /*in*/) {
   return {.status = Status(WBEM_E_INVALID_METHOD), .out = {}};
 }
 
