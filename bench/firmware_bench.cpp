@@ -8,12 +8,12 @@
 
 #include "firmware/firmware_methods.h"
 #include "firmware/smbios.h"
-#include "platform/standin/empty_machine.h"
+#include "platform/standin/machine.h"
 
 namespace {
 
 /// The machine of a notebook that never pauses.
-class UnpausedMachine final : public platform::EmptyMachine {
+class UnpausedMachine final : public platform::Machine {
  public:
   std::optional<platform::FirmwareClass> FindFirmwareClass() override {
     return platform::FirmwareClass{{{L"SetGamingKBBacklight"}}, {std::wstring(L"ACPI\\ZARN\\0_0")}};

@@ -4,6 +4,7 @@
 /// one could not have been meant to get, saying why. Threads: any, several at once.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -26,10 +27,7 @@ struct FirmwareVersion {
   std::uint8_t major = 0;
   std::uint8_t minor = 0;
 
-  friend bool operator==(const FirmwareVersion&, const FirmwareVersion&) = default;
-  friend constexpr bool operator<(const FirmwareVersion& left, const FirmwareVersion& right) {
-    return left.major != right.major ? left.major < right.major : left.minor < right.minor;
-  }
+  friend auto operator<=>(const FirmwareVersion&, const FirmwareVersion&) = default;
 };
 
 /// An effect that the firmware runs by itself on the whole keyboard.

@@ -4,8 +4,9 @@
 #include <array>
 #include <charconv>
 #include <chrono>
-#include <initializer_list>
 #include <map>
+
+#include "platform/standin/little_endian.h"
 
 namespace simulator {
 namespace {
@@ -28,63 +29,64 @@ constexpr std::uint8_t kOrdinaryKeyboard[] = {
     0x05, 0x01, 0x09, 0x06, 0xA1, 0x01, 0x85, 0x01, 0x05, 0x07, 0x19, 0xE0, 0x29, 0xE7, 0x15, 0x00, 0x25, 0x01, 0x75,
     0x01, 0x95, 0x08, 0x81, 0x02, 0x95, 0x06, 0x75, 0x08, 0x25, 0x65, 0x19, 0x00, 0x29, 0x65, 0x81, 0x00, 0xC0};
 
-std::uint8_t Low(std::uint32_t value) { return static_cast<std::uint8_t>(value); }
+/// Begins a collection with values from 0 to 255.
+constexpr std::uint8_t kCollectionOfBytes[] = {0xA1, 0x01, 0x15, 0x00, 0x26, 0xFF, 0x00};
 
-/// Writes a report descriptor item by item.
-class DescriptorWriter {
- public:
-  void Append(std::initializer_list<std::uint8_t> bytes) { bytes_.insert(bytes_.end(), bytes); }
-  void AppendAll(std::span<const std::uint8_t> bytes) { bytes_.insert(bytes_.end(), bytes.begin(), bytes.end()); }
+// Flags of fields.
+constexpr std::uint8_t kVariable = 0x02;
+constexpr std::uint8_t kPadding = 0x03;
 
-  /// A report of `length` data bytes: the fields, then padding.
-  void Report(std::uint8_t id, std::uint32_t length, std::span<const HidKeyboard::Field> fields) {
-    Append({0x85, id});
-    std::uint32_t bits = 8 * length;
-    for (const HidKeyboard::Field& field : fields) {
-      Item(0x08, field.usage);
-      Values(field.bits, 1, 0x02);
-      bits -= field.bits;
-    }
-    if (bits % 8 != 0) Values(1, bits % 8, 0x03);
-    if (bits >= 8) Values(8, bits / 8, 0x03);
+std::uint8_t Low(std::size_t value) { return static_cast<std::uint8_t>(value); }
+
+void Append(Bytes& descriptor, std::span<const std::uint8_t> bytes) {
+  descriptor.insert(descriptor.end(), bytes.begin(), bytes.end());
+}
+
+/// An item of a report descriptor with two bytes of data, or with one where that is enough and `least`.
+void AppendItem(Bytes& descriptor, std::uint8_t kind, std::uint32_t value, std::size_t least = 1) {
+  const std::size_t size = value <= 0xFF ? least : 2;
+  descriptor.push_back(Low(kind | size));
+  Append(descriptor, platform::ToLittleEndian(value, size));
+}
+
+/// `count` feature values of `bits` bits.
+void AppendValues(Bytes& descriptor, std::uint32_t bits, std::uint32_t count, std::uint8_t flags) {
+  AppendItem(descriptor, 0x74, bits);
+  AppendItem(descriptor, 0x94, count);
+  AppendItem(descriptor, 0xB0, flags);
+}
+
+/// A report of `length` data bytes: one for a device id, the fields, then padding.
+void AppendReport(Bytes& descriptor, std::uint8_t id, std::uint32_t length, std::uint16_t id_usage,
+                  std::vector<HidKeyboard::Field> fields) {
+  AppendItem(descriptor, 0x84, id);
+  std::uint32_t bits = 8 * length;
+  fields.insert(fields.begin(), {id_usage, 8});
+  for (const HidKeyboard::Field& field : fields) {
+    AppendItem(descriptor, 0x08, field.usage);
+    AppendValues(descriptor, field.bits, 1, kVariable);
+    bits -= field.bits;
   }
-
-  /// `count` feature values of `bits` bits.
-  void Values(std::uint32_t bits, std::uint32_t count, std::uint8_t flags) {
-    Item(0x74, bits);
-    Item(0x94, count);
-    Append({0xB1, flags});
-  }
-
-  Bytes Take() { return std::move(bytes_); }
-
- private:
-  void Item(std::uint8_t prefix, std::uint32_t value) {
-    if (value <= 0xFF) return Append({Low(prefix | 1U), Low(value)});
-    Append({Low(prefix | 2U), Low(value), Low(value >> 8)});
-  }
-
-  Bytes bytes_;
-};
+  if (bits % 8 != 0) AppendValues(descriptor, 1, bits % 8, kPadding);
+  if (bits >= 8) AppendValues(descriptor, 8, bits / 8, kPadding);
+}
 
 Bytes DescriptorOf(const HidKeyboard::Settings& settings) {
   if (!settings.descriptor.empty()) return settings.descriptor;
   const std::uint32_t data_length = settings.report_length - 1;
-  const auto with_id = [](std::uint16_t usage, std::vector<HidKeyboard::Field> fields) {
-    fields.insert(fields.begin(), {usage, 8});
-    return fields;
-  };
-  DescriptorWriter writer;
-  if (settings.other_collection) writer.AppendAll(kOrdinaryKeyboard);
-  writer.Append({0x06, Low(settings.usage_page), Low(settings.usage_page >> 8U)});
-  writer.Append({0x0A, Low(settings.usage), Low(settings.usage >> 8U), 0xA1, 0x01, 0x15, 0x00, 0x26, 0xFF, 0x00});
-  writer.Append({0x85, kAttributes, 0x09, 0x11});
-  writer.Values(8, data_length, 0x02);
-  writer.Report(kBaseInfoRequest, data_length, with_id(0x21, {}));
-  writer.Report(kBaseInfo, data_length, with_id(0x30, settings.base_info));
-  writer.Report(kUpdate, data_length, with_id(0x40, settings.update));
-  writer.Append({0xC0});
-  return writer.Take();
+  Bytes descriptor;
+  if (settings.other_collection) Append(descriptor, kOrdinaryKeyboard);
+  AppendItem(descriptor, 0x04, settings.usage_page, 2);
+  AppendItem(descriptor, 0x08, settings.usage, 2);
+  Append(descriptor, kCollectionOfBytes);
+  AppendItem(descriptor, 0x84, kAttributes);
+  AppendItem(descriptor, 0x08, 0x11);
+  AppendValues(descriptor, 8, data_length, kVariable);
+  AppendReport(descriptor, kBaseInfoRequest, data_length, 0x21, {});
+  AppendReport(descriptor, kBaseInfo, data_length, 0x30, settings.base_info);
+  AppendReport(descriptor, kUpdate, data_length, 0x40, settings.update);
+  descriptor.push_back(0xC0);
+  return descriptor;
 }
 
 /// The values of an update that it declares, by usage.
@@ -94,9 +96,7 @@ std::map<std::uint16_t, std::uint32_t> Unpacked(std::span<const std::uint8_t> da
   for (const HidKeyboard::Field& field : fields) {
     const std::size_t width = field.bits / 8;
     if (width > 4 || width > data.size()) break;  // where the rest is cannot be told
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < width; ++i) value |= std::uint32_t{data[i]} << (8 * i);
-    values[field.usage] = value;
+    values[field.usage] = platform::FromLittleEndian(data.first(width));
     data = data.subspan(width);
   }
   return values;
@@ -228,9 +228,8 @@ Answer HidKeyboard::Update(std::span<const std::uint8_t> data) {
 Bytes HidKeyboard::Attributes() const {
   if (!settings_.attribute_reply.empty()) return settings_.attribute_reply;
   const Bytes& ids = settings_.device_ids;
-  Bytes report = ids;
-  report.insert(report.begin(), settings_.claimed_ids.value_or(Low(static_cast<std::uint32_t>(ids.size()))));
-  report.insert(report.begin(), kAttributes);
+  Bytes report{kAttributes, settings_.claimed_ids.value_or(Low(ids.size()))};
+  Append(report, ids);
   return report;
 }
 
@@ -243,9 +242,7 @@ Bytes HidKeyboard::BaseInfo() const {
                                                          {0x31, settings_.effects}};
   Bytes report{kBaseInfo, settings_.reply_id.value_or(asked_id_)};
   for (const Field& field : settings_.base_info) {
-    for (std::uint32_t byte = 0; byte < field.bits / 8; ++byte) {
-      report.push_back(byte < 4 ? Low(values.at(field.usage) >> (8 * byte)) : std::uint8_t{0});
-    }
+    Append(report, platform::ToLittleEndian(values.at(field.usage), field.bits / 8));
   }
   return report;
 }

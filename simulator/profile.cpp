@@ -1,7 +1,5 @@
 #include "simulator/profile.h"
 
-#include <toml++/toml.h>
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -13,11 +11,14 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/standin/toml_bounds.h"
-#include "simulator/wide_text.h"
+#include "platform/standin/little_endian.h"
+#include "platform/standin/registry_toml.h"
 
 namespace simulator {
 namespace {
+
+using platform::TomlError;
+using platform::WideFromUtf8;
 
 constexpr wchar_t kDefaultInstance[] = L"ACPI\\PNP0C14\\ZARN_0";
 constexpr std::size_t kLongestReport = 16384;                  // a Linux kernel's limit
@@ -28,34 +29,36 @@ constexpr wchar_t kLogKey[] = L"SOFTWARE\\OEM\\ZarnLightingService\\Log";
 constexpr wchar_t kLogSwitch[] = L"ZarnLightingService";
 
 [[noreturn]] void Fail(const toml::source_region& where, std::initializer_list<std::string_view> what) {
-  std::string line = *where.path + ":" + std::to_string(where.begin.line) + ": ";
+  std::string line;
   for (const std::string_view part : what) line += part;
-  throw ProfileError(line);
+  throw TomlError(where, line);
 }
 
-/// One key of a table: what may stand there, and how it gets into the profile.
+/// One key of a table: what may stand there, and how it gets into the target, a part of the profile.
+template <typename Target>
 struct Field {
   std::string_view key;
   std::string_view allowed;
   /// Whether the value is one of those allowed.
-  bool (*read)(const toml::node& node, Profile& profile);
+  bool (*read)(const toml::node& node, Target& target);
   bool required = false;
 };
 
 /// Reads a table that may hold `fields` and nothing else.
-bool ReadFields(const toml::node& node, std::span<const Field> fields, Profile& profile) {
+template <typename Target>
+bool ReadFields(const toml::node& node, std::span<const Field<Target>> fields, Target& target) {
   const toml::table* const table = node.as_table();
   if (table == nullptr) return false;
   for (const auto& [key, value] : *table) {
-    const auto field = std::ranges::find(fields, key.str(), &Field::key);
+    const auto field = std::ranges::find(fields, key.str(), &Field<Target>::key);
     if (field == fields.end()) {
       std::string known;
-      for (const Field& each : fields) known.append(known.empty() ? "" : ", ").append(each.key);
+      for (const auto& each : fields) known.append(known.empty() ? "" : ", ").append(each.key);
       Fail(key.source(), {"\"", key.str(), "\" is not known here, only: ", known});
     }
-    if (!field->read(value, profile)) Fail(key.source(), {key.str(), " must be ", field->allowed});
+    if (!field->read(value, target)) Fail(key.source(), {key.str(), " must be ", field->allowed});
   }
-  for (const Field& field : fields) {
+  for (const auto& field : fields) {
     if (field.required && !table->contains(field.key)) {
       Fail(table->source(), {field.key, " is missing here: ", field.allowed});
     }
@@ -73,13 +76,6 @@ std::optional<std::wstring> Text(const toml::node& node) {
   const auto text = node.value_exact<std::string>();
   if (!text || text->find('\0') != std::string::npos) return std::nullopt;
   return WideFromUtf8(*text);
-}
-
-/// A user's name becomes part of the log's path, and a profile may come from anybody.
-bool ReadUser(const toml::node& node, Profile& profile) {
-  const auto name = Text(node);
-  const auto unfit = [](wchar_t c) { return c == L'/' || c == L'\\' || c < L' ' || (c >= 0x7F && c < 0xA0); };
-  return name && std::ranges::none_of(*name, unfit) && Assign(name, profile.user_name);
 }
 
 std::optional<std::int64_t> Number(const toml::node& node, std::int64_t highest) {
@@ -116,16 +112,6 @@ std::optional<std::vector<HidKeyboard::Field>> DeclaredFields(const toml::node& 
   return fields;
 }
 
-bool ReadReportLength(const toml::node& node, Profile& profile) {
-  const auto length = Number(node, kLongestReport);
-  return length >= 3 && Assign(length, profile.hid_keyboards.back().report_length);
-}
-
-std::optional<std::int64_t> Zones(const toml::node& node) {
-  const auto zones = Number(node, 4);
-  return zones && *zones != 2 ? zones : std::nullopt;
-}
-
 std::optional<FirmwareVersion> Version(const toml::node& node) {
   const std::string text = node.value_or(std::string());
   const char* const end = text.data() + text.size();
@@ -137,124 +123,129 @@ std::optional<FirmwareVersion> Version(const toml::node& node) {
   return version;
 }
 
-std::vector<std::uint8_t> Dword(std::int64_t value) {
-  const auto byte = [value](int index) { return static_cast<std::uint8_t>(value >> (8 * index)); };
-  return {byte(0), byte(1), byte(2), byte(3)};
+// Readers of fields. A path leads from the target to the member that takes the value.
+
+template <auto... kPath>
+bool ReadSwitch(const toml::node& node, auto& target) {
+  return Assign(node.value_exact<bool>(), (target.*....*kPath));
+}
+
+template <std::int64_t kHighest, auto... kPath>
+bool ReadNumber(const toml::node& node, auto& target) {
+  return Assign(Number(node, kHighest), (target.*....*kPath));
+}
+
+template <std::size_t kMost, auto... kPath>
+bool ReadBytes(const toml::node& node, auto& target) {
+  return Assign(ByteList(node, kMost), (target.*....*kPath));
+}
+
+/// Declared fields of a report, whose usages must be in the order in which the reports have them.
+template <const auto& kUsages, auto kMember>
+bool ReadDeclared(const toml::node& node, HidKeyboard::Settings& keyboard) {
+  return Assign(DeclaredFields(node, kUsages), keyboard.*kMember);
+}
+
+bool ReadTitle(const toml::node& node, Profile& profile) {
+  return Assign(node.value_exact<std::string>(), profile.title);
+}
+
+/// A user's name becomes part of the log's path, and a profile may come from anybody.
+bool ReadUser(const toml::node& node, Profile& profile) {
+  const auto name = Text(node);
+  const auto unfit = [](wchar_t c) { return c == L'/' || c == L'\\' || c < L' ' || (c >= 0x7F && c < 0xA0); };
+  return name && std::ranges::none_of(*name, unfit) && Assign(name, profile.user_name);
+}
+
+bool ReadVersion(const toml::node& node, Profile& profile) { return Assign(Version(node), profile.ec.version); }
+
+bool ReadInstance(const toml::node& node, Profile& profile) { return Assign(Text(node), profile.firmware_instance); }
+
+bool ReadRecord(const toml::node& node, Profile& profile) {
+  const auto bytes = ByteList(node, 255);
+  return bytes && bytes->size() >= 6 && bytes->at(0) == 172 && bytes->at(1) == bytes->size() &&
+         Assign(bytes, profile.firmware_structure);
+}
+
+bool ReadZones(const toml::node& node, Profile& profile) {
+  const auto zones = Number(node, 4);
+  return zones != 2 && Assign(zones, profile.ec.keyboard_zones);
+}
+
+bool ReadReportLength(const toml::node& node, HidKeyboard::Settings& keyboard) {
+  const auto length = Number(node, kLongestReport);
+  return length >= 3 && Assign(length, keyboard.report_length);
 }
 
 bool ReadLogSwitch(const toml::node& node, Profile& profile) {
   const auto enabled = node.value_exact<bool>();
-  if (enabled) profile.registry[kLogKey][kLogSwitch] = Dword(*enabled ? 1 : 0);
+  if (enabled) profile.registry[kLogKey][kLogSwitch] = platform::ToLittleEndian(*enabled ? 1 : 0, 4);
   return enabled.has_value();
 }
 
-void ReadRegistryKey(std::string_view key, const toml::table& values, Profile& profile) {
-  auto& wide_values = profile.registry[WideFromUtf8(key)];
-  for (const auto& [name, node] : values) {
-    const auto value = Number(node, 0xFFFFFFFF);
-    if (!value) Fail(name.source(), {name.str(), " must be a whole number from 0 to 4294967295"});
-    wide_values[WideFromUtf8(name.str())] = Dword(*value);
-  }
-}
-
-bool ReadRegistry(const toml::node& node, Profile& profile) {
+bool ReadRegistryTables(const toml::node& node, Profile& profile) {
   if (!node.is_table()) return false;
-  for (const auto& [key, values] : *node.as_table()) {
-    if (!values.is_table()) Fail(key.source(), {key.str(), " must be a table: [registry.'KEY\\KEY']"});
-    ReadRegistryKey(key.str(), *values.as_table(), profile);
-  }
+  platform::RegistryValues values = platform::ReadRegistry(*node.as_table());
+  // A value that stands here as well as in [log] counts as it stands here.
+  for (auto& [key, switches] : profile.registry) values[key].merge(switches);
+  profile.registry = std::move(values);
   return true;
 }
 
 bool ReadEnvironment(const toml::node& node, Profile& profile) {
   if (!node.is_table()) return false;
   for (const auto& [name, value] : *node.as_table()) {
-    if (!Assign(Text(value), profile.environment[WideFromUtf8(name.str())])) {
-      Fail(name.source(), {name.str(), " must be text"});
-    }
+    const auto text = Text(value);
+    if (!text) Fail(name.source(), {name.str(), " must be text"});
+    const bool is_new = profile.environment.emplace(WideFromUtf8(name.str()), *text).second;
+    if (!is_new) Fail(name.source(), {name.str(), " is there already"});
   }
   return true;
 }
 
-constexpr Field kFirmware[] = {
-    {"version", "text like \"2.91\", both numbers from 0 to 255",
-     [](const toml::node& node, Profile& profile) { return Assign(Version(node), profile.ec.version); }, true},
-    {"instance", "text, empty for no firmware class",
-     [](const toml::node& node, Profile& profile) { return Assign(Text(node), profile.firmware_instance); }},
-    {"record", "6 to 255 numbers from 0 to 255, a structure of type 172",
-     [](const toml::node& node, Profile& profile) {
-       const auto bytes = ByteList(node, 255);
-       return bytes && bytes->size() >= 6 && bytes->at(0) == 172 && bytes->at(1) == bytes->size() &&
-              Assign(bytes, profile.firmware_structure);
-     }},
-    {"latency_ms", "a whole number from 0 to 10000",
-     [](const toml::node& node, Profile& profile) { return Assign(Number(node, 10000), profile.firmware_latency_ms); }},
-};
-
-constexpr Field kKeyboard[] = {
-    {"zones", "0, 1, 3 or 4",
-     [](const toml::node& node, Profile& profile) { return Assign(Zones(node), profile.ec.keyboard_zones); }, true},
-    {"rgb", "true or false",
-     [](const toml::node& node, Profile& profile) { return Assign(node.value_exact<bool>(), profile.rgb_keyboard); }},
-};
-
-constexpr Field kLightBar[] = {
-    {"present", "true or false",
-     [](const toml::node& node, Profile& profile) { return Assign(node.value_exact<bool>(), profile.ec.light_bar); },
-     true},
-    {"report", "1 to 15 numbers from 0 to 255, what GetGamingLED answers instead of the truth",
-     [](const toml::node& node, Profile& profile) { return Assign(ByteList(node, 15), profile.ec.lights_report); }},
-    {"return", "a whole number from 0 to 255",
-     [](const toml::node& node, Profile& profile) { return Assign(Number(node, 0xFF), profile.ec.lights_return); }},
-};
-
-/// A number of the keyboard that is being read.
-template <auto kMember, std::int64_t kHighest>
-bool ReadHidNumber(const toml::node& node, Profile& profile) {
-  return Assign(Number(node, kHighest), profile.hid_keyboards.back().*kMember);
-}
-
-template <auto kMember>
-bool ReadHidSwitch(const toml::node& node, Profile& profile) {
-  return Assign(node.value_exact<bool>(), profile.hid_keyboards.back().*kMember);
-}
-
-template <auto kMember, std::size_t kMost>
-bool ReadHidBytes(const toml::node& node, Profile& profile) {
-  return Assign(ByteList(node, kMost), profile.hid_keyboards.back().*kMember);
-}
-
-/// Declared fields of a report, whose usages must be in the order in which the reports have them.
-template <auto kMember, const auto& kUsages>
-bool ReadHidFields(const toml::node& node, Profile& profile) {
-  return Assign(DeclaredFields(node, kUsages), profile.hid_keyboards.back().*kMember);
-}
-
+using Ec = EcFirmware::Settings;
 using Hid = HidKeyboard::Settings;
-constexpr Field kHidKeyboard[] = {
-    {"zones", "a whole number from 0 to 65535", ReadHidNumber<&Hid::zones, 0xFFFF>, true},
-    {"effects", "a whole number from 0 to 4294967295", ReadHidNumber<&Hid::effects, 0xFFFFFFFF>},
-    {"vendor", "a whole number from 0 to 65535", ReadHidNumber<&Hid::vendor, 0xFFFF>},
-    {"product", "a whole number from 0 to 65535", ReadHidNumber<&Hid::product, 0xFFFF>},
-    {"usage_page", "a whole number from 0 to 65535", ReadHidNumber<&Hid::usage_page, 0xFFFF>},
-    {"usage", "a whole number from 0 to 65535", ReadHidNumber<&Hid::usage, 0xFFFF>},
+
+constexpr Field<Profile> kFirmware[] = {
+    {"version", "text like \"2.91\", both numbers from 0 to 255", ReadVersion, true},
+    {"instance", "text, empty for no firmware class", ReadInstance},
+    {"record", "6 to 255 numbers from 0 to 255, a structure of type 172", ReadRecord},
+    {"latency_ms", "a whole number from 0 to 10000", ReadNumber<10000, &Profile::firmware_latency_ms>},
+};
+
+constexpr Field<Profile> kKeyboard[] = {
+    {"zones", "0, 1, 3 or 4", ReadZones, true},
+    {"rgb", "true or false", ReadSwitch<&Profile::rgb_keyboard>},
+};
+
+constexpr Field<Profile> kLightBar[] = {
+    {"present", "true or false", ReadSwitch<&Profile::ec, &Ec::light_bar>, true},
+    {"report", "1 to 15 numbers from 0 to 255, what GetGamingLED answers instead of the truth",
+     ReadBytes<15, &Profile::ec, &Ec::lights_report>},
+    {"return", "a whole number from 0 to 255", ReadNumber<0xFF, &Profile::ec, &Ec::lights_return>},
+};
+
+constexpr Field<Hid> kHidKeyboard[] = {
+    {"zones", "a whole number from 0 to 65535", ReadNumber<0xFFFF, &Hid::zones>, true},
+    {"effects", "a whole number from 0 to 4294967295", ReadNumber<0xFFFFFFFF, &Hid::effects>},
+    {"vendor", "a whole number from 0 to 65535", ReadNumber<0xFFFF, &Hid::vendor>},
+    {"product", "a whole number from 0 to 65535", ReadNumber<0xFFFF, &Hid::product>},
+    {"usage_page", "a whole number from 0 to 65535", ReadNumber<0xFFFF, &Hid::usage_page>},
+    {"usage", "a whole number from 0 to 65535", ReadNumber<0xFFFF, &Hid::usage>},
     {"report_length", "a whole number from 3 to 16384", ReadReportLength},
-    {"other_collection", "true or false", ReadHidSwitch<&Hid::other_collection>},
-    {"plugged", "true or false", ReadHidSwitch<&Hid::plugged>},
-    {"answers", "true or false", ReadHidSwitch<&Hid::answers>},
-    {"device_ids", "1 to 63 numbers from 0 to 255",
-     [](const toml::node& node, Profile& profile) {
-       return Assign(ByteList(node, 63), profile.hid_keyboards.back().device_ids);
-     }},
-    {"claimed_ids", "a whole number from 0 to 255", ReadHidNumber<&Hid::claimed_ids, 0xFF>},
-    {"reply_id", "a whole number from 0 to 255", ReadHidNumber<&Hid::reply_id, 0xFF>},
-    {"descriptor", "1 to 4096 numbers from 0 to 255", ReadHidBytes<&Hid::descriptor, 4096>},
-    {"attribute_reply", "1 to 16384 numbers from 0 to 255", ReadHidBytes<&Hid::attribute_reply, kLongestReport>},
-    {"base_info_reply", "1 to 16384 numbers from 0 to 255", ReadHidBytes<&Hid::base_info_reply, kLongestReport>},
+    {"other_collection", "true or false", ReadSwitch<&Hid::other_collection>},
+    {"plugged", "true or false", ReadSwitch<&Hid::plugged>},
+    {"answers", "true or false", ReadSwitch<&Hid::answers>},
+    {"device_ids", "1 to 63 numbers from 0 to 255", ReadBytes<63, &Hid::device_ids>},
+    {"claimed_ids", "a whole number from 0 to 255", ReadNumber<0xFF, &Hid::claimed_ids>},
+    {"reply_id", "a whole number from 0 to 255", ReadNumber<0xFF, &Hid::reply_id>},
+    {"descriptor", "1 to 4096 numbers from 0 to 255", ReadBytes<4096, &Hid::descriptor>},
+    {"attribute_reply", "1 to 16384 numbers from 0 to 255", ReadBytes<kLongestReport, &Hid::attribute_reply>},
+    {"base_info_reply", "1 to 16384 numbers from 0 to 255", ReadBytes<kLongestReport, &Hid::base_info_reply>},
     {"base_info", "pairs of usage and bits, [[0x35, 16]], of 0x34, 0x32, 0x35, 0x33, 0x31 in this order",
-     ReadHidFields<&Hid::base_info, HidKeyboard::kBaseInfoUsages>},
+     ReadDeclared<HidKeyboard::kBaseInfoUsages, &Hid::base_info>},
     {"update", "pairs of usage and bits, [[0x41, 8]], of 0x41, 0x43, 0x42, 0x44, 0x45, 0x46, 0x47, 0x48 in this order",
-     ReadHidFields<&Hid::update, HidKeyboard::kUpdateUsages>},
+     ReadDeclared<HidKeyboard::kUpdateUsages, &Hid::update>},
 };
 
 /// The bytes that a report with these fields needs.
@@ -268,9 +259,8 @@ bool ReadHidKeyboards(const toml::node& node, Profile& profile) {
   const toml::array* const tables = node.as_array();
   if (tables == nullptr || tables->size() > kMostKeyboards) return false;
   for (const toml::node& table : *tables) {
-    profile.hid_keyboards.emplace_back();
-    if (!ReadFields(table, kHidKeyboard, profile)) return false;
-    const HidKeyboard::Settings& keyboard = profile.hid_keyboards.back();
+    Hid& keyboard = profile.hid_keyboards.emplace_back();
+    if (!ReadFields<Hid>(table, kHidKeyboard, keyboard)) return false;
     const std::uint32_t needed = std::max(NeededLength(keyboard.base_info), NeededLength(keyboard.update));
     if (needed > keyboard.report_length) {
       Fail(table.source(), {"report_length is too short, base_info and update need ", std::to_string(needed)});
@@ -279,24 +269,22 @@ bool ReadHidKeyboards(const toml::node& node, Profile& profile) {
   return true;
 }
 
-constexpr Field kLog[] = {{"enabled", "true or false", ReadLogSwitch, true}};
+constexpr Field<Profile> kLog[] = {{"enabled", "true or false", ReadLogSwitch, true}};
 
 template <const auto& kFields>
 bool Section(const toml::node& node, Profile& profile) {
-  return ReadFields(node, kFields, profile);
+  return ReadFields<Profile>(node, kFields, profile);
 }
 
-constexpr Field kFile[] = {
-    {"title", "text",
-     [](const toml::node& node, Profile& profile) { return Assign(node.value_exact<std::string>(), profile.title); },
-     true},
+constexpr Field<Profile> kFile[] = {
+    {"title", "text", ReadTitle, true},
     {"user", "text without slashes and control characters, empty for a name that cannot be told", ReadUser},
     {"firmware", "a table: [firmware]", Section<kFirmware>},
     {"keyboard", "a table: [keyboard]", Section<kKeyboard>},
     {"light_bar", "a table: [light_bar]", Section<kLightBar>},
     {"hid_keyboard", "at most 16 tables: [[hid_keyboard]]", ReadHidKeyboards},
     {"log", "a table: [log]", Section<kLog>},
-    {"registry", "tables: [registry.'KEY\\KEY']", ReadRegistry},
+    {"registry", "tables: [registry.'KEY\\KEY']", ReadRegistryTables},
     {"environment", "a table: [environment]", ReadEnvironment},
 };
 
@@ -332,7 +320,7 @@ Profile ReadProfile(const toml::table& root) {
   profile.user_name = kDefaultUser;
   profile.firmware_record = root.contains("firmware");
   if (profile.firmware_record) profile.firmware_instance = kDefaultInstance;
-  ReadFields(root, kFile, profile);
+  ReadFields<Profile>(root, kFile, profile);
   return profile;
 }
 
@@ -340,14 +328,11 @@ Profile ReadProfile(const toml::table& root) {
 
 Profile LoadProfile(const std::filesystem::path& file) { return ParseProfile(ReadFile(file), file.string()); }
 
-Profile ParseProfile(const std::string& text, const std::string& name) {
-  if (text.size() > kLongestProfile) throw ProfileError(name + ": more than 1 MiB");
-  if (platform::HasTooManyDots(text)) throw ProfileError(name + ": more than 1000 dots, so deep no key may be");
-  try {
-    return ReadProfile(toml::parse(text, name));
-  } catch (const toml::parse_error& error) {
-    Fail(error.source(), {error.description()});
-  }
+Profile ParseProfile(const std::string& text, const std::string& name) try {
+  if (text.size() > kLongestProfile) throw TomlError(": more than 1 MiB");
+  return ReadProfile(platform::ParseToml(text));
+} catch (const TomlError& error) {
+  throw ProfileError(name + error.what());
 }
 
 }  // namespace simulator

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/standin/registry_values.h"
 #include "simulator/ec_firmware.h"
 #include "simulator/hid_keyboard.h"
 
@@ -26,9 +27,8 @@ struct Profile {
   std::vector<std::uint8_t> firmware_structure;
   /// How long one firmware call takes.
   std::uint32_t firmware_latency_ms = 0;
-  /// Registry values below HKEY_LOCAL_MACHINE: key, value name, bytes.
-  std::map<std::wstring, std::map<std::wstring, std::vector<std::uint8_t>>> registry;
-  std::map<std::wstring, std::wstring> environment;
+  platform::RegistryValues registry;
+  std::map<std::wstring, std::wstring, platform::WithoutCase> environment;
   /// Empty: who runs the process cannot be told.
   std::wstring user_name;
   /// The name under which the firmware publishes itself; empty: there is no firmware class at all.

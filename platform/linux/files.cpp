@@ -27,9 +27,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr Call<BOOL> kMakeSureDirectoryPathExists = ZeroCall<BOOL>("MakeSureDirectoryPathExists", ERROR_ACCESS_DENIED);
-constexpr Call<bool> kOpenToAppend = ZeroCall<bool>("OpenToAppend", ERROR_ACCESS_DENIED);
-
 constexpr mode_t kPrivateFolder = 0700;
 constexpr mode_t kPrivateFile = 0600;
 constexpr int kMostLinks = 40;  // on the way to a file, as in the kernel
@@ -143,13 +140,21 @@ std::string WithSlashes(std::string path) {
   return path;
 }
 
-/// Sets the thread's last error; whether there was none.
+/// Sets the thread's last error from a value of errno; whether there was none.
 bool Succeeded(int code) {
-  if (code == 0) {
-    SetThreadError(ERROR_SUCCESS);
-  } else {
-    SetThreadErrorFromErrno(code);
-  }
+  static constexpr struct {
+    int code;
+    LONG error;
+  } kErrors[] = {{0, ERROR_SUCCESS},
+                 {ENOENT, ERROR_FILE_NOT_FOUND},
+                 {ENOTDIR, ERROR_PATH_NOT_FOUND},
+                 {EACCES, ERROR_ACCESS_DENIED},
+                 {EPERM, ERROR_ACCESS_DENIED},
+                 {EROFS, ERROR_ACCESS_DENIED},
+                 {EISDIR, ERROR_ACCESS_DENIED},
+                 {ENOMEM, ERROR_NOT_ENOUGH_MEMORY}};
+  const auto* const known = std::ranges::find(kErrors, code, [](const auto& row) { return row.code; });
+  SetThreadError(known != std::end(kErrors) ? known->error : ERROR_INVALID_PARAMETER);
   return code == 0;
 }
 
@@ -185,7 +190,9 @@ bool OpenByWidePath(std::wofstream& stream, const wchar_t* path) {
 }  // namespace
 
 void OpenToAppend(std::wofstream& stream, const wchar_t* path) {
-  if (Pass(kOpenToAppend, Asked(path), [&] { return OpenByWidePath(stream, path); })) return;
+  if (Pass(ZeroCall<bool>("OpenToAppend", ERROR_ACCESS_DENIED), Asked(path),
+           [&] { return OpenByWidePath(stream, path); }))
+    return;
   try {
     stream.setstate(std::ios_base::failbit);
   } catch (const std::ios_base::failure&) {
@@ -196,11 +203,8 @@ void OpenToAppend(std::wofstream& stream, const wchar_t* path) {
 extern "C" {
 
 BOOL MakeSureDirectoryPathExists(PCSTR path) {
-  return Pass(kMakeSureDirectoryPathExists, Asked(path), [&] {
-    if (path != nullptr) return MakeFolders(path);
-    SetThreadError(ERROR_INVALID_PARAMETER);
-    return FALSE;
-  });
+  return Pass(ZeroCall<BOOL>("MakeSureDirectoryPathExists", ERROR_ACCESS_DENIED), Asked(path),
+              [&] { return path != nullptr ? MakeFolders(path) : FailWith(ERROR_INVALID_PARAMETER); });
 }
 
 }  // extern "C"

@@ -8,7 +8,7 @@
 
 #include "platform/linux/hidraw.h"
 #include "platform/linux/settings.h"
-#include "platform/standin/empty_machine.h"
+#include "platform/standin/machine.h"
 
 namespace platform {
 
@@ -19,7 +19,7 @@ struct LinuxPlaces {
   std::vector<std::filesystem::path> settings = SettingsPaths();
 };
 
-class LinuxMachine final : public EmptyMachine {
+class LinuxMachine final : public Machine {
  public:
   explicit LinuxMachine(LinuxPlaces places = {});
 

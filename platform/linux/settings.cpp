@@ -2,59 +2,28 @@
 
 #include <sys/stat.h>
 
-#include <toml++/toml.h>
 #include <algorithm>
 #include <cerrno>
-#include <limits>
 #include <optional>
-#include <stdexcept>
 #include <system_error>
 #include <utility>
 
 #include "platform/linux/read_file.h"
 #include "platform/linux/user.h"
-#include "platform/standin/text.h"
-#include "platform/standin/toml_bounds.h"
+#include "platform/standin/registry_toml.h"
 
 namespace platform {
 namespace {
 
-/// Throws std::runtime_error with what is wrong and where.
-[[noreturn]] void Fail(const toml::source_region& where, const std::string& what) {
-  throw std::runtime_error(std::to_string(where.begin.line) + ": " + what);
-}
-
-Bytes Dword(std::uint32_t number) {
-  Bytes bytes;
-  for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<std::uint8_t>(number >> shift));
-  return bytes;
-}
-
-std::wstring Wide(const toml::key& key) { return WideFromUtf8(key.str()); }
-
-void ReadKey(const toml::key& key, const toml::node& node, RegistryValues& values) {
-  if (!node.is_table()) Fail(key.source(), std::string(key.str()) + " must be a table: [registry.'KEY\\KEY']");
-  if (FindWithoutCase(values, Wide(key)) != nullptr) Fail(key.source(), std::string(key.str()) + " is there already");
-  auto& read = values[Wide(key)];
-  for (const auto& [name, value] : *node.as_table()) {
-    const auto number = value.value_exact<std::int64_t>();
-    if (!number || *number < 0 || *number > std::numeric_limits<std::uint32_t>::max()) {
-      Fail(name.source(), std::string(name.str()) + " must be a whole number from 0 to 4294967295");
-    }
-    if (FindWithoutCase(read, Wide(name)) != nullptr)
-      Fail(name.source(), std::string(name.str()) + " is there already");
-    read[Wide(name)] = Dword(static_cast<std::uint32_t>(*number));
-  }
-}
-
 RegistryValues ReadValues(const std::string& text) {
   RegistryValues values;
-  const toml::table file = toml::parse(text);
+  const toml::table file = ParseToml(text);
   for (const auto& [name, section] : file) {
     if (name.str() != "registry" || !section.is_table()) {
-      Fail(name.source(), "\"" + std::string(name.str()) + "\" is not known here, only tables: [registry.'KEY\\KEY']");
+      throw TomlError(name.source(),
+                      "\"" + std::string(name.str()) + "\" is not known here, only tables: [registry.'KEY\\KEY']");
     }
-    for (const auto& [key, node] : *section.as_table()) ReadKey(key, node, values);
+    values = ReadRegistry(*section.as_table());
   }
   return values;
 }
@@ -76,18 +45,10 @@ SettingsFile ReadSettingsFile(const std::filesystem::path& path) {
     return file;
   }
   file.state = SettingsFile::State::Read;
-  const std::string text(bytes->begin(), bytes->end());
-  if (HasTooManyDots(text)) {
-    file.complaint = path.string() + ": more than 1000 dots, so deep no key may be";
-    return file;
-  }
   try {
-    file.values = ReadValues(text);
-  } catch (const toml::parse_error& what) {
-    file.complaint =
-        path.string() + ":" + std::to_string(what.source().begin.line) + ": " + std::string(what.description());
-  } catch (const std::runtime_error& what) {
-    file.complaint = path.string() + ":" + what.what();
+    file.values = ReadValues({bytes->begin(), bytes->end()});
+  } catch (const TomlError& error) {
+    file.complaint = path.string() + error.what();
   }
   return file;
 }

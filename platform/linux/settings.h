@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/standin/machine.h"
 #include "platform/standin/registry_values.h"
 
 namespace platform {

@@ -1,6 +1,5 @@
-#include "platform/standin/live_counters.h"
+#include "platform/standin/management_service.h"
 #include "platform/standin/platform_call.h"
-#include "platform/standin/wmi_locator.h"
 
 namespace platform {
 namespace {
@@ -13,11 +12,6 @@ struct Apartment {
 };
 
 constinit thread_local Apartment t_apartment;
-
-constexpr Call<HRESULT> kCoInitializeEx = ComCall("CoInitializeEx", E_OUTOFMEMORY, E_OUTOFMEMORY);
-constexpr Call<Nothing> kCoUninitialize = SureCall("CoUninitialize");
-constexpr Call<HRESULT> kCoCreateInstance = ObjectCall("CoCreateInstance", REGDB_E_CLASSNOTREG, E_OUTOFMEMORY);
-constexpr Call<HRESULT> kCoSetProxyBlanket = ComCall("CoSetProxyBlanket", E_NOINTERFACE, E_OUTOFMEMORY);
 
 HRESULT Enter(DWORD kind) {
   if (t_apartment.entered) return t_apartment.kind == kind ? S_FALSE : RPC_E_CHANGED_MODE;
@@ -39,7 +33,7 @@ extern "C" {
 HRESULT CoInitializeEx(LPVOID /*reserved*/, DWORD apartment) {
   // Other bits are hints that do not tell apartments apart.
   const DWORD kind = apartment & COINIT_APARTMENTTHREADED;
-  const HRESULT result = Pass(kCoInitializeEx, Asked(apartment), [&] { return Enter(kind); });
+  const HRESULT result = Pass(ComCall("CoInitializeEx", E_OUTOFMEMORY), Asked(apartment), [&] { return Enter(kind); });
   if (result != RPC_E_CHANGED_MODE) {
     ++t_apartment.attempts;
     ++g_live.com_initializations;
@@ -47,16 +41,16 @@ HRESULT CoInitializeEx(LPVOID /*reserved*/, DWORD apartment) {
   return result;
 }
 
-void CoUninitialize() { Pass(kCoUninitialize, Asked(), Leave); }
+void CoUninitialize() { Pass(SureCall("CoUninitialize"), Asked(), Leave); }
 
 HRESULT CoCreateInstance(REFCLSID class_id, IUnknown* /*outer*/, DWORD context, REFIID iid, LPVOID* object) {
   Empty(object);
-  return Pass(kCoCreateInstance, Asked(context), [&] {
+  return Pass(WithObject(ComCall("CoCreateInstance", REGDB_E_CLASSNOTREG)), Asked(context), [&] {
     if (object == nullptr) return E_POINTER;
     if (!t_apartment.entered) return CO_E_NOTINITIALIZED;
     if (class_id != CLSID_WbemLocator) return REGDB_E_CLASSNOTREG;
     if (iid != IID_IWbemLocator) return E_NOINTERFACE;
-    *object = static_cast<IWbemLocator*>(new WmiLocator);
+    *object = NewLocator();
     return S_OK;
   });
 }
@@ -64,7 +58,7 @@ HRESULT CoCreateInstance(REFCLSID class_id, IUnknown* /*outer*/, DWORD context, 
 HRESULT CoSetProxyBlanket(IUnknown* proxy, DWORD authn_service, DWORD authz_service, OLECHAR* principal,
                           DWORD authn_level, DWORD imp_level, RPC_AUTH_IDENTITY_HANDLE identity, DWORD capabilities) {
   const wchar_t* const other_identity = identity != nullptr ? L"identity" : nullptr;
-  return Pass(kCoSetProxyBlanket,
+  return Pass(ComCall("CoSetProxyBlanket", E_NOINTERFACE),
               Asked(authn_service, authz_service, principal, authn_level, imp_level, other_identity, capabilities),
               [&] { return proxy != nullptr ? S_OK : E_INVALIDARG; });
 }

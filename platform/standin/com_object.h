@@ -7,16 +7,12 @@
 #include <atomic>
 
 #include "platform/standin/interface_rest.h"
-#include "platform/standin/live_counters.h"
 #include "platform/standin/platform_call.h"
 #include "platform/standin/wmi_api.h"
 
 namespace platform {
 
 inline constexpr IID kIidUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
-inline constexpr Call<HRESULT> kQueryInterface = ObjectCall("IUnknown::QueryInterface", E_NOINTERFACE, E_OUTOFMEMORY);
-inline constexpr Call<ULONG> kAddRef = SureCall<ULONG>("IUnknown::AddRef");
-inline constexpr Call<ULONG> kRelease = SureCall<ULONG>("IUnknown::Release");
 
 /// `Derived::kIid` is the id of `Interface`.
 template <typename Derived, typename Interface>
@@ -27,7 +23,7 @@ class ComObject : public WithRest<Interface> {
 
   HRESULT QueryInterface(REFIID iid, void** object) final {
     Empty(object);
-    return Pass(kQueryInterface, Asked(), [&] {
+    return Pass(WithObject(ComCall("IUnknown::QueryInterface", E_NOINTERFACE)), Asked(), [&] {
       if (object == nullptr) return E_POINTER;
       if (iid != kIidUnknown && iid != Derived::kIid) return QueryOther(iid, object);
       ++references_;
@@ -37,11 +33,11 @@ class ComObject : public WithRest<Interface> {
   }
 
   ULONG AddRef() final {
-    return Pass(kAddRef, Asked(), [this] { return ++references_; });
+    return Pass(SureCall<ULONG>("IUnknown::AddRef"), Asked(), [this] { return ++references_; });
   }
 
   ULONG Release() final {
-    return Pass(kRelease, Asked(), [this] {
+    return Pass(SureCall<ULONG>("IUnknown::Release"), Asked(), [this] {
       const ULONG left = --references_;
       if (left == 0) delete static_cast<Derived*>(this);
       return left;

@@ -1,20 +1,14 @@
 #include <cstring>
 
-#include "platform/standin/device_handles.h"
-#include "platform/standin/live_counters.h"
-#include "platform/standin/no_destructor.h"
+#include "platform/standin/hid_interfaces.h"
 #include "platform/standin/open_things.h"
+#include "platform/standin/platform_call.h"
 
 namespace platform {
 namespace {
 
 constexpr GUID kHidInterfaceClass = {0x4D1E55B2, 0xF16F, 0x11CF, {0x88, 0xCB, 0x00, 0x11, 0x11, 0x00, 0x00, 0x30}};
 constexpr std::size_t kPathOffset = offsetof(SP_DEVICE_INTERFACE_DETAIL_DATA_W, DevicePath);
-
-constexpr Call<Nothing> kHidD_GetHidGuid = SureCall("HidD_GetHidGuid");
-constexpr Call<BOOL> kEnumerate = ZeroCall<BOOL>("SetupDiEnumDeviceInterfaces", ERROR_INVALID_DATA);
-constexpr Call<BOOL> kGetDetail = ZeroCall<BOOL>("SetupDiGetDeviceInterfaceDetailW", ERROR_INVALID_DATA);
-constexpr Call<BOOL> kDestroy = Sure(ZeroCall<BOOL>("SetupDiDestroyDeviceInfoList", ERROR_INVALID_HANDLE));
 
 /// The paths of the interfaces that were there when the set was made.
 using DeviceSet = std::shared_ptr<const std::vector<std::wstring>>;
@@ -24,14 +18,9 @@ OpenThings<DeviceSet>& DeviceSets() {
   return *sets;
 }
 
-BOOL Fail(LONG error) {
-  SetThreadError(error);
-  return FALSE;
-}
-
 BOOL FailForHandle(const char* call) {
   Complain(std::string(call) + " of a device set that is not there");
-  return Fail(ERROR_INVALID_HANDLE);
+  return FailWith(ERROR_INVALID_HANDLE);
 }
 
 HDEVINFO MakeSet(const GUID* class_guid, DWORD flags) {
@@ -44,8 +33,9 @@ HDEVINFO MakeSet(const GUID* class_guid, DWORD flags) {
 BOOL Enumerate(HDEVINFO set, const GUID* class_guid, DWORD index, PSP_DEVICE_INTERFACE_DATA data) {
   const auto paths = DeviceSets().Find(set);
   if (!paths) return FailForHandle("SetupDiEnumDeviceInterfaces");
-  if (data == nullptr || class_guid == nullptr || data->cbSize != sizeof(*data)) return Fail(ERROR_INVALID_USER_BUFFER);
-  if (*class_guid != kHidInterfaceClass || index >= (*paths)->size()) return Fail(ERROR_NO_MORE_ITEMS);
+  if (data == nullptr || class_guid == nullptr || data->cbSize != sizeof(*data))
+    return FailWith(ERROR_INVALID_USER_BUFFER);
+  if (*class_guid != kHidInterfaceClass || index >= (*paths)->size()) return FailWith(ERROR_NO_MORE_ITEMS);
   data->InterfaceClassGuid = kHidInterfaceClass;
   data->Flags = 1;  // active
   data->Reserved = index;
@@ -57,13 +47,13 @@ BOOL GetDetail(HDEVINFO set, PSP_DEVICE_INTERFACE_DATA data, PSP_DEVICE_INTERFAC
   const auto paths = DeviceSets().Find(set);
   if (!paths) return FailForHandle("SetupDiGetDeviceInterfaceDetailW");
   if (data == nullptr || data->cbSize != sizeof(*data) || data->Reserved >= (*paths)->size()) {
-    return Fail(ERROR_INVALID_PARAMETER);
+    return FailWith(ERROR_INVALID_PARAMETER);
   }
-  if (detail != nullptr && detail->cbSize != sizeof(*detail)) return Fail(ERROR_INVALID_USER_BUFFER);
+  if (detail != nullptr && detail->cbSize != sizeof(*detail)) return FailWith(ERROR_INVALID_USER_BUFFER);
   const std::wstring& path = (**paths)[data->Reserved];
   const std::size_t text_bytes = (path.size() + 1) * sizeof(WCHAR);
   if (required_size != nullptr) *required_size = static_cast<DWORD>(kPathOffset + text_bytes);
-  if (detail == nullptr || size < kPathOffset + text_bytes) return Fail(ERROR_INSUFFICIENT_BUFFER);
+  if (detail == nullptr || size < kPathOffset + text_bytes) return FailWith(ERROR_INSUFFICIENT_BUFFER);
   // The path goes on behind the record, in the caller's block.
   std::memcpy(reinterpret_cast<std::byte*>(detail) + kPathOffset, path.c_str(), text_bytes);
   return TRUE;
@@ -74,29 +64,31 @@ BOOL GetDetail(HDEVINFO set, PSP_DEVICE_INTERFACE_DATA data, PSP_DEVICE_INTERFAC
 extern "C" {
 
 void HidD_GetHidGuid(LPGUID guid) {
-  Pass(kHidD_GetHidGuid, Asked(), [&] { *guid = kHidInterfaceClass; });
+  Pass(SureCall("HidD_GetHidGuid"), Asked(), [&] { *guid = kHidInterfaceClass; });
 }
 
 HDEVINFO SetupDiGetClassDevsW(const GUID* class_guid, PCWSTR /*enumerator*/, HWND /*parent*/, DWORD flags) {
-  const Call<HDEVINFO> call = HandleCall("SetupDiGetClassDevsW", ERROR_INVALID_DATA);
-  return Pass(call, Asked(flags), [&] { return MakeSet(class_guid, flags); });
+  return Pass(ZeroCall<HDEVINFO>("SetupDiGetClassDevsW", ERROR_INVALID_DATA, INVALID_HANDLE_VALUE), Asked(flags),
+              [&] { return MakeSet(class_guid, flags); });
 }
 
 BOOL SetupDiEnumDeviceInterfaces(HDEVINFO set, PSP_DEVINFO_DATA /*device*/, const GUID* class_guid, DWORD member_index,
                                  PSP_DEVICE_INTERFACE_DATA data) {
-  return Pass(kEnumerate, Asked(member_index), [&] { return Enumerate(set, class_guid, member_index, data); });
+  return Pass(ZeroCall<BOOL>("SetupDiEnumDeviceInterfaces", ERROR_INVALID_DATA), Asked(member_index),
+              [&] { return Enumerate(set, class_guid, member_index, data); });
 }
 
 BOOL SetupDiGetDeviceInterfaceDetailW(HDEVINFO set, PSP_DEVICE_INTERFACE_DATA data,
                                       PSP_DEVICE_INTERFACE_DETAIL_DATA_W detail, DWORD detail_size,
                                       PDWORD required_size, PSP_DEVINFO_DATA /*device*/) {
   return Pass(
-      kGetDetail, Asked(detail_size), [&] { return GetDetail(set, data, detail, detail_size, required_size); },
+      ZeroCall<BOOL>("SetupDiGetDeviceInterfaceDetailW", ERROR_INVALID_DATA), Asked(detail_size),
+      [&] { return GetDetail(set, data, detail, detail_size, required_size); },
       [&](BOOL done) { return done != FALSE ? Described(detail->DevicePath) : std::string(); });
 }
 
 BOOL SetupDiDestroyDeviceInfoList(HDEVINFO set) {
-  return Pass(kDestroy, Asked(),
+  return Pass(Sure(ZeroCall<BOOL>("SetupDiDestroyDeviceInfoList", ERROR_INVALID_HANDLE)), Asked(),
               [&] { return DeviceSets().Remove(set) ? TRUE : FailForHandle("SetupDiDestroyDeviceInfoList"); });
 }
 

@@ -2,23 +2,12 @@
 #include <cstddef>
 #include <optional>
 
-#include "platform/standin/device_handles.h"
-#include "platform/standin/live_counters.h"
-#include "platform/standin/no_destructor.h"
+#include "platform/standin/hid_interfaces.h"
 #include "platform/standin/open_things.h"
+#include "platform/standin/platform_call.h"
 
 namespace platform {
 namespace {
-
-constexpr Call<BOOLEAN> kGetAttributes = ZeroCall<BOOLEAN>("HidD_GetAttributes", ERROR_GEN_FAILURE);
-constexpr Call<BOOLEAN> kGetPreparsedData = ZeroCall<BOOLEAN>("HidD_GetPreparsedData", ERROR_GEN_FAILURE);
-constexpr Call<BOOLEAN> kFreePreparsedData = Sure(ZeroCall<BOOLEAN>("HidD_FreePreparsedData", ERROR_INVALID_PARAMETER));
-constexpr Call<NTSTATUS> kGetCaps =
-    ComCall("HidP_GetCaps", HIDP_STATUS_INVALID_PREPARSED_DATA, HIDP_STATUS_INVALID_PREPARSED_DATA);
-constexpr Call<NTSTATUS> kGetValueCaps =
-    ComCall("HidP_GetValueCaps", HIDP_STATUS_INVALID_PREPARSED_DATA, HIDP_STATUS_INVALID_PREPARSED_DATA);
-constexpr Call<BOOLEAN> kSetFeature = ZeroCall<BOOLEAN>("HidD_SetFeature", ERROR_GEN_FAILURE);
-constexpr Call<BOOLEAN> kGetFeature = ZeroCall<BOOLEAN>("HidD_GetFeature", ERROR_GEN_FAILURE);
 
 using Interface = std::shared_ptr<const HidInterface>;
 
@@ -26,12 +15,6 @@ using Interface = std::shared_ptr<const HidInterface>;
 OpenThings<Interface>& Preparsed() {
   static NoDestructor<OpenThings<Interface>> preparsed(g_live.preparsed_data);
   return *preparsed;
-}
-
-BOOLEAN Done(LONG error) {
-  if (error == ERROR_SUCCESS) return TRUE;
-  SetThreadError(error);
-  return FALSE;
 }
 
 /// The interface behind `handle`, or null with a complaint.
@@ -46,7 +29,7 @@ Interface Require(const char* call, HANDLE handle) {
 BOOLEAN GetAttributes(HANDLE handle, PHIDD_ATTRIBUTES attributes) {
   const Interface interface = Require("HidD_GetAttributes", handle);
   if (interface == nullptr) return FALSE;
-  if (attributes == nullptr || attributes->Size != sizeof(*attributes)) return Done(ERROR_INVALID_PARAMETER);
+  if (attributes == nullptr || attributes->Size != sizeof(*attributes)) return FailWith(ERROR_INVALID_PARAMETER);
   *attributes = {sizeof(*attributes), interface->vendor, interface->product, interface->version};
   return TRUE;
 }
@@ -54,7 +37,7 @@ BOOLEAN GetAttributes(HANDLE handle, PHIDD_ATTRIBUTES attributes) {
 BOOLEAN GetPreparsedData(HANDLE handle, PHIDP_PREPARSED_DATA* preparsed) {
   Interface interface = Require("HidD_GetPreparsedData", handle);
   if (interface == nullptr) return FALSE;
-  if (preparsed == nullptr) return Done(ERROR_INVALID_PARAMETER);
+  if (preparsed == nullptr) return FailWith(ERROR_INVALID_PARAMETER);
   *preparsed = static_cast<PHIDP_PREPARSED_DATA>(Preparsed().Add(std::move(interface)));
   return TRUE;
 }
@@ -76,10 +59,8 @@ NTSTATUS GetCaps(PHIDP_PREPARSED_DATA preparsed, PHIDP_CAPS caps) {
 NTSTATUS GetValueCaps(HIDP_REPORT_TYPE type, PHIDP_VALUE_CAPS caps, PUSHORT length, PHIDP_PREPARSED_DATA preparsed) {
   const auto interface = RequireData("HidP_GetValueCaps", preparsed);
   if (!interface || length == nullptr) return HIDP_STATUS_INVALID_PREPARSED_DATA;
-  const auto& kinds = (*interface)->collection.values;
-  const auto kind = static_cast<std::size_t>(type);
-  if (kind >= kinds.size()) return HIDP_STATUS_INVALID_REPORT_TYPE;
-  const std::vector<HIDP_VALUE_CAPS>& values = kinds.at(kind);
+  if (type != HidP_Feature) return HIDP_STATUS_INVALID_REPORT_TYPE;
+  const std::vector<HIDP_VALUE_CAPS>& values = (*interface)->collection.values;
   if (values.empty()) return HIDP_STATUS_USAGE_NOT_FOUND;
   if (caps == nullptr) return HIDP_STATUS_INVALID_REPORT_LENGTH;
   const std::size_t count = std::min<std::size_t>(*length, values.size());
@@ -94,14 +75,18 @@ BOOLEAN ExchangeFeature(const char* call, HANDLE handle, PVOID report, ULONG len
   const Interface interface = Require(call, handle);
   if (interface == nullptr) return FALSE;
   const ULONG expected = interface->collection.caps.FeatureReportByteLength;
-  if (report == nullptr || expected == 0 || length != expected) return Done(ERROR_INVALID_PARAMETER);
-  if (interface->connection == nullptr) return Done(ERROR_ACCESS_DENIED);
-  return Done(exchange(*interface->connection, std::span(static_cast<std::uint8_t*>(report), length)));
+  if (report == nullptr || expected == 0 || length != expected) return FailWith(ERROR_INVALID_PARAMETER);
+  if (interface->connection == nullptr) return FailWith(ERROR_ACCESS_DENIED);
+  const LONG error = exchange(*interface->connection, std::span(static_cast<std::uint8_t*>(report), length));
+  return error == ERROR_SUCCESS ? BOOLEAN{TRUE} : FailWith(error);
 }
 
-std::string BytesOf(const void* report, ULONG length) {
-  const auto* const bytes = static_cast<const std::uint8_t*>(report);
-  return report != nullptr ? Described(Bytes(bytes, bytes + length)) : "null";
+std::span<const std::uint8_t> BytesOf(const void* report, ULONG length) {
+  return {static_cast<const std::uint8_t*>(report), report != nullptr ? length : 0};
+}
+
+constexpr Call<NTSTATUS> StatusOf(const char* name) {
+  return ComCall(name, HIDP_STATUS_INVALID_PREPARSED_DATA, HIDP_STATUS_INVALID_PREPARSED_DATA);
 }
 
 }  // namespace
@@ -109,54 +94,50 @@ std::string BytesOf(const void* report, ULONG length) {
 extern "C" {
 
 BOOLEAN HidD_GetAttributes(HANDLE handle, PHIDD_ATTRIBUTES attributes) {
-  return Pass(kGetAttributes, AskedOf(handle), [&] { return GetAttributes(handle, attributes); });
+  return Pass(ZeroCall<BOOLEAN>("HidD_GetAttributes", ERROR_GEN_FAILURE), Asked(Opened{handle}),
+              [&] { return GetAttributes(handle, attributes); });
 }
 
 BOOLEAN HidD_GetPreparsedData(HANDLE handle, PHIDP_PREPARSED_DATA* preparsed) {
-  return Pass(kGetPreparsedData, AskedOf(handle), [&] { return GetPreparsedData(handle, preparsed); });
+  return Pass(ZeroCall<BOOLEAN>("HidD_GetPreparsedData", ERROR_GEN_FAILURE), Asked(Opened{handle}),
+              [&] { return GetPreparsedData(handle, preparsed); });
 }
 
 BOOLEAN HidD_FreePreparsedData(PHIDP_PREPARSED_DATA preparsed) {
-  return Pass(kFreePreparsedData, Asked(), [&] {
-    if (Preparsed().Remove(preparsed)) return BOOLEAN{TRUE};
-    Complain("HidD_FreePreparsedData of data that is not there");
-    return Done(ERROR_INVALID_PARAMETER);
+  return Pass(Sure(ZeroCall<BOOLEAN>("HidD_FreePreparsedData", ERROR_INVALID_PARAMETER)), Asked(), [&] {
+    const bool freed = Preparsed().Remove(preparsed);
+    if (!freed) Complain("HidD_FreePreparsedData of data that is not there");
+    return freed ? BOOLEAN{TRUE} : FailWith(ERROR_INVALID_PARAMETER);
   });
 }
 
 NTSTATUS HidP_GetCaps(PHIDP_PREPARSED_DATA preparsed, PHIDP_CAPS caps) {
-  return Pass(kGetCaps, Asked(), [&] { return GetCaps(preparsed, caps); });
+  return Pass(StatusOf("HidP_GetCaps"), Asked(), [&] { return GetCaps(preparsed, caps); });
 }
 
 NTSTATUS HidP_GetValueCaps(HIDP_REPORT_TYPE type, PHIDP_VALUE_CAPS caps, PUSHORT length,
                            PHIDP_PREPARSED_DATA preparsed) {
-  return Pass(kGetValueCaps, Asked(static_cast<int>(type)),
+  return Pass(StatusOf("HidP_GetValueCaps"), Asked(static_cast<int>(type)),
               [&] { return GetValueCaps(type, caps, length, preparsed); });
 }
 
 BOOLEAN HidD_SetFeature(HANDLE handle, PVOID report, ULONG length) {
-  return Pass(
-      kSetFeature,
-      [&] {
-        return std::vector{DescribedHandle(handle), BytesOf(report, length)};
-      },
-      [&] {
-        return ExchangeFeature("HidD_SetFeature", handle, report, length,
-                               [](HidConnection& connection, auto bytes) { return connection.SetFeature(bytes); });
-      });
+  return Pass(ZeroCall<BOOLEAN>("HidD_SetFeature", ERROR_GEN_FAILURE), Asked(Opened{handle}, BytesOf(report, length)),
+              [&] {
+                return ExchangeFeature("HidD_SetFeature", handle, report, length,
+                                       [](HidConnection& to, auto bytes) { return to.SetFeature(bytes); });
+              });
 }
 
 BOOLEAN HidD_GetFeature(HANDLE handle, PVOID report, ULONG length) {
   return Pass(
-      kGetFeature,
-      [&] {
-        return std::vector{DescribedHandle(handle), BytesOf(report, report != nullptr && length > 0 ? 1 : 0)};
-      },
+      ZeroCall<BOOLEAN>("HidD_GetFeature", ERROR_GEN_FAILURE),
+      Asked(Opened{handle}, BytesOf(report, length > 0 ? 1 : 0)),
       [&] {
         return ExchangeFeature("HidD_GetFeature", handle, report, length,
-                               [](HidConnection& connection, auto bytes) { return connection.GetFeature(bytes); });
+                               [](HidConnection& from, auto bytes) { return from.GetFeature(bytes); });
       },
-      [&](BOOLEAN done) { return done != FALSE ? BytesOf(report, length) : std::string(); });
+      [&](BOOLEAN done) { return done != FALSE ? Described(BytesOf(report, length)) : std::string(); });
 }
 
 }  // extern "C"

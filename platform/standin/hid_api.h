@@ -79,10 +79,9 @@ enum HIDP_REPORT_TYPE { HidP_Input, HidP_Output, HidP_Feature };
 struct HIDP_CAPS {
   USAGE Usage;
   USAGE UsagePage;
-  /// The longest report of each kind in bytes, with the byte for the report id; 0 when there is none.
   USHORT InputReportByteLength;
   USHORT OutputReportByteLength;
-  USHORT FeatureReportByteLength;
+  USHORT FeatureReportByteLength;  // the longest report in bytes, with the byte for the report id; 0 when there is none
   USHORT Reserved[17];
   USHORT NumberLinkCollectionNodes;
   USHORT NumberInputButtonCaps;
@@ -184,7 +183,8 @@ BOOLEAN HidD_FreePreparsedData(PHIDP_PREPARSED_DATA preparsed);
 /// HIDP_STATUS_INVALID_PREPARSED_DATA for data that was freed.
 NTSTATUS HidP_GetCaps(PHIDP_PREPARSED_DATA preparsed, PHIDP_CAPS caps);
 /// Fills as many records as there are and `*length` has room for, and sets `*length` to their number.
-/// HIDP_STATUS_USAGE_NOT_FOUND when there is none of that type.
+/// HIDP_STATUS_USAGE_NOT_FOUND when there is none. Only feature values exist here: HIDP_STATUS_INVALID_REPORT_TYPE for
+/// another type.
 NTSTATUS HidP_GetValueCaps(HIDP_REPORT_TYPE type, PHIDP_VALUE_CAPS caps, PUSHORT length,
                            PHIDP_PREPARSED_DATA preparsed);
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/standin/last_error.h"
+#include "platform/standin/platform_call.h"
 
 namespace platform {
 namespace {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/standin/hid_api.h"
 #include "platform/standin/machine.h"
 #include "platform/standin/report_descriptor.h"
 
@@ -25,6 +26,14 @@ struct HidInterface {
   HidCollection collection;
   std::shared_ptr<HidConnection> connection;
 };
+
+/// The interface that an open handle stands for; null for one that is not open.
+std::shared_ptr<const HidInterface> InterfaceOf(HANDLE handle);
+/// A handle for the journal, which has it by the path that it opened.
+struct Opened {
+  HANDLE handle;
+};
+std::string Described(Opened opened);
 
 /// The paths of the interfaces that are there now.
 std::vector<std::wstring> HidInterfacePaths();

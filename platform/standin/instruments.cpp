@@ -3,14 +3,13 @@
 #include <mutex>
 #include <utility>
 
-#include "platform/standin/live_counters.h"
 #include "platform/standin/no_destructor.h"
 #include "platform/standin/platform_call.h"
 
 namespace platform {
 
 constinit std::atomic<unsigned> g_instruments{0};
-constinit LiveCounters g_live;
+constinit LiveCountsOf<std::atomic<std::int64_t>> g_live;
 
 namespace {
 
@@ -93,14 +92,8 @@ Fault NextFault(bool hands_back_object) noexcept {
 }
 
 LiveCounts CountLive() {
-  return {.com_initializations = g_live.com_initializations,
-          .com_objects = g_live.com_objects,
-          .texts = g_live.texts,
-          .arrays = g_live.arrays,
-          .registry_keys = g_live.registry_keys,
-          .device_sets = g_live.device_sets,
-          .device_handles = g_live.device_handles,
-          .preparsed_data = g_live.preparsed_data};
+  return {g_live.com_initializations, g_live.com_objects, g_live.texts,          g_live.arrays,
+          g_live.registry_keys,       g_live.device_sets, g_live.device_handles, g_live.preparsed_data};
 }
 
 void Complain(std::string_view what) noexcept {

@@ -58,18 +58,20 @@ void ArmFaults(const FaultPlan& plan);
 std::uint64_t DisarmFaults();
 
 /// What platform calls handed out and nobody has given back yet.
-struct LiveCounts {
-  std::int64_t com_initializations = 0;  // counted by attempt, over all threads
-  std::int64_t com_objects = 0;
-  std::int64_t texts = 0;   // BSTRs
-  std::int64_t arrays = 0;  // SAFEARRAYs
-  std::int64_t registry_keys = 0;
-  std::int64_t device_sets = 0;
-  std::int64_t device_handles = 0;
-  std::int64_t preparsed_data = 0;
+template <typename Count>
+struct LiveCountsOf {
+  Count com_initializations{};  // counted by attempt, over all threads
+  Count com_objects{};
+  Count texts{};   // BSTRs
+  Count arrays{};  // SAFEARRAYs
+  Count registry_keys{};
+  Count device_sets{};
+  Count device_handles{};
+  Count preparsed_data{};
 
-  friend bool operator==(const LiveCounts&, const LiveCounts&) = default;
+  friend bool operator==(const LiveCountsOf&, const LiveCountsOf&) = default;
 };
+using LiveCounts = LiveCountsOf<std::int64_t>;
 
 LiveCounts CountLive();
 

@@ -14,15 +14,7 @@ struct Describer {
   std::string operator()(std::monostate /*empty*/) const { return "empty"; }
   std::string operator()(const Null& /*null*/) const { return "null"; }
   std::string operator()(const std::wstring& text) const { return ReadableUtf8(text); }
-  std::string operator()(const Bytes& bytes) const {
-    std::string text;
-    for (const std::uint8_t byte : bytes) {
-      char digits[4];
-      std::snprintf(digits, sizeof(digits), text.empty() ? "%02x" : " %02x", byte);
-      text += digits;
-    }
-    return text;
-  }
+  std::string operator()(const Bytes& bytes) const { return Described(std::span<const std::uint8_t>(bytes)); }
   std::string operator()(std::integral auto number) const { return std::to_string(number); }
 };
 
@@ -34,6 +26,16 @@ std::string Described(const NamedValues& values) {
   std::string text;
   for (const auto& [name, value] : values) {
     text += (text.empty() ? "" : ", ") + ReadableUtf8(name) + "=" + Described(value);
+  }
+  return text;
+}
+
+std::string Described(std::span<const std::uint8_t> bytes) {
+  std::string text;
+  for (const std::uint8_t byte : bytes) {
+    char digits[4];
+    std::snprintf(digits, sizeof(digits), text.empty() ? "%02x" : " %02x", byte);
+    text += digits;
   }
   return text;
 }

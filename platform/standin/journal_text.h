@@ -2,6 +2,7 @@
 #pragma once
 
 #include <concepts>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@ namespace platform {
 std::string Described(const Value& value);
 /// "gmOutput=0, gmReturn=16"
 std::string Described(const NamedValues& values);
+std::string Described(std::span<const std::uint8_t> bytes);
 std::string Described(const VARIANT* value);
 std::string Described(const wchar_t* text);
 std::string Described(const char* text);

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "platform/standin/system_api.h"
+#include "platform/standin/text.h"
 
 namespace platform {
 
@@ -37,7 +38,7 @@ using Bytes = std::vector<std::uint8_t>;
 /// VT_UI4, VT_UI8, VT_BSTR and VT_ARRAY|VT_UI1.
 using Value =
     std::variant<std::monostate, Null, std::int32_t, std::uint8_t, std::uint32_t, std::uint64_t, std::wstring, Bytes>;
-using NamedValues = std::map<std::wstring, Value, std::less<>>;
+using NamedValues = std::map<std::wstring, Value, WithoutCase>;
 
 /// The firmware class ZarnGamingFunction as the management service publishes it.
 struct FirmwareClass {
@@ -97,38 +98,39 @@ struct OpenedHidDevice {
   std::shared_ptr<HidConnection> connection;
 };
 
+/// By itself an empty computer: it has a clock, and nothing else is there.
 class Machine {
  public:
   virtual ~Machine() = default;
 
   /// Whether the key is there, below HKEY_LOCAL_MACHINE. Asked when a key is opened. The names of keys and values
   /// arrive as the caller wrote them and compare without case (EqualsWithoutCase in text.h).
-  virtual bool HasRegistryKey(std::wstring_view key) = 0;
+  virtual bool HasRegistryKey(std::wstring_view /*key*/) { return false; }
   /// The bytes of a value, whatever its registry type; none when it is missing.
-  virtual std::optional<Bytes> RegistryValue(std::wstring_view key, std::wstring_view name) = 0;
+  virtual std::optional<Bytes> RegistryValue(std::wstring_view /*key*/, std::wstring_view /*name*/) { return {}; }
 
-  virtual std::optional<std::wstring> EnvironmentVariable(std::wstring_view name) = 0;
+  virtual std::optional<std::wstring> EnvironmentVariable(std::wstring_view /*name*/) { return {}; }
   /// The user that runs the process; none when it cannot be told.
-  virtual std::optional<std::wstring> UserName() = 0;
+  virtual std::optional<std::wstring> UserName() { return {}; }
 
-  /// Local time, from one reading of the clock.
-  virtual SYSTEMTIME LocalTime() = 0;
-  /// Pauses the calling thread, or only notes that it was asked to.
-  virtual void Sleep(std::uint32_t milliseconds) = 0;
+  /// Local time, from one reading of the clock. By itself the computer's own, in its own time zone.
+  virtual SYSTEMTIME LocalTime();
+  /// Pauses the calling thread, or only notes that it was asked to. By itself it really pauses.
+  virtual void Sleep(std::uint32_t milliseconds);
 
   /// The structure table; none when this machine has none.
-  virtual std::optional<SmbiosTable> ReadSmbiosTable() = 0;
+  virtual std::optional<SmbiosTable> ReadSmbiosTable() { return {}; }
   /// The firmware class; none when it is not registered here.
-  virtual std::optional<FirmwareClass> FindFirmwareClass() = 0;
+  virtual std::optional<FirmwareClass> FindFirmwareClass() { return {}; }
   /// Runs a method, one of the class's, on one of its instances. May block; two threads may be inside at once.
   virtual FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,
-                                      const NamedValues& in) = 0;
+                                      const NamedValues& in);
 
   /// The HID devices that are plugged in, in an order that stays as long as they do.
-  virtual std::vector<HidDevice> HidDevices() = 0;
+  virtual std::vector<HidDevice> HidDevices() { return {}; }
   /// Opens a device by its path: it must be there, and this process must be allowed to exchange reports with it.
   /// Exchanges none.
-  virtual OpenedHidDevice OpenHidDevice(const std::wstring& path) = 0;
+  virtual OpenedHidDevice OpenHidDevice(const std::wstring& /*path*/) { return {}; }
 };
 
 /// A machine that stands for this computer; each system has its own.

@@ -8,6 +8,8 @@
 #include <optional>
 #include <utility>
 
+#include "platform/standin/no_destructor.h"
+
 namespace platform {
 
 /// The next number. Each is handed out once in the process, so that what was closed is never taken for something

@@ -8,15 +8,13 @@
 
 #include <atomic>
 #include <new>
-#include <optional>
 #include <string>
+#include <string_view>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 #include "platform/standin/instruments.h"
 #include "platform/standin/journal_text.h"
-#include "platform/standin/last_error.h"
 #include "platform/standin/system_api.h"
 
 namespace platform {
@@ -26,11 +24,27 @@ inline constexpr unsigned kFaultsArmed = 2;
 /// Which instruments are armed: all that a call reads while none is.
 extern std::atomic<unsigned> g_instruments;
 
+/// What CountLive answers from.
+extern LiveCountsOf<std::atomic<std::int64_t>> g_live;
+
+/// Notes a misuse of the layer by its caller. A complaint for which there is no memory is lost.
+void Complain(std::string_view what) noexcept;
+
 enum class Fault { None, Failure, EmptySuccess };
 
 /// Counts a fallible call towards the fault plan and answers what is to become of it.
 Fault NextFault(bool hands_back_object) noexcept;
 void Deliver(const JournalEntry& entry);
+
+/// The calling thread's last error.
+LONG ThreadError() noexcept;
+void SetThreadError(LONG error) noexcept;
+
+/// For bodies of calls that answer 0 or FALSE when they fail.
+inline BOOLEAN FailWith(LONG error) noexcept {
+  SetThreadError(error);
+  return FALSE;
+}
 
 /// What a call that answers nothing passes back.
 struct Nothing {};
@@ -43,18 +57,6 @@ enum class FailsBy {
   Answer    // Call::failure; the code is the last error, where the call sets one
 };
 
-/// An answer as the journal has it, unless it is a result code.
-template <typename Answer>
-std::string AnswerText(Answer answer) {
-  if constexpr (std::is_pointer_v<Answer>) {
-    return answer != nullptr ? "done" : "null";
-  } else if constexpr (std::is_same_v<Answer, Nothing>) {
-    return {};
-  } else {
-    return std::to_string(answer);
-  }
-}
-
 /// What the one point must know about a platform call. Answer{} is what an empty success answers.
 template <typename Answer>
 struct Call {
@@ -62,35 +64,24 @@ struct Call {
   Answer failure = {};
   Answer out_of_memory = {};
   FailsBy fails_by = FailsBy::Answer;
-  std::string (*answer_text)(Answer) = AnswerText<Answer>;
   /// The last error that a failure sets; ERROR_SUCCESS where a call keeps none.
   LONG last_error = ERROR_SUCCESS;
   bool fallible = true;
   bool hands_back_object = false;
 };
 
-constexpr Call<HRESULT> ComCall(const char* name, HRESULT failure, HRESULT out_of_memory) {
-  return {.name = name,
-          .failure = failure,
-          .out_of_memory = out_of_memory,
-          .fails_by = FailsBy::Result,
-          .answer_text = CodeText};
-}
-
-constexpr Call<HRESULT> ObjectCall(const char* name, HRESULT failure, HRESULT out_of_memory) {
-  Call<HRESULT> call = ComCall(name, failure, out_of_memory);
-  call.hands_back_object = true;
-  return call;
+constexpr Call<HRESULT> ComCall(const char* name, HRESULT failure = E_FAIL, HRESULT out_of_memory = E_OUTOFMEMORY) {
+  return {.name = name, .failure = failure, .out_of_memory = out_of_memory, .fails_by = FailsBy::Result};
 }
 
 constexpr Call<LONG> StatusCall(const char* name, LONG failure) {
   return {.name = name, .failure = failure, .out_of_memory = ERROR_NOT_ENOUGH_MEMORY, .fails_by = FailsBy::Status};
 }
 
-/// A call that answers 0, FALSE or null when it fails.
+/// A call that answers 0, FALSE or null when it fails, or another `failure`.
 template <typename Answer>
-constexpr Call<Answer> ZeroCall(const char* name, LONG last_error = ERROR_SUCCESS) {
-  return {.name = name, .failure = {}, .out_of_memory = {}, .last_error = last_error};
+constexpr Call<Answer> ZeroCall(const char* name, LONG last_error = ERROR_SUCCESS, Answer failure = {}) {
+  return {.name = name, .failure = failure, .out_of_memory = failure, .last_error = last_error};
 }
 
 template <typename Answer = Nothing>
@@ -102,6 +93,13 @@ constexpr Call<Answer> SureCall(const char* name) {
 template <typename Answer>
 constexpr Call<Answer> Sure(Call<Answer> call) {
   call.fallible = false;
+  return call;
+}
+
+/// The same call, which hands back an object.
+template <typename Answer>
+constexpr Call<Answer> WithObject(Call<Answer> call) {
+  call.hands_back_object = true;
   return call;
 }
 
@@ -136,32 +134,39 @@ auto Asked(const Values&... values) {
   return [&] { return std::vector<std::string>{Described(values)...}; };
 }
 
-/// The code of a failure, nothing for a success; see JournalEntry.
+/// An answer as the journal has it.
 template <typename Answer>
-std::optional<std::uint32_t> FailureCode(const Call<Answer>& call, Answer answer) {
-  if constexpr (std::is_integral_v<Answer>) {
-    const auto code = static_cast<std::uint32_t>(answer);
-    if (call.fails_by == FailsBy::Result) return FAILED(answer) ? std::optional(code) : std::nullopt;
-    if (call.fails_by == FailsBy::Status) return answer != ERROR_SUCCESS ? std::optional(code) : std::nullopt;
+std::string AnswerText(const Call<Answer>& call, Answer answer) {
+  if constexpr (std::is_pointer_v<Answer>) {
+    return answer != call.failure ? "done" : answer == nullptr ? "null" : "invalid";
+  } else if constexpr (std::is_same_v<Answer, Nothing>) {
+    return {};
+  } else {
+    return call.fails_by == FailsBy::Result ? CodeText(static_cast<HRESULT>(answer)) : std::to_string(answer);
   }
-  if constexpr (!std::is_same_v<Answer, Nothing>) {
-    if (call.fails_by == FailsBy::Answer && answer == call.failure) {
-      return call.last_error != ERROR_SUCCESS ? static_cast<std::uint32_t>(ThreadError()) : 0;
-    }
-  }
-  return std::nullopt;
 }
 
-/// Fills in what came of a call: with the last error, if it is a failure that sets one.
+/// An answer that is also the failure's, as an empty variable's length of 0, is a success if the last error says so.
 template <typename Answer>
-void NoteOutcome(const Call<Answer>& call, Answer answer, const std::string& handed_back, JournalEntry& entry) {
-  const std::optional<std::uint32_t> code = FailureCode(call, answer);
-  const bool sets_error = code && call.last_error != ERROR_SUCCESS;
-  // An answer that is also the failure's, an empty variable's length of 0, is a success if the last error says so.
-  entry.failed = code && !(sets_error && *code == 0);
-  entry.code = code.value_or(0);
-  const std::string error = sets_error ? ", error " + std::to_string(*code) : "";
-  entry.result = Listed({call.answer_text(answer) + error, handed_back});
+bool HasFailed(const Call<Answer>& call, Answer answer) {
+  if constexpr (std::is_integral_v<Answer>) {
+    if (call.fails_by == FailsBy::Result) return FAILED(static_cast<HRESULT>(answer));
+    if (call.fails_by == FailsBy::Status) return answer != ERROR_SUCCESS;
+  }
+  if constexpr (!std::is_same_v<Answer, Nothing>) {
+    const bool says_otherwise = call.last_error != ERROR_SUCCESS && ThreadError() == ERROR_SUCCESS;
+    return call.fails_by == FailsBy::Answer && answer == call.failure && !says_otherwise;
+  }
+  return false;
+}
+
+/// The code of a failure; see JournalEntry.
+template <typename Answer>
+std::uint32_t CodeOf(const Call<Answer>& call, Answer answer) {
+  if constexpr (std::is_integral_v<Answer>) {
+    if (call.fails_by != FailsBy::Answer) return static_cast<std::uint32_t>(answer);
+  }
+  return call.last_error != ERROR_SUCCESS ? static_cast<std::uint32_t>(ThreadError()) : 0;
 }
 
 /// Makes the call `body` does. For the journal `arguments()` tells what was asked, before the body runs, and
@@ -183,7 +188,11 @@ Answer Pass(const Call<Answer>& call, const Arguments& arguments, const Body& bo
   }
   const Answer answer = Attempt(call, body, (armed & kFaultsArmed) != 0);
   try {
-    NoteOutcome(call, answer, handed_back(answer), entry);
+    entry.failed = HasFailed(call, answer);
+    entry.code = entry.failed ? CodeOf(call, answer) : 0;
+    const bool set_error = entry.failed && call.last_error != ERROR_SUCCESS;
+    const std::string error = set_error ? ", error " + std::to_string(entry.code) : "";
+    entry.result = Listed({AnswerText(call, answer) + error, handed_back(answer)});
     Deliver(entry);
   } catch (...) {
     // An entry that cannot be composed, or that its listener will not have, is lost; the call has been made.

@@ -1,9 +1,7 @@
 #include <algorithm>
 #include <string>
 
-#include "platform/standin/live_counters.h"
 #include "platform/standin/machine.h"
-#include "platform/standin/no_destructor.h"
 #include "platform/standin/open_things.h"
 #include "platform/standin/platform_call.h"
 #include "platform/standin/registry_api.h"
@@ -12,18 +10,18 @@
 namespace platform {
 namespace {
 
-constexpr Call<LONG> kRegOpenKeyExW = StatusCall("RegOpenKeyExW", ERROR_FILE_NOT_FOUND);
-constexpr Call<LONG> kRegQueryValueExW = StatusCall("RegQueryValueExW", ERROR_FILE_NOT_FOUND);
-constexpr Call<LONG> kRegCloseKey = Sure(StatusCall("RegCloseKey", ERROR_INVALID_HANDLE));
-
 /// The names of the open keys.
 OpenThings<std::wstring>& Keys() {
   static NoDestructor<OpenThings<std::wstring>> keys(g_live.registry_keys);
   return *keys;
 }
 
-std::string DescribedKey(HKEY key) {
-  const auto name = Keys().Find(key);
+/// A key for the journal, which has it by its name.
+struct OpenKey {
+  HKEY key;
+};
+std::string Described(OpenKey open) {
+  const auto name = Keys().Find(open.key);
   return name ? ReadableUtf8(*name) : "not open";
 }
 
@@ -67,27 +65,24 @@ LONG CloseKey(HKEY key) {
 extern "C" {
 
 LONG RegOpenKeyExW(HKEY key, LPCWSTR subkey, DWORD /*options*/, REGSAM access, PHKEY result) {
-  return Pass(kRegOpenKeyExW, Asked(subkey, access), [&] {
+  return Pass(StatusCall("RegOpenKeyExW", ERROR_FILE_NOT_FOUND), Asked(subkey, access), [&] {
     return subkey != nullptr && result != nullptr ? Open(key, subkey, *result) : ERROR_INVALID_PARAMETER;
   });
 }
 
 LONG RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD /*reserved*/, LPDWORD type, LPBYTE data, LPDWORD size) {
   return Pass(
-      kRegQueryValueExW,
-      [&] {
-        return std::vector{DescribedKey(key), Described(name)};
-      },
+      StatusCall("RegQueryValueExW", ERROR_FILE_NOT_FOUND), Asked(OpenKey{key}, name),
       [&] { return Query(key, name, type, data, size); },
       [&](LONG result) {
         const bool copied = result == ERROR_SUCCESS && data != nullptr;
-        return copied ? Described(Bytes(data, data + *size)) : "";
+        return copied ? platform::Described(std::span<const std::uint8_t>(data, *size)) : "";
       });
 }
 
 LONG RegCloseKey(HKEY key) {
-  return Pass(
-      kRegCloseKey, [&] { return std::vector{DescribedKey(key)}; }, [&] { return CloseKey(key); });
+  return Pass(Sure(StatusCall("RegCloseKey", ERROR_INVALID_HANDLE)), Asked(OpenKey{key}),
+              [&] { return CloseKey(key); });
 }
 
 }  // extern "C"

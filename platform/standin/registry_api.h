@@ -9,10 +9,7 @@ using REGSAM = DWORD;
 
 inline const HKEY HKEY_LOCAL_MACHINE = reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(0x80000002));
 inline constexpr REGSAM KEY_READ = 0x20019;
-inline constexpr DWORD REG_SZ = 1;
 inline constexpr DWORD REG_BINARY = 3;
-inline constexpr DWORD REG_DWORD = 4;
-inline constexpr DWORD REG_QWORD = 11;
 
 extern "C" {
 

@@ -1,20 +1,23 @@
-/// Registry values of a machine that has no registry: keys below HKEY_LOCAL_MACHINE, their values, and the values'
-/// bytes.
+/// Registry values where there is no registry: keys below HKEY_LOCAL_MACHINE, their values, and the values' bytes.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "platform/standin/machine.h"
+#include "platform/standin/text.h"
 
 namespace platform {
 
-using RegistryValues = std::map<std::wstring, std::map<std::wstring, Bytes>>;
+using KeyValues = std::map<std::wstring, std::vector<std::uint8_t>, WithoutCase>;
+using RegistryValues = std::map<std::wstring, KeyValues, WithoutCase>;
 
-/// Whether the key is there, be it because one below it is. Names compare without case.
+/// Whether the key is there. A key is also there when one below it is.
 bool HasKey(const RegistryValues& values, std::wstring_view key);
-std::optional<Bytes> FindValue(const RegistryValues& values, std::wstring_view key, std::wstring_view name);
+std::optional<std::vector<std::uint8_t>> FindValue(const RegistryValues& values, std::wstring_view key,
+                                                   std::wstring_view name);
 
 }  // namespace platform

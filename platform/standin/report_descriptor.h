@@ -1,7 +1,11 @@
-/// What a HID report descriptor says, as capabilities: the one parser for all machines. Pure; any thread.
+/// What a HID report descriptor says of feature reports, as capabilities: the one parser for all machines. Pure; any
+/// thread.
+///
+/// It fills in what the plug-in reads. Of a collection that is its usage and page, the length of its feature reports
+/// and the number of their values; of a value its page, its usages and data indexes, report, size and count. All other
+/// fields of the records are 0. Input and output reports only have to keep within the limits.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -14,9 +18,9 @@ namespace platform {
 /// One top-level collection, which the platform treats as an interface of its own.
 struct HidCollection {
   HIDP_CAPS caps = {};
-  /// The value fields of each HIDP_REPORT_TYPE, in Windows' order: main items as the descriptor has them, the usages of
-  /// one from the last named to the first. Buttons (single bits, and arrays of usages) and padding are not among them.
-  std::array<std::vector<HIDP_VALUE_CAPS>, 3> values;
+  /// The feature values in Windows' order: main items as the descriptor has them, the usages of one from the last named
+  /// to the first. Buttons (single bits, and arrays of usages) and padding are not among them.
+  std::vector<HIDP_VALUE_CAPS> values;
 };
 
 struct ReportDescriptor {

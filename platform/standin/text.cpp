@@ -73,4 +73,8 @@ bool EqualsWithoutCase(std::wstring_view left, std::wstring_view right) {
   return std::ranges::equal(left, right, {}, LowerCase, LowerCase);
 }
 
+bool WithoutCase::operator()(std::wstring_view left, std::wstring_view right) const {
+  return std::ranges::lexicographical_compare(left, right, {}, LowerCase, LowerCase);
+}
+
 }  // namespace platform

@@ -1,7 +1,6 @@
 /// Text on its way between the platform's wide characters and UTF-8.
 #pragma once
 
-#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -30,12 +29,10 @@ std::wstring WideFromUtf8(std::string_view utf8);
 /// As far as ASCII letters go: the names that compare without case here are made of them.
 bool EqualsWithoutCase(std::wstring_view left, std::wstring_view right);
 
-/// The entry of `map` called `name`, whatever the case; null when there is none.
-template <typename Map>
-const typename Map::mapped_type* FindWithoutCase(const Map& map, std::wstring_view name) {
-  const auto found =
-      std::ranges::find_if(map, [name](const auto& entry) { return EqualsWithoutCase(entry.first, name); });
-  return found == map.end() ? nullptr : &found->second;
-}
+/// An order of names by the same rule, for maps.
+struct WithoutCase {
+  using is_transparent = void;
+  bool operator()(std::wstring_view left, std::wstring_view right) const;
+};
 
 }  // namespace platform

@@ -60,7 +60,6 @@ static_assert(sizeof(VARIANT) == 24);
 using VARIANTARG = VARIANT;
 
 #define V_VT(variant) ((variant)->vt)
-#define V_I4(variant) ((variant)->lVal)
 #define V_UI1(variant) ((variant)->bVal)
 #define V_UI4(variant) ((variant)->ulVal)
 #define V_UI8(variant) ((variant)->ullVal)
@@ -84,8 +83,9 @@ HRESULT VariantClear(VARIANTARG* variant);
 /// Clears `destination` and makes it a deep copy of `source`. A failure leaves it
 /// VT_EMPTY, save DISP_E_ARRAYISLOCKED, which changes nothing; a copy onto itself changes nothing either.
 HRESULT VariantCopy(VARIANTARG* destination, VARIANTARG* source);
-/// Converts `source` to `type` into `destination`, which may be the same VARIANT. On failure
-/// (DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, E_OUTOFMEMORY) both stay as they were. `flags` is 0.
+/// Converts `source` to `type` into `destination`, which may be the same VARIANT: to VT_UI4, VT_UI8, VT_BSTR or an
+/// array of bytes. On failure (DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, E_OUTOFMEMORY) both stay as they were. `flags` is
+/// 0.
 HRESULT VariantChangeType(VARIANTARG* destination, VARIANTARG* source, USHORT flags, VARTYPE type);
 
 /// A zeroed one-dimensional array; 0 elements are valid. Null for another type, dimension or lower bound, or when

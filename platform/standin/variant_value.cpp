@@ -6,8 +6,6 @@
 namespace platform {
 namespace {
 
-constexpr VARTYPE kByteArray = VT_ARRAY | VT_UI1;
-
 Bytes BytesOf(const SAFEARRAY* array) {
   if (array == nullptr) return {};
   const auto* first = static_cast<const std::uint8_t*>(array->pvData);
@@ -68,28 +66,6 @@ VARIANT VariantOf(const Value& value) {
   VARIANT variant = {};
   std::visit(VariantWriter{variant}, value);
   return variant;
-}
-
-HRESULT ClearVariant(VARIANT& variant) noexcept {
-  switch (variant.vt) {
-    case VT_EMPTY:
-    case VT_NULL:
-    case VT_I4:
-    case VT_UI1:
-    case VT_UI4:
-    case VT_UI8:
-      break;
-    case VT_BSTR:
-      FreeText(variant.bstrVal);
-      break;
-    case kByteArray:
-      if (const HRESULT freed = FreeArray(variant.parray); FAILED(freed)) return freed;
-      break;
-    default:
-      return DISP_E_BADVARTYPE;
-  }
-  variant.vt = VT_EMPTY;
-  return S_OK;
 }
 
 }  // namespace platform

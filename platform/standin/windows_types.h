@@ -15,7 +15,6 @@ using LONG = std::int32_t;
 using BOOL = std::int32_t;
 using HRESULT = std::int32_t;
 using ULONGLONG = std::uint64_t;
-using LONGLONG = std::int64_t;
 using WCHAR = wchar_t;
 using HANDLE = void*;
 using LPBYTE = BYTE*;

@@ -7,8 +7,8 @@
 #include <tuple>
 #include <utility>
 
-#include "platform/standin/empty_machine.h"
 #include "platform/standin/hid_api.h"
+#include "platform/standin/machine.h"
 #include "platform/standin/registry_values.h"
 #include "platform/standin/text.h"
 #include "platform/standin/wmi_api.h"
@@ -17,20 +17,10 @@ namespace simulator {
 namespace {
 
 using platform::Bytes;
-using platform::FindWithoutCase;
 
 LONG CodeOf(HidKeyboard::Result result) {
-  switch (result) {
-    case HidKeyboard::Result::Done:
-      return ERROR_SUCCESS;
-    case HidKeyboard::Result::Refused:
-      return ERROR_GEN_FAILURE;
-    case HidKeyboard::Result::NoAnswer:
-      return ERROR_SEM_TIMEOUT;
-    case HidKeyboard::Result::Gone:
-      break;
-  }
-  return ERROR_DEVICE_NOT_CONNECTED;
+  static constexpr LONG kCodes[] = {ERROR_SUCCESS, ERROR_GEN_FAILURE, ERROR_SEM_TIMEOUT, ERROR_DEVICE_NOT_CONNECTED};
+  return kCodes[static_cast<std::size_t>(result)];
 }
 
 class KeyboardConnection final : public platform::HidConnection {
@@ -54,7 +44,7 @@ class KeyboardConnection final : public platform::HidConnection {
   const std::uint64_t connection_;
 };
 
-class NotebookMachine final : public platform::EmptyMachine {
+class NotebookMachine final : public platform::Machine {
  public:
   explicit NotebookMachine(std::shared_ptr<Notebook> notebook) : notebook_(std::move(notebook)) {}
 
@@ -65,8 +55,8 @@ class NotebookMachine final : public platform::EmptyMachine {
   }
 
   std::optional<std::wstring> EnvironmentVariable(std::wstring_view name) override {
-    if (const auto* const value = FindWithoutCase(profile().environment, name)) return *value;
-    return platform::ProcessVariable(name);
+    const auto set = profile().environment.find(name);
+    return set != profile().environment.end() ? set->second : platform::ProcessVariable(name);
   }
 
   std::optional<std::wstring> UserName() override {
@@ -89,16 +79,12 @@ class NotebookMachine final : public platform::EmptyMachine {
   platform::FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,
                                         const platform::NamedValues& in) override {
     if (instance_name != profile().firmware_instance) return {platform::Status(WBEM_E_NOT_FOUND), {}};
-    const auto* const value = FindWithoutCase(in, L"gmInput");
-    EcFirmware::Input input;
-    if (const auto* const bytes = value == nullptr ? nullptr : std::get_if<Bytes>(value)) {
-      input = *bytes;
-    } else if (const auto* const text = value == nullptr ? nullptr : std::get_if<std::wstring>(value)) {
-      input = *text;
-    } else {
-      return {platform::Status(WBEM_E_INVALID_PARAMETER), {}};
-    }
-    const EcFirmware::Answer answer = notebook_->CallFirmware(platform::ReadableUtf8(method), input);
+    const auto input = in.find(L"gmInput");
+    const auto* const bytes = input == in.end() ? nullptr : std::get_if<Bytes>(&input->second);
+    const auto* const text = input == in.end() ? nullptr : std::get_if<std::wstring>(&input->second);
+    if (bytes == nullptr && text == nullptr) return {platform::Status(WBEM_E_INVALID_PARAMETER), {}};
+    const EcFirmware::Answer answer =
+        notebook_->CallFirmware(platform::ReadableUtf8(method), bytes != nullptr ? EcFirmware::Input(*bytes) : *text);
     if (!answer.refusal.empty()) return {platform::Status(WBEM_E_INVALID_PARAMETER), {}};
     platform::NamedValues out;
     out[L"gmOutput"] = std::visit([](const auto& output) -> platform::Value { return output; }, answer.output);

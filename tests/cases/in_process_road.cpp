@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/standin/empty_machine.h"
 #include "platform/standin/instruments.h"
+#include "platform/standin/machine.h"
 #include "simulator/road/notebook_machine.h"
 #include "tests/cases/road.h"
 
@@ -21,7 +21,7 @@ class InProcessRoad final : public Road {
   void TakeAway() override {
     EXPECT_EQ(platform::CountLive(), platform::LiveCounts{});
     EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{});
-    EXPECT_TRUE(platform::UseMachine(std::make_shared<platform::EmptyMachine>()));
+    EXPECT_TRUE(platform::UseMachine(std::make_shared<platform::Machine>()));
   }
 };
 

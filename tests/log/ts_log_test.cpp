@@ -70,7 +70,7 @@ TEST_F(TsLogTest, SwitchIsReadAgainUntilTheLogIsThereAndNeverAfter) {
   InOwnProcess([&] {
     machine->registry.clear();
     EXPECT_EQ(TsLog::GetInstance(), nullptr);
-    const std::vector<std::map<std::wstring, Bytes>> off = {{{L"SomethingElse", {1, 0, 0, 0}}},
+    const std::vector<platform::KeyValues> off = {{{L"SomethingElse", {1, 0, 0, 0}}},
                                                             {{L"ZarnLightingService", {0, 0, 0, 0}}},
                                                             {{L"ZarnLightingService", {'1', 0, 0, 0}}}};  // a text
     for (const auto& values : off) {

@@ -1,17 +1,16 @@
 #include <filesystem>
+#include <new>
 #include <stdexcept>
 
 #include "platform/hid.h"
 #include "platform/registry.h"
 #include "platform/system.h"
-#include "tests/platform/management_session.h"
+#include "platform/wmi.h"
 #include "tests/support/machine_fixture.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {
 
-using test::OwnedVariant;
-using test::Session;
 using InstrumentsTest = test::MachineTest;
 
 /// Runs `call` with a fault of its own.
@@ -24,12 +23,9 @@ auto Failing(Call call) {
 }
 
 TEST_F(InstrumentsTest, CallsFailInTheirOwnWayAndDoNothing) {
-  const Session session;
-  const auto in = session.InParameters(L"SetGamingLED");
-  OwnedVariant value(L"1");
   wchar_t wide[8] = L"";
   HKEY key = nullptr;
-  EXPECT_EQ(Failing([&] { return in->Get(L"gmInput", 0, &value, nullptr, nullptr); }), WBEM_E_NOT_FOUND);
+  VARIANT value = {};
   EXPECT_EQ(Failing([] { return SysAllocString(L""); }), nullptr);
   EXPECT_EQ(Failing([&] { return VariantChangeType(&value, &value, 0, VT_UI4); }), E_OUTOFMEMORY);
   EXPECT_EQ(Failing([&] { return RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"A", 0, KEY_READ, &key); }), 2);
@@ -38,9 +34,6 @@ TEST_F(InstrumentsTest, CallsFailInTheirOwnWayAndDoNothing) {
   const test::TemporaryFolder folder;
   EXPECT_EQ(Failing([&] { return MakeSureDirectoryPathExists((folder.path() / "a/").c_str()); }), FALSE);
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
-  std::wofstream stream;
-  EXPECT_TRUE(
-      Failing([&] { return platform::OpenToAppend(stream, (folder.path() / "a").wstring().c_str()), stream.fail(); }));
 }
 
 TEST_F(InstrumentsTest, JournalTellsWhatACallWasAboutAndHowItFailed) {
@@ -68,21 +61,23 @@ TEST_F(InstrumentsTest, JournalTellsWhatACallWasAboutAndHowItFailed) {
 }
 
 TEST_F(InstrumentsTest, WhatMachineOrJournalThrowsDoesNotReachTheCaller) {
-  const Session session;
-  const wchar_t path[] = L"ZarnGamingFunction.InstanceName=\"ACPI\\\\ZARN\\\\0_0\"";
+  test::ScriptedHid& device = machine->Plug(test::VendorCollection(0xFF5A, {}, 1));
+  const HANDLE handle = CreateFileW(device.device.path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  std::uint8_t report[] = {0xA4, 7};
   platform::SetJournal([](const platform::JournalEntry&) { throw std::runtime_error("full"); });
-  EXPECT_NE(session.Run(path, L"SetGamingLED"), nullptr);
+  EXPECT_TRUE(HidD_SetFeature(handle, report, sizeof(report)));
   platform::SetJournal({});
-  machine->answer = [](const test::FirmwareCall&) -> platform::FirmwareAnswer { throw std::runtime_error("gone"); };
-  EXPECT_EQ(session.Run(path, L"SetGamingLED"), nullptr);
-  EXPECT_EQ(session.status, WBEM_E_FAILED);
-  machine->answer = [](const test::FirmwareCall&) -> platform::FirmwareAnswer { throw std::bad_alloc(); };
-  EXPECT_EQ(session.Run(path, L"SetGamingLED"), nullptr);
-  EXPECT_EQ(session.status, WBEM_E_OUT_OF_MEMORY);
+  device.fail = [](auto) -> LONG { throw std::runtime_error("gone"); };
+  EXPECT_FALSE(HidD_SetFeature(handle, report, sizeof(report)));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_GEN_FAILURE));
+  device.fail = [](auto) -> LONG { throw std::bad_alloc(); };
+  EXPECT_FALSE(HidD_SetFeature(handle, report, sizeof(report)));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
+  CloseHandle(handle);
 }
 
 TEST_F(InstrumentsTest, MachineStaysWhileAnythingOfItIsAlive) {
-  const auto other = std::make_shared<platform::EmptyMachine>();
+  const auto other = std::make_shared<platform::Machine>();
   EXPECT_FALSE(platform::UseMachine(nullptr));
   CoInitializeEx(nullptr, COINIT_MULTITHREADED);
   EXPECT_FALSE(platform::UseMachine(other));

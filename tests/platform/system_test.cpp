@@ -167,12 +167,12 @@ TEST_F(SystemTest, NothingIsMadeAtTheRootOfTheFileSystem) {
   EXPECT_FALSE(fs::exists("/zarn test") || fs::exists("/zarn test.log"));
 }
 
-TEST_F(SystemTest, EmptyMachineHasTheComputersLocalTime) {
+TEST_F(SystemTest, AMachineByItselfHasTheComputersLocalTime) {
   namespace chrono = std::chrono;
   setenv("TZ", "ZRN-05:30", 1);
   tzset();
   const auto before = chrono::floor<chrono::seconds>(chrono::system_clock::now());
-  const SYSTEMTIME time = platform::EmptyMachine().LocalTime();
+  const SYSTEMTIME time = platform::Machine().LocalTime();
   unsetenv("TZ");
   tzset();
   const chrono::sys_days today(chrono::year(time.wYear) / time.wMonth / time.wDay);

@@ -17,7 +17,7 @@ class MachineTest : public ::testing::Test {
   MachineTest() { EXPECT_TRUE(platform::UseMachine(machine)); }
   ~MachineTest() override {
     ExpectNothingAlive();
-    EXPECT_TRUE(platform::UseMachine(std::make_shared<platform::EmptyMachine>()));
+    EXPECT_TRUE(platform::UseMachine(std::make_shared<platform::Machine>()));
   }
 
   static void ExpectNothingAlive() {

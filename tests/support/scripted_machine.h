@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "log/service_switch.h"
-#include "platform/standin/empty_machine.h"
+#include "platform/standin/machine.h"
 #include "platform/standin/registry_values.h"
 #include "tests/support/scripted_hid.h"
 
@@ -28,7 +28,7 @@ struct FirmwareCall {
   friend bool operator==(const FirmwareCall&, const FirmwareCall&) = default;
 };
 
-class ScriptedMachine : public platform::EmptyMachine {
+class ScriptedMachine : public platform::Machine {
  public:
   ScriptedMachine() {
     firmware.methods = {{L"SetGamingLED"}, {L"GetGamingLED"}, {L"SetGamingKBBacklight"}, {L"SetGamingRgbKb"}};

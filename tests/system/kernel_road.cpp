@@ -6,8 +6,8 @@
 #include <fstream>
 
 #include "platform/linux/linux_machine.h"
-#include "platform/standin/empty_machine.h"
 #include "platform/standin/instruments.h"
+#include "platform/standin/machine.h"
 #include "platform/standin/text.h"
 #include "tests/cases/road.h"
 #include "tests/support/temporary_folder.h"
@@ -40,7 +40,7 @@ class KernelRoad final : public Road {
   void TakeAway() override {
     EXPECT_EQ(platform::CountLive(), platform::LiveCounts{});
     EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{});
-    EXPECT_TRUE(platform::UseMachine(std::make_shared<platform::EmptyMachine>()));
+    EXPECT_TRUE(platform::UseMachine(std::make_shared<platform::Machine>()));
     keyboards_.reset();
   }
 

@@ -7,15 +7,13 @@
 #include <vector>
 
 #include "platform/standin/com_object.h"
-#include "platform/standin/device_handles.h"
-#include "platform/standin/empty_machine.h"
-#include "platform/standin/last_error.h"
+#include "platform/standin/hid_interfaces.h"
+#include "platform/standin/machine.h"
+#include "platform/standin/platform_call.h"
 #include "platform/standin/variant_value.h"
 
 namespace platform {
 namespace {
-
-constexpr Call<HRESULT> kSetBlanket = ComCall("CoSetProxyBlanket", E_NOINTERFACE, E_OUTOFMEMORY);
 
 /// What the system's CoSetProxyBlanket hands its arguments to.
 class ClientSecurity final : public ComObject<ClientSecurity, IClientSecurity> {
@@ -26,7 +24,7 @@ class ClientSecurity final : public ComObject<ClientSecurity, IClientSecurity> {
                                        OLECHAR* principal, DWORD authn_level, DWORD imp_level, void* identity,
                                        DWORD capabilities) override {
     const wchar_t* const other_identity = identity != nullptr ? L"identity" : nullptr;
-    return Pass(kSetBlanket,
+    return Pass(ComCall("CoSetProxyBlanket", E_NOINTERFACE),
                 Asked(authn_service, authz_service, principal, authn_level, imp_level, other_identity, capabilities),
                 [] { return S_OK; });
   }
@@ -43,7 +41,7 @@ std::wstring PathOf(HANDLE handle) {
 
 }  // namespace
 
-std::shared_ptr<Machine> MakeThisComputer() { return std::make_shared<EmptyMachine>(); }
+std::shared_ptr<Machine> MakeThisComputer() { return std::make_shared<Machine>(); }
 
 LONG ThreadError() noexcept { return static_cast<LONG>(GetLastError()); }
 
@@ -55,8 +53,6 @@ BSTR AllocateText(std::wstring_view text) {
   return copy;
 }
 
-void FreeText(BSTR text) noexcept { SysFreeString(text); }
-
 UINT TextLength(BSTR text) noexcept { return SysStringLen(text); }
 
 SAFEARRAY* AllocateArray(ULONG size) {
@@ -64,8 +60,6 @@ SAFEARRAY* AllocateArray(ULONG size) {
   if (array == nullptr) throw std::bad_alloc();
   return array;
 }
-
-HRESULT FreeArray(SAFEARRAY* array) noexcept { return SafeArrayDestroy(array); }
 
 HRESULT QueryOther(REFIID iid, void** object) {
   if (iid != ClientSecurity::kIid) return E_NOINTERFACE;
@@ -75,7 +69,7 @@ HRESULT QueryOther(REFIID iid, void** object) {
 
 std::shared_ptr<const HidInterface> InterfaceOf(HANDLE handle) { return OpenHidInterface(PathOf(handle)); }
 
-std::string DescribedHandle(HANDLE handle) { return Described(PathOf(handle).c_str()); }
+std::string Described(Opened opened) { return Described(PathOf(opened.handle).c_str()); }
 
 std::optional<std::wstring> ProcessVariable(std::wstring_view /*name*/) { return std::nullopt; }
 

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "platform/standin/wmi_locator.h"
+#include "platform/standin/management_service.h"
 
 namespace platform {
 namespace {
@@ -19,7 +19,7 @@ class LocatorFactory final : public IClassFactory {
   ULONG STDMETHODCALLTYPE Release() override { return 1; }
 
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* /*outer*/, REFIID iid, void** object) override {
-    IUnknown* const locator = new WmiLocator;
+    IUnknown* const locator = NewLocator();
     const HRESULT result = locator->QueryInterface(iid, object);
     locator->Release();
     return result;

@@ -8,8 +8,8 @@
 #include <string>
 
 #include "platform/registry.h"
-#include "platform/standin/empty_machine.h"
 #include "platform/standin/instruments.h"
+#include "platform/standin/machine.h"
 #include "platform/standin/report_descriptor.h"
 #include "platform/wmi.h"
 #include "simulator/road/notebook_machine.h"
@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 /// The notebook as far as the platform does not have it itself. Its HID devices are files, so that the platform's own
 /// calls open and close them: one for each interface and each time that a keyboard is plugged in, "2-5" for the third
 /// keyboard's fifth connection.
-class NotebookInFiles final : public platform::EmptyMachine {
+class NotebookInFiles final : public platform::Machine {
  public:
   explicit NotebookInFiles(std::shared_ptr<simulator::Notebook> notebook)
       : notebook_(std::move(notebook)), machine_(simulator::MakeMachine(notebook_)) {}
@@ -105,12 +105,12 @@ class WineRoad final : public Road {
   void TakeAway() override {
     EXPECT_EQ(platform::CountLive(), platform::LiveCounts{});
     EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{});
-    EXPECT_TRUE(platform::UseMachine(std::make_shared<platform::EmptyMachine>()));
+    EXPECT_TRUE(platform::UseMachine(std::make_shared<platform::Machine>()));
     EXPECT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\OEM\\ZarnLightingService"), ERROR_SUCCESS);
   }
 
  private:
-  static void WriteKey(const std::wstring& key, const std::map<std::wstring, std::vector<std::uint8_t>>& values) {
+  static void WriteKey(const std::wstring& key, const platform::KeyValues& values) {
     HKEY opened = nullptr;
     ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &opened, nullptr),
               ERROR_SUCCESS);

@@ -50,7 +50,7 @@ toml::array Listed(std::span<const std::uint8_t> bytes) {
 /// A field of the collection's feature reports; of several declarations the last one counts. Null when there is none.
 const HIDP_VALUE_CAPS* FindField(const HidCollection& collection, std::uint8_t report_id, std::uint16_t usage) {
   const HIDP_VALUE_CAPS* field = nullptr;
-  for (const HIDP_VALUE_CAPS& caps : collection.values[HidP_Feature]) {
+  for (const HIDP_VALUE_CAPS& caps : collection.values) {
     if (caps.ReportID == report_id && caps.NotRange.Usage == usage) field = &caps;
   }
   return field;
