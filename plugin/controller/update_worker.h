@@ -7,9 +7,10 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <functional>
 #include <mutex>
 #include <thread>
+
+#include "zarn_lighting/rgb_controller_interface.h"
 
 class UpdateWorker {
  public:
@@ -19,13 +20,13 @@ class UpdateWorker {
   /// Stops. On the worker thread itself this ends the process: there is nobody left to go on with.
   ~UpdateWorker();  // NOLINT(bugprone-exception-escape): that is how it ends the process
 
-  /// Starts a thread with `body`, which calls Run, and returns when it stands at its wait: no request raised from
-  /// then on is lost. Throws std::system_error when no thread can be started.
-  void Start(std::function<void()> body);
+  /// Starts the thread of `device`, whose slot 24 calls Run, and returns when it stands at its wait: no request raised
+  /// from then on is lost. Throws std::system_error when no thread can be started.
+  void Start(RGBControllerInterface& device);
 
-  /// The worker's loop, until it is stopped. Nothing thrown by the operations gets past it. Returns at once when it
-  /// has been entered before, so that only the thread of Start ever works.
-  void Run(const std::function<void()>& write_mode, const std::function<void()>& write_colors);
+  /// The worker's loop over the slots 30 and 27 of `device`, until it is stopped. Returns at once when it has been
+  /// entered before, so that only the thread of Start ever works.
+  void Run(RGBControllerInterface& device);
 
   void RequestModePush();
   void RequestColorPush();
@@ -38,7 +39,7 @@ class UpdateWorker {
 
  private:
   void Request(std::atomic<bool>& pending);
-  void PushPending(const std::function<void()>& write_mode, const std::function<void()>& write_colors);
+  void PushPending(RGBControllerInterface& device);
 
   std::thread worker;
   std::atomic<bool> colors_pending = false;

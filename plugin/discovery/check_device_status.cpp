@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <exception>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -46,10 +45,7 @@ class PresenceTest {
   PresenceTest() = default;
   PresenceTest(const PresenceTest&) = delete;
   PresenceTest& operator=(const PresenceTest&) = delete;
-  ~PresenceTest() {
-    const std::lock_guard lock(g_lightingDevicesLock);
-    LightingHID::CloseLightingDevices();
-  }
+  ~PresenceTest() { LightingHID::CloseLightingDevices(); }
 };
 
 /// The HID keyboard, if there is one.
@@ -67,22 +63,13 @@ Status HidKeyboardAlone(const _HIDInfo& keyboard) {
           .count = 1};
 }
 
-/// All zero when there is none.
-stSMBiosType172 ReadFirmwareRecord() {
-  RawSmbiosTable table;
-  stSMBiosType172 record;
-  ReadRawSmbiosTable(table);
-  if (!FindSMBiosType172(table, record)) kLog(L"Get SMBIOS 172 fail!");
-  return record;
-}
-
 /// Whether the firmware confirms the light bar that its record announces. Older firmware does so in one byte of its
 /// answer, for which the call must have gone well; newer firmware in any of four pairs of bytes.
-bool FirmwareHasLightBar(std::pair<std::uint8_t, std::uint8_t> version) {
-  kLog(L"BIOS major version:%d - BIOS minor version::%d", version.first, version.second);
+bool FirmwareHasLightBar(const FirmwareVersion& version) {
+  kLog(L"BIOS major version:%d - BIOS minor version::%d", version.major, version.minor);
   std::array<std::uint8_t, 16> answer{};
   const auto is_set = [&answer](std::size_t i) { return answer.at(i) != 0 && answer.at(i) != 0xFF; };
-  if (version < std::pair<std::uint8_t, std::uint8_t>(2, 91)) {
+  if (version < FirmwareVersion{2, 91}) {
     GetGamingLED(answer.data(), 11);
     return answer[0] == 0 && is_set(6);
   }
@@ -93,7 +80,8 @@ bool FirmwareHasLightBar(std::pair<std::uint8_t, std::uint8_t> version) {
 
 /// How many devices the embedded controller has: 0, the keyboard, or the whole-device light as well.
 std::int32_t CountEcDevices() {
-  const stSMBiosType172 record = ReadFirmwareRecord();
+  stSMBiosType172 record;  // all zero when there is none
+  if (!ReadSMBiosType172(record)) kLog(L"Get SMBIOS 172 fail!");
   const AnnouncedLights announced = FindAnnouncedLights(record);
   kLog(L"Is EC Keyboard: %d", announced.keyboard ? 1 : 0);
   kLog(L"Is RGB Keyboard: %d", announced.rgb_keyboard ? 1 : 0);

@@ -1,51 +1,25 @@
-/// Owners for what the management service hands out, so that every path out of a call gives it back exactly once.
+/// Owners for what the management service hands out.
 #pragma once
 
 #include <cstddef>
 #include <cstring>
 #include <span>
-#include <utility>
 
+#include "base/owner.h"
 #include "platform/wmi.h"
 
+template <typename Interface>
+void ReleaseReference(Interface* object) {
+  object->Release();
+}
 /// One reference to an interface.
 template <typename Interface>
-class ComPtr {
+using ComPtr = Owner<Interface*, ReleaseReference<Interface>>;
+
+/// A text as the management service takes it; nothing when memory ran out.
+class Bstr : public Owner<BSTR, SysFreeString> {
  public:
-  ComPtr() = default;
-  ComPtr(const ComPtr&) = delete;
-  ComPtr& operator=(const ComPtr&) = delete;
-  ~ComPtr() { Reset(); }
-
-  void Reset() {
-    if (Interface* const object = std::exchange(object_, nullptr)) object->Release();
-  }
-  /// Where a platform call puts the reference it hands out; gives back the one held before.
-  Interface** Put() {
-    Reset();
-    return &object_;
-  }
-  Interface* Get() const { return object_; }
-  Interface* operator->() const { return object_; }
-  explicit operator bool() const { return object_ != nullptr; }
-
- private:
-  Interface* object_ = nullptr;
-};
-
-/// A text as the management service takes it; null when memory ran out.
-class Bstr {
- public:
-  explicit Bstr(const wchar_t* text) : text_(SysAllocString(text)) {}
-  Bstr(const Bstr&) = delete;
-  Bstr& operator=(const Bstr&) = delete;
-  ~Bstr() { SysFreeString(text_); }
-
-  BSTR Get() const { return text_; }
-  explicit operator bool() const { return text_ != nullptr; }
-
- private:
-  BSTR text_;
+  explicit Bstr(const wchar_t* text) : Owner(SysAllocString(text)) {}
 };
 
 /// A VARIANT and what it holds.
@@ -73,20 +47,16 @@ class Variant {
 /// The bytes of a VARIANT's array, which is locked meanwhile. Empty when they cannot be had.
 class ArrayBytes {
  public:
-  explicit ArrayBytes(Variant& variant) : array_(V_ARRAY(variant.Get())) {
-    if (!variant.IsByteArray() || array_ == nullptr || FAILED(SafeArrayAccessData(array_, &data_))) array_ = nullptr;
-  }
-  ArrayBytes(const ArrayBytes&) = delete;
-  ArrayBytes& operator=(const ArrayBytes&) = delete;
-  ~ArrayBytes() {
-    if (array_ != nullptr) SafeArrayUnaccessData(array_);
+  explicit ArrayBytes(Variant& variant) {
+    SAFEARRAY* const array = variant.IsByteArray() ? V_ARRAY(variant.Get()) : nullptr;
+    if (array != nullptr && SUCCEEDED(SafeArrayAccessData(array, &data_))) *array_.Put() = array;
   }
 
-  explicit operator bool() const { return array_ != nullptr; }
+  explicit operator bool() const { return static_cast<bool>(array_); }
   std::span<BYTE> Get() const { return {static_cast<BYTE*>(data_), array_->rgsabound[0].cElements}; }
 
  private:
-  SAFEARRAY* array_;
+  Owner<SAFEARRAY*, SafeArrayUnaccessData> array_;
   void* data_ = nullptr;
 };
 

@@ -101,7 +101,7 @@ class LightingHID {
   /// The handle of a device, opened anew when it is closed; INVALID_HANDLE_VALUE when that fails. The caller stores
   /// it. Takes no lock.
   static HANDLE OpenLightingDevice(const _HIDDevice& device);
-  /// Closes the handles that listed devices have open. Under the lock.
+  /// Closes the handles that listed devices have open. Takes the lock.
   static void CloseLightingDevices();
 
   /// Asks the listed devices that serve `device_id` in turn, up to five times each, for what they say of themselves.
