@@ -5,9 +5,9 @@
 #include <span>
 #include <utility>
 
+#include "base/little_endian.h"
 #include "controller/description_format.h"
 #include "controller/packet_formats.h"
-#include "controller/wire_archive.h"
 #include "controller/zone_storage.h"
 
 namespace {
@@ -15,9 +15,7 @@ namespace {
 /// What a host's bare pointer lays claim to by its first field, total_size.
 std::span<const std::uint8_t> SizedBuffer(const std::uint8_t* buffer) {
   if (buffer == nullptr) return {};
-  std::uint32_t total_size = 0;
-  ReadArchive({buffer, sizeof(total_size)}).Number(total_size);
-  return {buffer, total_size};
+  return {buffer, static_cast<std::size_t>(FromLittleEndian({buffer, sizeof(std::uint32_t)}))};
 }
 
 }  // namespace

@@ -55,27 +55,23 @@ void UpdateWorker::PushPending(RGBControllerInterface& device) {
   }
 }
 
-void UpdateWorker::RequestModePush() { Request(mode_pending); }
+void UpdateWorker::RequestModePush() { SetAndWake(mode_pending, true); }
 
-void UpdateWorker::RequestColorPush() { Request(colors_pending); }
-
-void UpdateWorker::Request(std::atomic<bool>& pending) {
-  {
-    const std::lock_guard lock(worker_lock);
-    pending = true;
-  }
-  worker_wakeup.notify_one();
-}
+void UpdateWorker::RequestColorPush() { SetAndWake(colors_pending, true); }
 
 void UpdateWorker::Stop() {
   if (worker.get_id() == std::this_thread::get_id()) {
     throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
   }
+  SetAndWake(worker_alive, false);
+  if (worker.joinable()) worker.join();
+}
+
+void UpdateWorker::SetAndWake(std::atomic<bool>& flag, bool value) {
   {
-    // Under the lock, or a worker between its test and its wait would miss the wake-up and be waited for for ever.
+    // Under the lock: a worker between its test and its wait would miss the wake-up, and sleep on for ever.
     const std::lock_guard lock(worker_lock);
-    worker_alive = false;
+    flag = value;
   }
   worker_wakeup.notify_one();
-  if (worker.joinable()) worker.join();
 }

@@ -31,14 +31,14 @@ class UpdateWorker {
   void RequestModePush();
   void RequestColorPush();
 
-  /// Stops and joins the thread, which runs no operation any more afterwards. While it waits, it first carries out what
-  /// is pending; while it is busy, it ends with that pass, and what was requested meanwhile may be lost. May be called
-  /// again. Throws std::system_error (resource_deadlock_would_occur), and stops nothing, when called on
-  /// the worker thread itself.
+  /// Stops and joins the thread; no operation runs afterwards. A waiting thread first carries out what is pending. A
+  /// busy one ends with that pass, and what was requested meanwhile may be lost. May be called again. On the worker
+  /// thread itself it stops nothing, and throws std::system_error (resource_deadlock_would_occur).
   void Stop();
 
  private:
-  void Request(std::atomic<bool>& pending);
+  /// Sets a flag that the worker tests before it waits.
+  void SetAndWake(std::atomic<bool>& flag, bool value);
   void PushPending(RGBControllerInterface& device);
 
   std::thread worker;
@@ -46,7 +46,7 @@ class UpdateWorker {
   std::atomic<bool> mode_pending = false;
   std::atomic<bool> worker_alive = true;
   std::condition_variable worker_wakeup;
-  std::mutex worker_lock;  // held to raise a flag and to test the flags before waiting; never during an operation
+  std::mutex worker_lock;  // held to set a flag and to test the flags before waiting; never during an operation
 
   // Not a std::latch: where the system has no futex for it, libstdc++ can lose the wake-up that Start waits for.
   std::condition_variable worker_entered;

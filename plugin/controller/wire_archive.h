@@ -80,8 +80,8 @@ class OutputArchive {
 using MeasureArchive = OutputArchive<false>;
 using WriteArchive = OutputArchive<true>;
 
-/// Reads from a received buffer and never beyond it. Once something did not fit, ok() stays false, and what was
-/// read since is worthless.
+/// Reads from a received buffer and never beyond it. Once something did not fit, ok() stays false, and what is read
+/// from then on means nothing.
 class ReadArchive {
  public:
   static constexpr bool kReading = true;
@@ -100,9 +100,8 @@ class ReadArchive {
     position_ += sizeof(Integer);
   }
 
-  /// The NUL decides what the text is, its length moves the cursor. Texts that disagree about the two may overlap,
-  /// but all together they may not be longer than the buffer that they came from: a small buffer must not ask for
-  /// much memory.
+  /// The NUL decides what the text is, its length moves the cursor. Where the two disagree, texts may overlap. All
+  /// together they may not be longer than the buffer, or a small buffer could ask for much memory.
   void Text(std::string& text) {
     std::uint16_t length = 0;
     Number(length);
@@ -124,7 +123,7 @@ class ReadArchive {
     Number(count);
     return count;
   }
-  /// Appends the entries, unless it is plain from the start that the buffer cannot hold as many.
+  /// Appends the entries, unless the buffer is plainly too small for as many.
   template <typename Entry, typename EntryFields>
   void Entries(std::vector<Entry>& list, std::size_t count, EntryFields entry_fields) {
     const Entry smallest{};  // its texts are empty, and their length may even deny the NUL

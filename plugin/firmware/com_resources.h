@@ -1,8 +1,7 @@
 /// Owners for what the management service hands out.
 #pragma once
 
-#include <cstddef>
-#include <cstring>
+#include <algorithm>
 #include <span>
 
 #include "base/owner.h"
@@ -22,33 +21,11 @@ class Bstr : public Owner<BSTR, SysFreeString> {
   explicit Bstr(const wchar_t* text) : Owner(SysAllocString(text)) {}
 };
 
-/// A VARIANT and what it holds.
-class Variant {
- public:
-  Variant() { VariantInit(&value_); }
-  Variant(const Variant&) = delete;
-  Variant& operator=(const Variant&) = delete;
-  ~Variant() { VariantClear(&value_); }
-
-  VARIANT* Get() { return &value_; }
-  VARTYPE Type() const { return value_.vt; }
-  bool IsByteArray() const { return value_.vt == (VT_ARRAY | VT_UI1); }
-
-  /// Converts in place; false, with the value as it was, when that cannot be done.
-  bool ChangeTo(VARTYPE type) { return SUCCEEDED(VariantChangeType(&value_, &value_, 0, type)); }
-
-  /// Makes an empty VARIANT a byte array with a copy of `bytes`; false when the platform cannot.
-  bool SetBytes(std::span<const BYTE> bytes);
-
- private:
-  VARIANT value_{};
-};
-
-/// The bytes of a VARIANT's array, which is locked meanwhile. Empty when they cannot be had.
+/// The bytes of a VARIANT that is an array of them, which is locked meanwhile. Empty when they cannot be had.
 class ArrayBytes {
  public:
-  explicit ArrayBytes(Variant& variant) {
-    SAFEARRAY* const array = variant.IsByteArray() ? V_ARRAY(variant.Get()) : nullptr;
+  explicit ArrayBytes(const VARIANT& variant) {
+    SAFEARRAY* const array = V_VT(&variant) == (VT_ARRAY | VT_UI1) ? V_ARRAY(&variant) : nullptr;
     if (array != nullptr && SUCCEEDED(SafeArrayAccessData(array, &data_))) *array_.Put() = array;
   }
 
@@ -60,13 +37,30 @@ class ArrayBytes {
   void* data_ = nullptr;
 };
 
-inline bool Variant::SetBytes(std::span<const BYTE> bytes) {
-  SAFEARRAYBOUND bound = {static_cast<ULONG>(bytes.size()), 0};
-  V_ARRAY(&value_) = SafeArrayCreate(VT_UI1, 1, &bound);
-  if (V_ARRAY(&value_) == nullptr) return false;
-  V_VT(&value_) = VT_ARRAY | VT_UI1;
-  const ArrayBytes target(*this);
-  if (!target) return false;
-  if (!bytes.empty()) std::memcpy(target.Get().data(), bytes.data(), bytes.size());
-  return true;
-}
+/// A VARIANT and what it holds.
+class Variant {
+ public:
+  Variant() { VariantInit(&value_); }
+  Variant(const Variant&) = delete;
+  Variant& operator=(const Variant&) = delete;
+  ~Variant() { VariantClear(&value_); }
+
+  VARIANT* Get() { return &value_; }
+
+  /// Converts in place; false, with the value as it was, when that cannot be done.
+  bool ChangeTo(VARTYPE type) { return SUCCEEDED(VariantChangeType(&value_, &value_, 0, type)); }
+
+  /// Makes an empty VARIANT a byte array with a copy of `bytes`; false when the platform cannot.
+  bool SetBytes(std::span<const BYTE> bytes) {
+    SAFEARRAYBOUND bound = {static_cast<ULONG>(bytes.size()), 0};
+    V_ARRAY(&value_) = SafeArrayCreate(VT_UI1, 1, &bound);
+    if (V_ARRAY(&value_) == nullptr) return false;
+    V_VT(&value_) = VT_ARRAY | VT_UI1;
+    const ArrayBytes target(value_);
+    if (target) std::copy(bytes.begin(), bytes.end(), target.Get().begin());
+    return static_cast<bool>(target);
+  }
+
+ private:
+  VARIANT value_{};
+};

@@ -79,9 +79,8 @@ std::int32_t GetGamingLED(std::uint8_t* buffer, std::int32_t length) {
     V_UI4(gm_input.Get()) = kLedQuery;
     if (length < 1 || !gm_input.ChangeTo(VT_BSTR)) return false;
     if (!Run(connection, L"GetGamingLED", gm_input, {{L"gmReturn", gm_return}, {L"gmOutput", gm_output}})) return false;
-    // The platform would turn a text into its raw bytes; only an array is an answer.
-    if (!gm_return.ChangeTo(VT_UI8) || !gm_output.IsByteArray()) return false;
-    const ArrayBytes answer(gm_output);
+    if (!gm_return.ChangeTo(VT_UI8)) return false;
+    const ArrayBytes answer(*gm_output.Get());  // not converted: the platform would take a text for its raw bytes
     if (!answer) return false;
     buffer[0] = static_cast<std::uint8_t>(V_UI8(gm_return.Get()));
     const std::size_t count = std::min(answer.Get().size(), static_cast<std::size_t>(length - 1));

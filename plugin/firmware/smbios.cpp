@@ -54,7 +54,7 @@ int ReadRawSmbiosTable(RawSmbiosTable& table) {
   table.smbiosMajor = V_UI1(major.Get());
   table.smbiosMinor = V_UI1(minor.Get());
 
-  const ArrayBytes bytes(data);
+  const ArrayBytes bytes(*data.Get());
   if (!bytes) return 0;
   table.data = std::make_unique<std::uint8_t[]>(bytes.Get().size());
   table.length = static_cast<std::uint32_t>(bytes.Get().size());

@@ -43,8 +43,7 @@ inline constexpr std::uint8_t kItemRgbKeyboard = 10;
 inline constexpr std::uint16_t kRgbKeyboardNone = 1;
 inline constexpr std::uint16_t kRgbKeyboardThere = 2;
 inline constexpr std::uint8_t kItemLightBar = 23;
-inline constexpr std::uint16_t kLightBarThere = 1;
-inline constexpr std::uint16_t kLightBarNone = 2;
+inline constexpr std::uint16_t kLightBarThere = 1;  // 2: none
 
 /// The numbers of zones that a keyboard may have, 0 being that of none.
 constexpr bool IsZoneCount(std::uint16_t value) { return value == 0 || value == 1 || value == 3 || value == 4; }
@@ -72,8 +71,8 @@ struct AnnouncedLights {
   bool light_bar = false;
 };
 
-/// The last item of a kind counts, as long as it stands in front of the light bar's, which closes the list; the device
-/// controllers, which come later, read the first one of each.
+/// The light bar's item closes the list. In front of it, the last item of a kind counts here; the device controllers
+/// read the first one.
 AnnouncedLights FindAnnouncedLights(const stSMBiosType172& record);
 
 /// The value of the first item with that id.

@@ -133,7 +133,7 @@ HRESULT FindInstancePath(WmiConnection& connection, const wchar_t* class_name, c
   while (TakeNext(connection, enumerator, instance)) {
     Variant name;
     if (!Step(connection, instance->Get(kKeyProperty, 0, name.Get(), nullptr, nullptr))) continue;
-    if (name.Type() <= VT_NULL) continue;
+    if (V_VT(name.Get()) <= VT_NULL) continue;
     if (!name.ChangeTo(VT_BSTR)) return kFailed;
     const std::wstring_view text(V_BSTR(name.Get()), SysStringLen(V_BSTR(name.Get())));
     return WritePath(class_name, text, path) ? query_result : kFailed;
