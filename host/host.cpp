@@ -6,6 +6,7 @@
 #include <new>
 #include <span>
 
+#include "base/little_endian.h"
 #include "controller/description_format.h"
 #include "controller/packet_formats.h"
 #include "controller/wire_archive.h"
@@ -78,9 +79,8 @@ Result<Device> CreateAs(const Library& library, const std::string& name) {
 
 /// Takes a buffer over that a slot has handed out, and whose first field is its size.
 PackedBuffer Taken(std::uint8_t* bytes) {
-  std::uint32_t size = 0;
-  if (bytes != nullptr) ReadArchive({bytes, sizeof(size)}).Number(size);
-  return {std::unique_ptr<std::uint8_t[]>(bytes), size};
+  const std::uint64_t size = bytes == nullptr ? 0 : FromLittleEndian({bytes, sizeof(std::uint32_t)});
+  return {std::unique_ptr<std::uint8_t[]>(bytes), static_cast<std::size_t>(size)};
 }
 
 Error Refusal(const char* what) { return {Failure::Refused, what}; }

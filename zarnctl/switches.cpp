@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "base/owner.h"
 #include "platform/registry.h"
 
 namespace zarnctl {
@@ -9,13 +10,12 @@ namespace {
 
 /// The value as a number; nothing when it is missing or no number of 32 bits.
 std::optional<DWORD> NumberOf(const ServiceSwitch& service_switch) {
-  HKEY key = nullptr;
-  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, service_switch.key, 0, KEY_READ, &key) != ERROR_SUCCESS) return std::nullopt;
+  Owner<HKEY, RegCloseKey> key;
+  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, service_switch.key, 0, KEY_READ, key.Put()) != ERROR_SUCCESS) return {};
   DWORD number = 0;
   DWORD size = sizeof(number);
   const LONG error =
-      RegQueryValueExW(key, service_switch.value, nullptr, nullptr, reinterpret_cast<LPBYTE>(&number), &size);
-  RegCloseKey(key);
+      RegQueryValueExW(key.Get(), service_switch.value, nullptr, nullptr, reinterpret_cast<LPBYTE>(&number), &size);
   return error == ERROR_SUCCESS && size == sizeof(number) ? std::optional(number) : std::nullopt;
 }
 

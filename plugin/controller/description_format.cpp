@@ -19,12 +19,12 @@ void DescriptionFields(Archive& archive, Records& records, TotalSize& total_size
   archive.Text(records.info_text_1);
   archive.Text(records.info_text_2);
   archive.Text(records.info_text_3);
-  // The active mode's index stands between the modes' count and the modes.
-  archive.List(
-      records.mode_list, [&](auto& inner, auto& mode) { ModeFields(inner, mode, protocol_version); },
-      [&](auto& inner) { inner.Number(records.current_mode); });
-  archive.List(records.zone_list, [](auto& inner, auto& zone) { ZoneFields(inner, zone); });
-  archive.List(records.led_list, [](auto& inner, auto& led) { LedFields(inner, led); });
+  const std::size_t modes = archive.Count(records.mode_list);
+  archive.Number(records.current_mode);
+  archive.Entries(records.mode_list, modes,
+                  [&](auto& inner, auto& mode) { ModeFields(inner, mode, protocol_version); });
+  ListFields(archive, records.zone_list, [](auto& inner, auto& zone) { ZoneFields(inner, zone); });
+  ListFields(archive, records.led_list, [](auto& inner, auto& led) { LedFields(inner, led); });
   ColorListFields(archive, records.color_table);
 }
 

@@ -17,10 +17,10 @@ PackedBuffer PackDescription(const ControllerRecords& records, std::uint32_t pro
 /// Reads a description into `records`: texts, kind and active mode are replaced (the maker's name from version 1 on),
 /// modes, zones, LEDs and colours are appended, and the zones are bound to their storage.
 ///
-/// All or nothing: false, with `records` exactly as they were, when the buffer does not hold what it claims, or when
-/// the result could not be written again (a list, or the zones' LEDs together, above 65,535; a grid above 16,381 cells;
-/// texts that overlap so often that they are longer than the buffer together). The same holds when std::bad_alloc is
-/// thrown. Beside copies of what `records` already hold, takes at most 16 times the buffer's size plus 256 KiB of
-/// memory.
+/// All or nothing: false, with `records` exactly as they were, when the buffer does not hold what it claims; or when
+/// the result could not be written again. That is so for a list, or the zones' LEDs together, above 65,535; for a grid
+/// above 16,381 cells; and for texts that overlap so often that together they are longer than the buffer. When
+/// std::bad_alloc is thrown, `records` are as they were, too. Beside copies of what `records` already hold, reading
+/// takes at most 16 times the buffer's size plus 256 KiB of memory.
 bool UnpackDescription(ControllerRecords& records, std::span<const std::uint8_t> buffer,
                        std::uint32_t protocol_version);

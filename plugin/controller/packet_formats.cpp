@@ -6,14 +6,9 @@
 
 #include "controller/record_fields.h"
 #include "controller/wire_archive.h"
+#include "controller/zone_storage.h"
 
 namespace {
-
-/// The entry at a host's signed index, or null.
-template <typename List>
-auto* EntryAt(List& list, std::int32_t index) {
-  return index >= 0 && static_cast<std::size_t>(index) < list.size() ? &list[static_cast<std::size_t>(index)] : nullptr;
-}
 
 /// The colours of `zone`, as far as they are there and a 16-bit count can tell.
 std::span<const PackedColor> ColorsOf(const ControllerRecords& records, const ZoneRecord& zone) {
@@ -93,11 +88,10 @@ bool UnpackZoneColorsPacket(ControllerRecords& records, std::span<const std::uin
   reader.Number(total_size);
   reader.Number(zone_index);
   ColorListFields(reader, colors);
-  if (!reader.ok() || zone_index >= records.zone_list.size()) return false;
-
-  const ZoneRecord& zone = records.zone_list[zone_index];
-  if (colors.empty() || colors.size() > ColorsOf(records, zone).size()) return false;
-  std::copy(colors.begin(), colors.end(), records.color_table.begin() + static_cast<std::ptrdiff_t>(zone.first_index));
+  const ZoneRecord* zone = EntryAt(records.zone_list, zone_index);
+  if (!reader.ok() || zone == nullptr) return false;
+  if (colors.empty() || colors.size() > ColorsOf(records, *zone).size()) return false;
+  std::copy(colors.begin(), colors.end(), records.color_table.begin() + static_cast<std::ptrdiff_t>(zone->first_index));
   return true;
 }
 

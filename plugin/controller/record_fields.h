@@ -18,7 +18,7 @@ inline constexpr std::uint64_t kMostGridCells = 16381;
 
 template <typename Archive, typename Colors>
 void ColorListFields(Archive& archive, Colors& colors) {
-  archive.List(colors, [](auto& inner, auto& color) { inner.Number(color); });
+  ListFields(archive, colors, [](auto& inner, auto& color) { inner.Number(color); });
 }
 
 template <typename Archive, typename Mode>

@@ -5,9 +5,9 @@
 #include <span>
 #include <utility>
 
+#include "base/little_endian.h"
 #include "controller/description_format.h"
 #include "controller/packet_formats.h"
-#include "controller/wire_archive.h"
 #include "controller/zone_storage.h"
 
 namespace {
@@ -15,16 +15,12 @@ namespace {
 /// What a host's bare pointer lays claim to by its first field, total_size.
 std::span<const std::uint8_t> SizedBuffer(const std::uint8_t* buffer) {
   if (buffer == nullptr) return {};
-  std::uint32_t total_size = 0;
-  ReadArchive({buffer, sizeof(total_size)}).Number(total_size);
-  return {buffer, total_size};
+  return {buffer, static_cast<std::size_t>(FromLittleEndian({buffer, sizeof(std::uint32_t)}))};
 }
 
 }  // namespace
 
-RGBController::RGBController() {
-  update_worker.Start([this] { RunWorker(); });
-}
+RGBController::RGBController() { update_worker.Start(*this); }
 
 void RGBController::AppendZone(const std::string& label, std::uint32_t led_count) {
   ZoneRecord zone;
@@ -50,18 +46,13 @@ void RGBController::ActivateFirstMode() {
 
 std::optional<ModeRecord> RGBController::ActiveMode() {
   const std::lock_guard lock(records_lock);
-  if (current_mode < 0 || static_cast<std::size_t>(current_mode) >= mode_list.size()) return std::nullopt;
-  return mode_list[static_cast<std::size_t>(current_mode)];
+  const ModeRecord* const mode = EntryAt(mode_list, current_mode);
+  return mode != nullptr ? std::optional(*mode) : std::nullopt;
 }
 
-std::vector<PackedColor> RGBController::Colors() {
+std::pair<std::vector<PackedColor>, std::uint32_t> RGBController::ColorsAndBrightness() {
   const std::lock_guard lock(records_lock);
-  return color_table;
-}
-
-std::uint32_t RGBController::ColorBrightness() {
-  const std::lock_guard lock(records_lock);
-  return mode_list.empty() ? 0 : mode_list.front().brightness_setting;
+  return {color_table, mode_list.empty() ? 0 : mode_list.front().brightness_setting};
 }
 
 void RGBController::RebindZoneStorage() {
@@ -71,12 +62,13 @@ void RGBController::RebindZoneStorage() {
 
 PackedColor RGBController::FetchLedColor(std::uint32_t led_index) {
   const std::lock_guard lock(records_lock);
-  return led_index < color_table.size() ? color_table[led_index] : PackedColor{0};
+  const PackedColor* const color = EntryAt(color_table, led_index);
+  return color != nullptr ? *color : 0;
 }
 
 void RGBController::StoreLedColor(std::uint32_t led_index, PackedColor color) {
   const std::lock_guard lock(records_lock);
-  if (led_index < color_table.size()) color_table[led_index] = color;
+  if (PackedColor* const entry = EntryAt(color_table, led_index)) *entry = color;
 }
 
 void RGBController::PaintAllZones(PackedColor color) {
@@ -86,12 +78,10 @@ void RGBController::PaintAllZones(PackedColor color) {
 
 void RGBController::PaintZone(std::int32_t zone_index, PackedColor color) {
   const std::lock_guard lock(records_lock);
-  if (zone_index < 0 || static_cast<std::size_t>(zone_index) >= zone_list.size()) return;
-  const ZoneRecord& zone = zone_list[static_cast<std::size_t>(zone_index)];
-  if (zone.color_view == nullptr) return;
-  // A total that the table does not follow, because it was changed since or the sum of all wrapped, ends with the
-  // table.
-  std::fill_n(zone.color_view, std::min<std::size_t>(zone.led_total, color_table.size() - zone.first_index), color);
+  const ZoneRecord* const zone = EntryAt(zone_list, zone_index);
+  if (zone == nullptr || zone->color_view == nullptr) return;
+  // The total may claim more than the table has: it was changed since, or the sum of all totals wrapped.
+  std::fill_n(zone->color_view, std::min<std::size_t>(zone->led_total, color_table.size() - zone->first_index), color);
 }
 
 std::int32_t RGBController::CurrentModeIndex() {
@@ -196,6 +186,4 @@ void RGBController::RequestModePush() { update_worker.RequestModePush(); }
 
 void RGBController::RequestAuxAction() { DeviceAuxAction(); }
 
-void RGBController::RunWorker() {
-  update_worker.Run([this] { WriteModeToDevice(); }, [this] { WriteColorsToDevice(); });
-}
+void RGBController::RunWorker() { update_worker.Run(*this); }

@@ -3,17 +3,20 @@
 ///
 /// Locks: `records_lock` guards the records; device classes take it while they copy what a push needs, never during a
 /// hardware call. `listener_lock` is held while listeners run. The worker's lock is its own. The controller itself
-/// never holds two of them together; what a listener calls may take another one under `listener_lock`, never the other
-/// way round.
+/// never holds two of them together. A listener may call slots that take another one; nothing takes `listener_lock`
+/// while it holds one of the others.
 ///
-/// The worker calls a device's slots 27 and 30 on its own thread. So a device class is final, and its destructor first
-/// calls StopWorker, before it releases what those slots use; nothing may escape from them: see Quietly.
+/// A device class is final, and its destructor first calls StopWorker: the worker calls the slots 27 and 30 on its own
+/// thread until then. It owns its device controller by a bare pointer: when its constructor throws, its destructor does
+/// not run, and the host keeps what it handed in. Slots 27 to 30 catch everything: a push has nobody to tell of an
+/// error, and memory that runs out in one must not end the host.
 #pragma once
 
 #include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "controller/update_worker.h"
@@ -70,20 +73,10 @@ class RGBController : public RGBControllerInterface, protected ControllerRecords
   /// What slot 32 is on every device.
   void ActivateFirstMode();
 
-  /// Copies of what a push needs.
-  std::optional<ModeRecord> ActiveMode();  // nothing while the active index is outside the list
-  std::vector<PackedColor> Colors();
-  /// The brightness of colours that are sent LED by LED: that of the first mode, whichever is active.
-  std::uint32_t ColorBrightness();
-
-  /// Runs a push. There is nobody to tell of an error, on the worker least of all, so none is let out.
-  template <typename Push>
-  static void Quietly(Push push) {
-    try {
-      push();
-    } catch (...) {
-    }
-  }
+  /// Copies of what a push needs: the active mode, or nothing while its index is outside the list; and the colours,
+  /// with the brightness of the first mode, whichever is active.
+  std::optional<ModeRecord> ActiveMode();
+  std::pair<std::vector<PackedColor>, std::uint32_t> ColorsAndBrightness();
 
   /// Recursive, because slots call slots.
   std::recursive_mutex records_lock;

@@ -7,9 +7,10 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <functional>
 #include <mutex>
 #include <thread>
+
+#include "zarn_lighting/rgb_controller_interface.h"
 
 class UpdateWorker {
  public:
@@ -19,33 +20,33 @@ class UpdateWorker {
   /// Stops. On the worker thread itself this ends the process: there is nobody left to go on with.
   ~UpdateWorker();  // NOLINT(bugprone-exception-escape): that is how it ends the process
 
-  /// Starts a thread with `body`, which calls Run, and returns when it stands at its wait: no request raised from
-  /// then on is lost. Throws std::system_error when no thread can be started.
-  void Start(std::function<void()> body);
+  /// Starts the thread of `device`, whose slot 24 calls Run, and returns when it stands at its wait: no request raised
+  /// from then on is lost. Throws std::system_error when no thread can be started.
+  void Start(RGBControllerInterface& device);
 
-  /// The worker's loop, until it is stopped. Nothing thrown by the operations gets past it. Returns at once when it
-  /// has been entered before, so that only the thread of Start ever works.
-  void Run(const std::function<void()>& write_mode, const std::function<void()>& write_colors);
+  /// The worker's loop over the slots 30 and 27 of `device`, until it is stopped. Returns at once when it has been
+  /// entered before, so that only the thread of Start ever works.
+  void Run(RGBControllerInterface& device);
 
   void RequestModePush();
   void RequestColorPush();
 
-  /// Stops and joins the thread, which runs no operation any more afterwards. While it waits, it first carries out what
-  /// is pending; while it is busy, it ends with that pass, and what was requested meanwhile may be lost. May be called
-  /// again. Throws std::system_error (resource_deadlock_would_occur), and stops nothing, when called on
-  /// the worker thread itself.
+  /// Stops and joins the thread; no operation runs afterwards. A waiting thread first carries out what is pending. A
+  /// busy one ends with that pass, and what was requested meanwhile may be lost. May be called again. On the worker
+  /// thread itself it stops nothing, and throws std::system_error (resource_deadlock_would_occur).
   void Stop();
 
  private:
-  void Request(std::atomic<bool>& pending);
-  void PushPending(const std::function<void()>& write_mode, const std::function<void()>& write_colors);
+  /// Sets a flag that the worker tests before it waits.
+  void SetAndWake(std::atomic<bool>& flag, bool value);
+  void PushPending(RGBControllerInterface& device);
 
   std::thread worker;
   std::atomic<bool> colors_pending = false;
   std::atomic<bool> mode_pending = false;
   std::atomic<bool> worker_alive = true;
   std::condition_variable worker_wakeup;
-  std::mutex worker_lock;  // held to raise a flag and to test the flags before waiting; never during an operation
+  std::mutex worker_lock;  // held to set a flag and to test the flags before waiting; never during an operation
 
   // Not a std::latch: where the system has no futex for it, libstdc++ can lose the wake-up that Start waits for.
   std::condition_variable worker_entered;

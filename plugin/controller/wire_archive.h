@@ -1,9 +1,9 @@
 /// Measures, writes and reads the primitives of the binary formats: little-endian numbers without padding, texts
 /// behind a 16-bit length, lists behind a 16-bit count.
 ///
-/// The three archives understand the same calls, so that one list of fields serves all three and they cannot
-/// disagree. Number takes any integer field, Text a string, List a vector (or, to write, a
-/// span), a function for one of its entries and another for what stands between the count and the entries.
+/// The archives understand the same calls, so one list of fields serves all of them and they cannot disagree. Number
+/// takes any integer field, Text a string, Count a vector (or, to write, a span). Entries takes what Count took and
+/// answered, and a function for one entry.
 #pragma once
 
 #include <algorithm>
@@ -14,9 +14,9 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
+#include "base/little_endian.h"
 #include "controller/packed_buffer.h"
 
 /// The longest text that fits behind a 16-bit length together with its NUL.
@@ -31,70 +31,57 @@ inline std::string_view TravellingText(const std::string& text) {
 
 /// How many of a list's entries travel: the low 16 bits of its length.
 template <typename Entries>
-std::size_t TravellingCount(const Entries& list) {
+std::uint16_t TravellingCount(const Entries& list) {
   return static_cast<std::uint16_t>(list.size());
 }
 
-/// Nothing stands between a list's count and its entries, as in most lists.
-inline constexpr auto kNothingBetween = [](auto&) {};
+/// A list as most stand in the formats: its entries right behind their count.
+template <typename Archive, typename List, typename EntryFields>
+void ListFields(Archive& archive, List& list, EntryFields entry_fields) {
+  archive.Entries(list, archive.Count(list), entry_fields);
+}
 
-class MeasureArchive {
+/// Measures what it is given, or writes it into a block that has been measured to be large enough.
+template <bool kWriting>
+class OutputArchive {
  public:
   static constexpr bool kReading = false;
 
+  explicit OutputArchive(std::uint8_t* block = nullptr) : block_(block) {}
+
   template <std::integral Integer>
-  void Number(Integer) {
+  void Number(Integer value) {
+    if constexpr (kWriting) ToLittleEndian(static_cast<std::uint64_t>(value), {block_ + size_, sizeof(Integer)});
     size_ += sizeof(Integer);
   }
-  void Text(const std::string& text) { size_ += sizeof(std::uint16_t) + TravellingText(text).size() + 1; }
-  template <typename Entries, typename EntryFields, typename FieldsBetween = decltype(kNothingBetween)>
-  void List(const Entries& list, EntryFields entry_fields, FieldsBetween fields_between = {}) {
-    const std::size_t count = TravellingCount(list);
-    size_ += sizeof(std::uint16_t);
-    fields_between(*this);
+  void Text(const std::string& text) {
+    const std::string_view travelling = TravellingText(text);
+    Number(static_cast<std::uint16_t>(travelling.size() + 1));
+    if constexpr (kWriting) *std::copy(travelling.begin(), travelling.end(), block_ + size_) = 0;
+    size_ += travelling.size() + 1;
+  }
+  template <typename List>
+  std::size_t Count(const List& list) {
+    const std::uint16_t count = TravellingCount(list);
+    Number(count);
+    return count;
+  }
+  template <typename List, typename EntryFields>
+  void Entries(const List& list, std::size_t count, EntryFields entry_fields) {
     for (std::size_t i = 0; i < count; ++i) entry_fields(*this, list[i]);
   }
 
   std::size_t size() const { return size_; }
 
  private:
+  std::uint8_t* const block_;
   std::size_t size_ = 0;
 };
+using MeasureArchive = OutputArchive<false>;
+using WriteArchive = OutputArchive<true>;
 
-/// Writes into a block that a MeasureArchive has found large enough.
-class WriteArchive {
- public:
-  static constexpr bool kReading = false;
-
-  explicit WriteArchive(std::uint8_t* cursor) : cursor_(cursor) {}
-
-  template <std::integral Integer>
-  void Number(Integer value) {
-    auto rest = static_cast<std::make_unsigned_t<Integer>>(value);
-    for (std::size_t i = 0; i < sizeof(Integer); ++i) {
-      *cursor_++ = static_cast<std::uint8_t>(rest >> (8 * i));
-    }
-  }
-  void Text(const std::string& text) {
-    const std::string_view travelling = TravellingText(text);
-    Number(static_cast<std::uint16_t>(travelling.size() + 1));
-    cursor_ = std::copy(travelling.begin(), travelling.end(), cursor_);
-    *cursor_++ = 0;
-  }
-  template <typename Entries, typename EntryFields, typename FieldsBetween = decltype(kNothingBetween)>
-  void List(const Entries& list, EntryFields entry_fields, FieldsBetween fields_between = {}) {
-    const std::size_t count = TravellingCount(list);
-    Number(static_cast<std::uint16_t>(count));
-    fields_between(*this);
-    for (std::size_t i = 0; i < count; ++i) entry_fields(*this, list[i]);
-  }
-
- private:
-  std::uint8_t* cursor_;
-};
-
-/// Reads from a received buffer and never beyond it. Once something did not fit, ok() stays false, and what was
-/// read since is worthless.
+/// Reads from a received buffer and never beyond it. Once something did not fit, ok() stays false, and what is read
+/// from then on means nothing.
 class ReadArchive {
  public:
   static constexpr bool kReading = true;
@@ -109,17 +96,12 @@ class ReadArchive {
   template <std::integral Integer>
   void Number(Integer& value) {
     if (!Fits(sizeof(Integer))) return;
-    std::make_unsigned_t<Integer> sum = 0;
-    for (std::size_t i = 0; i < sizeof(Integer); ++i) {
-      sum = static_cast<decltype(sum)>(sum | static_cast<decltype(sum)>(buffer_[position_ + i]) << (8 * i));
-    }
-    value = static_cast<Integer>(sum);
+    value = static_cast<Integer>(FromLittleEndian(buffer_.subspan(position_, sizeof(Integer))));
     position_ += sizeof(Integer);
   }
 
-  /// The NUL decides what the text is, its length moves the cursor. Texts that disagree about the two may overlap,
-  /// but all together they may not be longer than the buffer that they came from: a small buffer must not ask for
-  /// much memory.
+  /// The NUL decides what the text is, its length moves the cursor. Where the two disagree, texts may overlap. All
+  /// together they may not be longer than the buffer, or a small buffer could ask for much memory.
   void Text(std::string& text) {
     std::uint16_t length = 0;
     Number(length);
@@ -135,12 +117,15 @@ class ReadArchive {
     position_ += length;
   }
 
-  /// Appends the list's entries, unless it is plain from the start that the buffer cannot hold as many.
-  template <typename Entry, typename EntryFields, typename FieldsBetween = decltype(kNothingBetween)>
-  void List(std::vector<Entry>& list, EntryFields entry_fields, FieldsBetween fields_between = {}) {
+  template <typename Entry>
+  std::size_t Count(const std::vector<Entry>& /*list*/) {
     std::uint16_t count = 0;
     Number(count);
-    fields_between(*this);
+    return count;
+  }
+  /// Appends the entries, unless the buffer is plainly too small for as many.
+  template <typename Entry, typename EntryFields>
+  void Entries(std::vector<Entry>& list, std::size_t count, EntryFields entry_fields) {
     const Entry smallest{};  // its texts are empty, and their length may even deny the NUL
     MeasureArchive measure;
     entry_fields(measure, smallest);

@@ -1,16 +1,6 @@
 #include "controller/zone_storage.h"
 
 #include <cstdint>
-#include <vector>
-
-namespace {
-
-template <typename Entry>
-Entry* EntryAt(std::vector<Entry>& list, std::uint32_t index) {
-  return index < list.size() ? &list[index] : nullptr;
-}
-
-}  // namespace
 
 void BindZoneStorage(ControllerRecords& records) {
   std::uint32_t total = 0;

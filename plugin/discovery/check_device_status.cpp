@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <exception>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -26,14 +25,12 @@ constexpr std::uint32_t kHidInterface = 1;
 constexpr std::uint32_t kEcInterface = 3;
 
 constexpr wchar_t kHidKeyboard[] = L"ZarnHIDKeyboard";
-constexpr wchar_t kEcKeyboard[] = L"ZarnECKeyboard";
-constexpr wchar_t kEcKeyboardAndGlobal[] = L"ZarnECGlobal,ZarnECKeyboard";
 
 constexpr InfoLog kLog(L"CheckDeviceStatus");
 
 /// What the host is told.
 struct Status {
-  std::optional<std::wstring> names;  // nothing: the host's stay
+  std::wstring names;  // empty: the host's stay
   std::uint32_t interface_type = 0;
   std::wstring hardware_id;
   std::wstring usage_page;
@@ -46,10 +43,7 @@ class PresenceTest {
   PresenceTest() = default;
   PresenceTest(const PresenceTest&) = delete;
   PresenceTest& operator=(const PresenceTest&) = delete;
-  ~PresenceTest() {
-    const std::lock_guard lock(g_lightingDevicesLock);
-    LightingHID::CloseLightingDevices();
-  }
+  ~PresenceTest() { LightingHID::CloseLightingDevices(); }
 };
 
 /// The HID keyboard, if there is one.
@@ -67,22 +61,13 @@ Status HidKeyboardAlone(const _HIDInfo& keyboard) {
           .count = 1};
 }
 
-/// All zero when there is none.
-stSMBiosType172 ReadFirmwareRecord() {
-  RawSmbiosTable table;
-  stSMBiosType172 record;
-  ReadRawSmbiosTable(table);
-  if (!FindSMBiosType172(table, record)) kLog(L"Get SMBIOS 172 fail!");
-  return record;
-}
-
 /// Whether the firmware confirms the light bar that its record announces. Older firmware does so in one byte of its
 /// answer, for which the call must have gone well; newer firmware in any of four pairs of bytes.
-bool FirmwareHasLightBar(std::pair<std::uint8_t, std::uint8_t> version) {
-  kLog(L"BIOS major version:%d - BIOS minor version::%d", version.first, version.second);
+bool FirmwareHasLightBar(const FirmwareVersion& version) {
+  kLog(L"BIOS major version:%d - BIOS minor version::%d", version.major, version.minor);
   std::array<std::uint8_t, 16> answer{};
   const auto is_set = [&answer](std::size_t i) { return answer.at(i) != 0 && answer.at(i) != 0xFF; };
-  if (version < std::pair<std::uint8_t, std::uint8_t>(2, 91)) {
+  if (version < FirmwareVersion{2, 91}) {
     GetGamingLED(answer.data(), 11);
     return answer[0] == 0 && is_set(6);
   }
@@ -91,36 +76,34 @@ bool FirmwareHasLightBar(std::pair<std::uint8_t, std::uint8_t> version) {
   return std::ranges::any_of(kPairs, [&](std::size_t first) { return is_set(first) && is_set(first + 1); });
 }
 
-/// How many devices the embedded controller has: 0, the keyboard, or the whole-device light as well.
-std::int32_t CountEcDevices() {
-  const stSMBiosType172 record = ReadFirmwareRecord();
+struct EcDevices {
+  std::int32_t count = 0;
+  const wchar_t* names = L"";
+};
+
+/// The devices of the embedded controller: none, the keyboard, or the whole-device light as well.
+EcDevices FindEcDevices() {
+  stSMBiosType172 record;  // all zero when there is none
+  if (!ReadSMBiosType172(record)) kLog(L"Get SMBIOS 172 fail!");
   const AnnouncedLights announced = FindAnnouncedLights(record);
   kLog(L"Is EC Keyboard: %d", announced.keyboard ? 1 : 0);
   kLog(L"Is RGB Keyboard: %d", announced.rgb_keyboard ? 1 : 0);
-  if (!announced.keyboard || !announced.rgb_keyboard) {
-    kLog(L"Number of Device:0, DeviceName:");
-    return 0;
-  }
+  if (!announced.keyboard || !announced.rgb_keyboard) return {};
   kLog(L"Is EC Lightbar: %d", announced.light_bar ? 1 : 0);
   const bool both = announced.light_bar && FirmwareHasLightBar({record.biosMajor, record.biosMinor});
-  kLog(both ? L"Number of Device:2, DeviceName:ZarnECGlobal,ZarnECKeyboard"
-            : L"Number of Device:1, DeviceName:ZarnECKeyboard");
-  return both ? 2 : 1;
+  return both ? EcDevices{2, L"ZarnECGlobal,ZarnECKeyboard"} : EcDevices{1, L"ZarnECKeyboard"};
 }
 
-/// The embedded controller's devices, and behind them, in hybrid mode, the HID keyboard.
+/// The embedded controller's devices, and behind them, in hybrid mode, the HID keyboard. Without them a HID keyboard is
+/// named, but not counted.
 Status EcDevicesAnd(bool hid_keyboard) {
+  const auto [count, names] = FindEcDevices();
+  kLog(L"Number of Device:%d, DeviceName:%ls", count, names);
   Status status;
   status.interface_type = kEcInterface;
-  const std::int32_t count = CountEcDevices();
-  if (count == 0) {
-    // The count tells that there is nothing; the name is left as it was found.
-    if (hid_keyboard) status.names = kHidKeyboard;
-    return status;
-  }
-  status.names = count == 2 ? kEcKeyboardAndGlobal : kEcKeyboard;
-  if (hid_keyboard) status.names->append(L",").append(kHidKeyboard);
-  status.count = count + (hid_keyboard ? 1 : 0);
+  status.names = names;
+  if (hid_keyboard) status.names.append(count == 0 ? L"" : L",").append(kHidKeyboard);
+  status.count = count + (hid_keyboard && count > 0 ? 1 : 0);
   return status;
 }
 
@@ -141,7 +124,7 @@ std::int32_t CheckDeviceStatus(std::wstring& deviceNames, std::uint32_t& interfa
                                std::wstring& usagePageHex) noexcept {
   try {
     Status status = Discover();
-    if (status.names) deviceNames = std::move(*status.names);
+    if (!status.names.empty()) deviceNames = std::move(status.names);
     interfaceType = status.interface_type;
     hardwareId = std::move(status.hardware_id);
     usagePageHex = std::move(status.usage_page);

@@ -25,3 +25,12 @@ constexpr std::uint16_t ToFirmwareDirection(std::uint32_t direction_setting) {
   if (direction == 1) return 1;
   return static_cast<std::uint16_t>(direction + 1);
 }
+
+/// Lets the firmware run a mode that is an effect of its own.
+template <typename Controller>
+void RunEffect(Controller& controller, const ModeRecord& mode) {
+  const PackedColor color = EffectColor(mode);
+  controller.SetMode(static_cast<std::uint8_t>(mode.hw_code), static_cast<std::uint16_t>(mode.speed_setting),
+                     ToFirmwareDirection(mode.direction_setting), static_cast<std::uint16_t>(mode.brightness_setting),
+                     RedOf(color), GreenOf(color), BlueOf(color));
+}

@@ -34,5 +34,6 @@ constexpr EffectPacket MakeEffectPacket(const EffectSettings& settings, std::uin
           target};
 }
 
-/// The packet of an effect that was asked for under `function_tag`: the log gets the request and then every byte.
-EffectPacket MakeLoggedEffectPacket(const wchar_t* function_tag, const EffectSettings& settings, std::uint8_t target);
+/// Lets the firmware run an effect that was asked for under `function_tag`: the log gets the request and then every
+/// byte. 1 when the firmware took it, else 0.
+std::int32_t SendEffect(const wchar_t* function_tag, const EffectSettings& settings, std::uint8_t target);

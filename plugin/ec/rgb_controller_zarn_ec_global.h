@@ -17,14 +17,11 @@ class RGBController_ZarnECGlobal final : public RGBController {
   void DefineLayout() override;
   void DeviceSpareHook() override {}
   void WriteColorsToDevice() override {}
-  void WriteZoneToDevice(std::int32_t zone_index) override;
-  void WriteLedToDevice(std::int32_t led_index) override;
+  void WriteZoneToDevice(std::int32_t /*zone_index*/) override { WriteColorsToDevice(); }
+  void WriteLedToDevice(std::int32_t /*led_index*/) override { WriteColorsToDevice(); }
   void WriteModeToDevice() override;
   void SelectFirstMode() override { ActivateFirstMode(); }
 
  private:
-  void ApplyMode();
-
-  // Owned, but bare: when the constructor throws the destructor does not run, and the host keeps what it handed in.
-  ZarnECGlobalController* const hw_controller;
+  ZarnECGlobalController* const hw_controller;  // owned; see RGBController
 };

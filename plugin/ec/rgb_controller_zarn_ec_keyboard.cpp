@@ -3,14 +3,11 @@
 #include <algorithm>
 #include <mutex>
 #include <optional>
-#include <vector>
 
 #include "ec/ec_modes.h"
 #include "ec/zarn_ec_keyboard_controller.h"
 
 namespace {
-
-constexpr char kKeyboardName[] = "Zarn EC Keyboard Device";
 
 namespace Can = ModeCapability;
 constexpr EcModeDifferences kKeyboardModes{
@@ -21,9 +18,8 @@ constexpr EcModeDifferences kKeyboardModes{
 
 RGBController_ZarnECKeyboard::RGBController_ZarnECKeyboard(ZarnECKeyboardController* controller)
     : hw_controller(controller) {
-  title = kKeyboardName;
+  title = caption = "Zarn EC Keyboard Device";
   maker_name = "Zarn";
-  caption = kKeyboardName;
   hw_kind = DeviceKind::Keyboard;
   mode_list = MakeEcModes(kKeyboardModes);
   RGBController_ZarnECKeyboard::DefineLayout();
@@ -38,27 +34,14 @@ void RGBController_ZarnECKeyboard::DefineLayout() {
   AppendZone("Keyboard Backlight zone", static_cast<std::uint32_t>(hw_controller->ZoneCount()));
 }
 
-void RGBController_ZarnECKeyboard::WriteColorsToDevice() {
-  Quietly([this] { SendColorTable(); });
+void RGBController_ZarnECKeyboard::WriteColorsToDevice() try {
+  const auto [colors, brightness] = ColorsAndBrightness();
+  hw_controller->SendColors(colors.data(), static_cast<std::uint32_t>(colors.size()),
+                            static_cast<std::uint8_t>(brightness));
+} catch (...) {  // see RGBController
 }
 
-void RGBController_ZarnECKeyboard::WriteZoneToDevice(std::int32_t /*zone_index*/) { WriteColorsToDevice(); }
-
-void RGBController_ZarnECKeyboard::WriteLedToDevice(std::int32_t /*led_index*/) { WriteColorsToDevice(); }
-
-void RGBController_ZarnECKeyboard::WriteModeToDevice() {
-  Quietly([this] { ApplyMode(); });
-}
-
-void RGBController_ZarnECKeyboard::SendColorTable() {
-  std::unique_lock lock(records_lock);
-  const std::vector<PackedColor> colors = Colors();
-  const auto brightness = static_cast<std::uint8_t>(ColorBrightness());
-  lock.unlock();
-  hw_controller->SendColors(colors.data(), static_cast<std::uint32_t>(colors.size()), brightness);
-}
-
-void RGBController_ZarnECKeyboard::ApplyMode() {
+void RGBController_ZarnECKeyboard::WriteModeToDevice() try {
   std::unique_lock lock(records_lock);
   const std::optional<ModeRecord> mode = ActiveMode();
   if (!mode) return;
@@ -66,12 +49,8 @@ void RGBController_ZarnECKeyboard::ApplyMode() {
   if (mode->hw_code == kStaticEffect) PaintStatic(*mode);
   lock.unlock();
   if (mode->hw_code == kPerLedModeCode || mode->hw_code == kStaticEffect) return WriteColorsToDevice();
-
-  const PackedColor color = EffectColor(*mode);
-  hw_controller->SetMode(static_cast<std::uint8_t>(mode->hw_code), static_cast<std::uint16_t>(mode->speed_setting),
-                         ToFirmwareDirection(mode->direction_setting),
-                         static_cast<std::uint16_t>(mode->brightness_setting), RedOf(color), GreenOf(color),
-                         BlueOf(color));
+  RunEffect(*hw_controller, *mode);
+} catch (...) {  // see RGBController
 }
 
 /// Colour and brightness stay in the records as if they had been set LED by LED.

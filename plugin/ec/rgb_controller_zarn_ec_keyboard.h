@@ -17,16 +17,13 @@ class RGBController_ZarnECKeyboard final : public RGBController {
   void DefineLayout() override;
   void DeviceSpareHook() override {}
   void WriteColorsToDevice() override;
-  void WriteZoneToDevice(std::int32_t zone_index) override;
-  void WriteLedToDevice(std::int32_t led_index) override;
+  void WriteZoneToDevice(std::int32_t /*zone_index*/) override { WriteColorsToDevice(); }
+  void WriteLedToDevice(std::int32_t /*led_index*/) override { WriteColorsToDevice(); }
   void WriteModeToDevice() override;
   void SelectFirstMode() override { ActivateFirstMode(); }
 
  private:
-  void SendColorTable();
-  void ApplyMode();
   void PaintStatic(const ModeRecord& mode);
 
-  // Owned, but bare: when the constructor throws the destructor does not run, and the host keeps what it handed in.
-  ZarnECKeyboardController* const hw_controller;
+  ZarnECKeyboardController* const hw_controller;  // owned; see RGBController
 };

@@ -4,8 +4,6 @@
 #include <array>
 #include <cinttypes>
 #include <cstddef>
-#include <iterator>
-#include <utility>
 
 #include "ec/effect_packet.h"
 #include "firmware/firmware_methods.h"
@@ -19,16 +17,7 @@ constexpr std::size_t kZoneBitsByte = 5;   // where its zone bits are
 constexpr std::size_t kSwitchedZones = 4;  // it has no bits for more
 constexpr std::size_t kLoggedBrightnessBytes = 10;
 
-/// From which firmware version on the zone switch packet has which length; the last row that applies counts.
-struct PacketLengthRow {
-  std::pair<std::int32_t, std::int32_t> since;  // major, minor
-  std::int32_t length;
-};
-constexpr PacketLengthRow kOnOffPacketLengths[] = {{{2, 86}, 12}, {{2, 91}, 16}};
-constexpr std::int32_t kOldestOnOffPacketLength = 8;
 constexpr std::size_t kLongestOnOffPacket = 16;
-
-bool IsZoneCount(std::uint16_t value) { return value == 0 || value == 1 || value == 3 || value == 4; }
 
 /// A zone's bit in byte 0, then red, green, blue.
 std::uint64_t ZoneColorValue(std::uint64_t zone_bit, PackedColor color) {
@@ -36,21 +25,16 @@ std::uint64_t ZoneColorValue(std::uint64_t zone_bit, PackedColor color) {
 }
 
 /// The length of the zone switch packet that the firmware of this version expects.
-std::int32_t OnOffPacketLength(std::int32_t bios_major, std::int32_t bios_minor) {
-  std::int32_t length = kOldestOnOffPacketLength;
-  for (const PacketLengthRow& row : kOnOffPacketLengths) {
-    if (std::pair(bios_major, bios_minor) >= row.since) length = row.length;
-  }
-  return length;
+std::int32_t OnOffPacketLength(const FirmwareVersion& version) {
+  if (version < FirmwareVersion{2, 86}) return 8;
+  return version < FirmwareVersion{2, 91} ? 12 : kLongestOnOffPacket;
 }
 
 }  // namespace
 
 ZarnECKeyboardController::ZarnECKeyboardController() {
-  RawSmbiosTable table;
   stSMBiosType172 record;
-  ReadRawSmbiosTable(table);
-  if (!FindSMBiosType172(table, record)) return;
+  if (!ReadSMBiosType172(record)) return;
   bios_major = record.biosMajor;
   bios_minor = record.biosMinor;
   const std::uint16_t zones = FirstItem(record, kItemKeyboardZones).value_or(0);
@@ -60,7 +44,7 @@ ZarnECKeyboardController::ZarnECKeyboardController() {
 void ZarnECKeyboardController::SendColors(const PackedColor* colors, std::uint32_t count, std::uint8_t brightness) {
   const InfoLog log(L"ZarnECKeyboardController::SendColors");
   log(L"WMI stSMBiosType172: %d.%d", bios_major, bios_minor);
-  SetKeyboardOnOff({colors, count}, OnOffPacketLength(bios_major, bios_minor));
+  SetKeyboardOnOff({colors, count}, OnOffPacketLength({bios_major, bios_minor}));
   SetKeyboardBrightness(brightness);
   SetKeyboardColor({colors, count});
 }
@@ -68,10 +52,8 @@ void ZarnECKeyboardController::SendColors(const PackedColor* colors, std::uint32
 std::int32_t ZarnECKeyboardController::SetMode(std::uint8_t effect, std::uint16_t speed, std::uint16_t direction,
                                                std::uint16_t brightness, std::uint8_t red, std::uint8_t green,
                                                std::uint8_t blue) {
-  const EffectSettings settings{effect, speed, direction, brightness, red, green, blue};
-  const EffectPacket packet = MakeLoggedEffectPacket(L"ZarnECKeyboardController::SetMode", settings, kTargetKeyboard);
-  std::uint64_t output = 0;
-  return SetGamingKBBacklight(packet.data(), &output);
+  return SendEffect(L"ZarnECKeyboardController::SetMode", {effect, speed, direction, brightness, red, green, blue},
+                    kTargetKeyboard);
 }
 
 void ZarnECKeyboardController::SetKeyboardOnOff(std::span<const PackedColor> colors, std::int32_t length) {

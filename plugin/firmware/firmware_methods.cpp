@@ -33,31 +33,30 @@ bool Run(WmiConnection& connection, const wchar_t* method, Variant& input, std::
          ExecFirmwareMethod(connection, kFirmwareClass, method, kFirmwareInstances, in, out) != 0;
 }
 
-}  // namespace
-
-std::int32_t SetGamingLED(const std::uint8_t* input, std::uint32_t* output, std::int32_t length) {
+/// A call that sends bytes and takes the firmware's 32-bit answer.
+std::int32_t SendBytes(const wchar_t* method, std::span<const std::uint8_t> input, std::uint32_t& answer) {
   return FirmwareCall([&](WmiConnection& connection) {
     Variant gm_input;
     Variant gm_output;
-    if (length < 0 || !gm_input.SetBytes({input, static_cast<std::size_t>(length)})) return false;
-    if (!Run(connection, L"SetGamingLED", gm_input, {{L"gmOutput", gm_output}})) return false;
+    if (!gm_input.SetBytes(input)) return false;
+    if (!Run(connection, method, gm_input, {{L"gmOutput", gm_output}})) return false;
     if (!gm_output.ChangeTo(VT_UI4)) return false;
-    *output = V_UI4(gm_output.Get());
+    answer = V_UI4(gm_output.Get());
     return true;
   });
 }
 
+}  // namespace
+
+std::int32_t SetGamingLED(const std::uint8_t* input, std::uint32_t* output, std::int32_t length) {
+  return length < 0 ? 0 : SendBytes(L"SetGamingLED", {input, static_cast<std::size_t>(length)}, *output);
+}
+
 std::int32_t SetGamingKBBacklight(const std::uint8_t* input, std::uint64_t* output) {
-  return FirmwareCall([&](WmiConnection& connection) {
-    Variant gm_input;
-    Variant gm_output;
-    if (!gm_input.SetBytes({input, kBacklightPacketSize})) return false;
-    if (!Run(connection, L"SetGamingKBBacklight", gm_input, {{L"gmOutput", gm_output}})) return false;
-    if (!gm_output.ChangeTo(VT_UI4)) return false;
-    const auto answer = static_cast<std::int32_t>(V_UI4(gm_output.Get()));
-    *output = static_cast<std::uint64_t>(std::int64_t{answer});
-    return true;
-  });
+  std::uint32_t answer = 0;
+  if (SendBytes(L"SetGamingKBBacklight", {input, kBacklightPacketSize}, answer) == 0) return 0;
+  *output = static_cast<std::uint64_t>(std::int64_t{static_cast<std::int32_t>(answer)});
+  return 1;
 }
 
 std::int32_t SetGamingRgbKb(std::uint64_t value) {
@@ -80,9 +79,8 @@ std::int32_t GetGamingLED(std::uint8_t* buffer, std::int32_t length) {
     V_UI4(gm_input.Get()) = kLedQuery;
     if (length < 1 || !gm_input.ChangeTo(VT_BSTR)) return false;
     if (!Run(connection, L"GetGamingLED", gm_input, {{L"gmReturn", gm_return}, {L"gmOutput", gm_output}})) return false;
-    // The platform would turn a text into its raw bytes; only an array is an answer.
-    if (!gm_return.ChangeTo(VT_UI8) || !gm_output.IsByteArray()) return false;
-    const ArrayBytes answer(gm_output);
+    if (!gm_return.ChangeTo(VT_UI8)) return false;
+    const ArrayBytes answer(*gm_output.Get());  // not converted: the platform would take a text for its raw bytes
     if (!answer) return false;
     buffer[0] = static_cast<std::uint8_t>(V_UI8(gm_return.Get()));
     const std::size_t count = std::min(answer.Get().size(), static_cast<std::size_t>(length - 1));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "base/little_endian.h"
 #include "firmware/com_resources.h"
 #include "firmware/wmi_connection.h"
 
@@ -14,7 +15,7 @@ constexpr int kItemsOffset = 6;
 constexpr int kItemSize = 3;
 
 std::uint16_t ReadU16(std::span<const std::uint8_t> bytes, std::size_t offset) {
-  return static_cast<std::uint16_t>(bytes[offset] | bytes[offset + 1] << 8);
+  return static_cast<std::uint16_t>(FromLittleEndian(bytes.subspan(offset, sizeof(std::uint16_t))));
 }
 
 /// The structure of type 172 and everything behind it; empty when the walk ends before one is found.
@@ -53,7 +54,7 @@ int ReadRawSmbiosTable(RawSmbiosTable& table) {
   table.smbiosMajor = V_UI1(major.Get());
   table.smbiosMinor = V_UI1(minor.Get());
 
-  const ArrayBytes bytes(data);
+  const ArrayBytes bytes(*data.Get());
   if (!bytes) return 0;
   table.data = std::make_unique<std::uint8_t[]>(bytes.Get().size());
   table.length = static_cast<std::uint32_t>(bytes.Get().size());
@@ -87,6 +88,12 @@ bool FindSMBiosType172(std::span<const std::uint8_t> table, stSMBiosType172& rec
   return true;
 }
 
+bool ReadSMBiosType172(stSMBiosType172& record) {
+  RawSmbiosTable table;
+  ReadRawSmbiosTable(table);
+  return FindSMBiosType172(table, record);
+}
+
 std::span<const std::uint8_t> FindOemStructure(std::span<const std::uint8_t> table) {
   stSMBiosType172 record;
   return FindSMBiosType172(table, record) ? SkipToOemStructure(table).first(record.length)
@@ -98,8 +105,7 @@ AnnouncedLights FindAnnouncedLights(const stSMBiosType172& record) {
   for (std::size_t i = 0; i < CountItems(record); ++i) {
     const std::uint8_t id = record.itemIds.at(i);
     const std::uint16_t value = record.itemValues.at(i);
-    if (id == kItemKeyboardZones && (value == 0 || value == 1 || value == 3 || value == 4))
-      lights.keyboard = value != 0;
+    if (id == kItemKeyboardZones && IsZoneCount(value)) lights.keyboard = value != 0;
     if (id == kItemRgbKeyboard && (value == kRgbKeyboardNone || value == kRgbKeyboardThere)) {
       lights.rgb_keyboard = value == kRgbKeyboardThere;
     }

@@ -3,10 +3,19 @@
 #pragma once
 
 #include <array>
+#include <compare>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
+
+/// A firmware version. They are ordered, the newer one being the greater.
+struct FirmwareVersion {
+  std::int32_t major = 0;
+  std::int32_t minor = 0;
+
+  friend constexpr auto operator<=>(const FirmwareVersion&, const FirmwareVersion&) = default;
+};
 
 /// A copy of the machine's structure table.
 struct RawSmbiosTable {
@@ -29,13 +38,15 @@ struct stSMBiosType172 {
 };
 
 /// Items that tell of lighting hardware, and what their values mean.
-inline constexpr std::uint8_t kItemKeyboardZones = 8;  // 0 none; 1, 3 or 4 zones
+inline constexpr std::uint8_t kItemKeyboardZones = 8;  // as IsZoneCount
 inline constexpr std::uint8_t kItemRgbKeyboard = 10;
 inline constexpr std::uint16_t kRgbKeyboardNone = 1;
 inline constexpr std::uint16_t kRgbKeyboardThere = 2;
 inline constexpr std::uint8_t kItemLightBar = 23;
-inline constexpr std::uint16_t kLightBarThere = 1;
-inline constexpr std::uint16_t kLightBarNone = 2;
+inline constexpr std::uint16_t kLightBarThere = 1;  // 2: none
+
+/// The numbers of zones that a keyboard may have, 0 being that of none.
+constexpr bool IsZoneCount(std::uint16_t value) { return value == 0 || value == 1 || value == 3 || value == 4; }
 
 /// Reads the table through the management service, anew each time; 1 when `data` and `length` hold it, else 0 and they
 /// hold nothing. May block as long as the service does. Throws std::bad_alloc.
@@ -45,6 +56,9 @@ int ReadRawSmbiosTable(RawSmbiosTable& table);
 /// the table's end. Reads no byte beyond the table.
 bool FindSMBiosType172(const RawSmbiosTable& table, stSMBiosType172& record);
 bool FindSMBiosType172(std::span<const std::uint8_t> table, stSMBiosType172& record);
+
+/// Reads the table and unpacks the structure from it.
+bool ReadSMBiosType172(stSMBiosType172& record);
 
 /// The formatted area of the structure that FindSMBiosType172 unpacks, with its header, inside `table`; empty when
 /// there is none.
@@ -57,8 +71,8 @@ struct AnnouncedLights {
   bool light_bar = false;
 };
 
-/// The last item of a kind counts, as long as it stands in front of the light bar's, which closes the list; the device
-/// controllers, which come later, read the first one of each.
+/// The light bar's item closes the list. In front of it, the last item of a kind counts here; the device controllers
+/// read the first one.
 AnnouncedLights FindAnnouncedLights(const stSMBiosType172& record);
 
 /// The value of the first item with that id.

@@ -1,5 +1,7 @@
 #include "firmware/wmi_connection.h"
 
+#include <cwchar>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -7,7 +9,6 @@ namespace {
 constexpr wchar_t kNamespace[] = L"ROOT\\WMI";
 constexpr wchar_t kQueryLanguage[] = L"WQL";
 constexpr wchar_t kKeyProperty[] = L"InstanceName";
-constexpr std::size_t kPathCharacters = 260;  // with the terminator
 
 constexpr auto kFailed = static_cast<HRESULT>(WBEM_E_FAILED);
 
@@ -28,20 +29,16 @@ bool Step(WmiConnection& connection, const Bstr& text) { return Step(connection,
 
 bool Connect(WmiConnection& connection) {
   const Bstr name_space(kNamespace);
-  if (!Step(connection, name_space)) return false;
-  if (!Step(connection,
-            CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
-                             reinterpret_cast<void**>(connection.locator.Put())),
-            connection.locator)) {
-    return false;
-  }
-  if (!Step(connection,
-            connection.locator->ConnectServer(name_space.Get(), nullptr, nullptr, nullptr, 0, nullptr, nullptr,
-                                              connection.services.Put()),
-            connection.services)) {
-    return false;
-  }
-  return Step(connection, CoSetProxyBlanket(connection.services.Get(), RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
+  return Step(connection, name_space) &&
+         Step(connection,
+              CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
+                               reinterpret_cast<void**>(connection.locator.Put())),
+              connection.locator) &&
+         Step(connection,
+              connection.locator->ConnectServer(name_space.Get(), nullptr, nullptr, nullptr, 0, nullptr, nullptr,
+                                                connection.services.Put()),
+              connection.services) &&
+         Step(connection, CoSetProxyBlanket(connection.services.Get(), RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
                                             RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE));
 }
 
@@ -77,54 +74,16 @@ bool ReceiveValues(WmiConnection& connection, const ComPtr<IWbemClassObject>& ob
   return !values.empty();
 }
 
-bool RunMethod(WmiConnection& connection, const wchar_t* class_name, const wchar_t* method, const wchar_t* query,
-               std::span<const NamedVariant> in, std::span<const NamedVariant> out) {
-  std::wstring path;
-  if (!Step(connection, FindInstancePath(connection, class_name, query, path))) return false;
-
-  const Bstr class_text(class_name);
-  const Bstr method_text(method);
-  const Bstr path_text(path.c_str());
-  if (!Step(connection, class_text) || !Step(connection, method_text) || !Step(connection, path_text)) return false;
-
-  ComPtr<IWbemClassObject> definition;
-  if (!Step(connection, connection.services->GetObject(class_text.Get(), 0, nullptr, definition.Put(), nullptr),
-            definition)) {
-    return false;
+/// Writes an instance's object path, in which every backslash of its name is doubled; false when it does not fit.
+bool WritePath(const wchar_t* class_name, std::wstring_view instance_name, InstancePath& path) {
+  InstancePath escaped{};
+  std::size_t length = 0;
+  for (const wchar_t character : instance_name) {
+    const std::size_t copies = character == L'\\' ? 2 : 1;
+    if (length + copies >= escaped.size()) return false;
+    for (std::size_t i = 0; i < copies; ++i) escaped.at(length++) = character;
   }
-  ComPtr<IWbemClassObject> in_params;
-  if (!Step(connection, definition->GetMethod(method, 0, in_params.Put(), nullptr))) return false;
-  if (!in.empty() && !Step(connection, S_OK, in_params)) return false;  // only a method without parameters has none
-  if (!SendValues(connection, in_params, in)) return false;
-
-  ComPtr<IWbemClassObject> out_params;
-  return Step(connection,
-              connection.services->ExecMethod(path_text.Get(), method_text.Get(), 0, nullptr,
-                                              in.empty() ? nullptr : in_params.Get(), out_params.Put(), nullptr),
-              out_params) &&
-         ReceiveValues(connection, out_params, out);
-}
-
-bool ReadFirstInstance(WmiConnection& connection, const wchar_t* class_name, std::span<const NamedVariant> properties) {
-  const Bstr class_text(class_name);
-  ComPtr<IEnumWbemClassObject> enumerator;
-  ComPtr<IWbemClassObject> instance;
-  return Step(connection, class_text) &&
-         Step(connection, connection.services->CreateInstanceEnum(class_text.Get(), 0, nullptr, enumerator.Put()),
-              enumerator) &&
-         TakeNext(connection, enumerator, instance) && ReceiveValues(connection, instance, properties);
-}
-
-/// Runs `operation`; what it throws, memory running out, becomes a failure of the connection.
-template <typename Operation>
-std::int32_t Contained(WmiConnection& connection, Operation operation) noexcept {
-  try {
-    connection.status = S_OK;
-    return operation() ? 1 : 0;
-  } catch (...) {
-    connection.status = kFailed;
-    return 0;
-  }
+  return std::swprintf(path.data(), path.size(), L"%ls.%ls=\"%ls\"", class_name, kKeyProperty, escaped.data()) > 0;
 }
 
 }  // namespace
@@ -153,15 +112,9 @@ void CloseWmiConnection(WmiConnection& connection) {
   if (std::exchange(connection.com_initialized, 0) != 0 && connection.may_uninitialize != 0) CoUninitialize();
 }
 
-std::wstring EscapeBackslashes(const std::wstring& text) {
-  std::wstring escaped;
-  for (const wchar_t character : text) escaped.append(character == L'\\' ? 2 : 1, character);
-  return escaped;
-}
-
 HRESULT FindInstancePath(WmiConnection& connection, const wchar_t* class_name, const wchar_t* query,
-                         std::wstring& path) {
-  path.clear();
+                         InstancePath& path) {
+  path = {};
   const Bstr language(kQueryLanguage);
   const Bstr query_text(query);
   if (!Step(connection, language) || !Step(connection, query_text)) return connection.status;
@@ -180,11 +133,10 @@ HRESULT FindInstancePath(WmiConnection& connection, const wchar_t* class_name, c
   while (TakeNext(connection, enumerator, instance)) {
     Variant name;
     if (!Step(connection, instance->Get(kKeyProperty, 0, name.Get(), nullptr, nullptr))) continue;
-    if (name.Type() <= VT_NULL) continue;
+    if (V_VT(name.Get()) <= VT_NULL) continue;
     if (!name.ChangeTo(VT_BSTR)) return kFailed;
-    const std::wstring text(V_BSTR(name.Get()), SysStringLen(V_BSTR(name.Get())));
-    path = std::wstring(class_name) + L"." + kKeyProperty + L"=\"" + EscapeBackslashes(text) + L"\"";
-    return path.size() < kPathCharacters ? query_result : kFailed;
+    const std::wstring_view text(V_BSTR(name.Get()), SysStringLen(V_BSTR(name.Get())));
+    return WritePath(class_name, text, path) ? query_result : kFailed;
   }
   return query_result;
 }
@@ -192,10 +144,42 @@ HRESULT FindInstancePath(WmiConnection& connection, const wchar_t* class_name, c
 std::int32_t ExecFirmwareMethod(WmiConnection& connection, const wchar_t* class_name, const wchar_t* method,
                                 const wchar_t* query, std::span<const NamedVariant> in,
                                 std::span<const NamedVariant> out) {
-  return Contained(connection, [&] { return RunMethod(connection, class_name, method, query, in, out); });
+  InstancePath path;
+  if (!Step(connection, FindInstancePath(connection, class_name, query, path))) return 0;
+
+  const Bstr class_text(class_name);
+  const Bstr method_text(method);
+  const Bstr path_text(path.data());
+  if (!Step(connection, class_text) || !Step(connection, method_text) || !Step(connection, path_text)) return 0;
+
+  ComPtr<IWbemClassObject> definition;
+  if (!Step(connection, connection.services->GetObject(class_text.Get(), 0, nullptr, definition.Put(), nullptr),
+            definition)) {
+    return 0;
+  }
+  ComPtr<IWbemClassObject> in_params;
+  if (!Step(connection, definition->GetMethod(method, 0, in_params.Put(), nullptr))) return 0;
+  if (!in.empty() && !Step(connection, S_OK, in_params)) return 0;  // only a method without parameters has none
+  if (!SendValues(connection, in_params, in)) return 0;
+
+  ComPtr<IWbemClassObject> out_params;
+  const bool ran =
+      Step(connection,
+           connection.services->ExecMethod(path_text.Get(), method_text.Get(), 0, nullptr,
+                                           in.empty() ? nullptr : in_params.Get(), out_params.Put(), nullptr),
+           out_params);
+  return ran && ReceiveValues(connection, out_params, out) ? 1 : 0;
 }
 
 std::int32_t ReadInstanceProperties(WmiConnection& connection, const wchar_t* class_name,
                                     std::span<const NamedVariant> properties) {
-  return Contained(connection, [&] { return ReadFirstInstance(connection, class_name, properties); });
+  const Bstr class_text(class_name);
+  ComPtr<IEnumWbemClassObject> enumerator;
+  ComPtr<IWbemClassObject> instance;
+  const bool found =
+      Step(connection, class_text) &&
+      Step(connection, connection.services->CreateInstanceEnum(class_text.Get(), 0, nullptr, enumerator.Put()),
+           enumerator) &&
+      TakeNext(connection, enumerator, instance);
+  return found && ReceiveValues(connection, instance, properties) ? 1 : 0;
 }

@@ -2,13 +2,13 @@
 /// reading an instance's properties.
 ///
 /// A connection belongs to the operation that opened it and to its thread; nothing is shared, nothing is cached. All
-/// operations answer 1 for success and 0 for failure and throw nothing; `status` keeps the code of the most recent
-/// step.
+/// operations answer 1 for success and 0 for failure; `status` keeps the code of the most recent step. Nothing here
+/// takes memory but through the platform, which answers by a code when it runs out: so nothing is thrown.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
-#include <string>
 
 #include "firmware/com_resources.h"
 
@@ -40,13 +40,13 @@ std::int32_t OpenWmiConnection(WmiConnection& connection);
 /// Gives back what the connection holds; may be called again.
 void CloseWmiConnection(WmiConnection& connection);
 
-/// `text` with every backslash doubled, as object paths want it.
-std::wstring EscapeBackslashes(const std::wstring& text);
+/// The object path of an instance, with its terminator.
+using InstancePath = std::array<wchar_t, 260>;
 
 /// Finds the first of the queried instances that has a name, and writes its object path; the path is empty when there
-/// is none. Answers the query's result code, or a failure when the path cannot be built within 260 characters.
+/// is none. Answers the query's result code, or a failure when the path does not fit.
 HRESULT FindInstancePath(WmiConnection& connection, const wchar_t* class_name, const wchar_t* query,
-                         std::wstring& path);
+                         InstancePath& path);
 
 /// Runs `method` once on the instance that `query` finds: sends the values of `in`, copies those of `out` back. 1 when
 /// all of that worked and at least one value was asked for.

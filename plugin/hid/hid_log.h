@@ -1,6 +1,8 @@
 /// How the HID library code logs: through the process's logger, under one function tag.
 #pragma once
 
+#include "log/logger.h"
+
 /// One operation's view of the logger. `format` as for FormatWide, cut at 1000 characters; a line for which there is no
 /// memory is lost. Logging leaves the thread's last error as it was, so that what follows a failed platform call can
 /// still ask for its code.
@@ -8,9 +10,17 @@ class HidLog {
  public:
   explicit HidLog(const wchar_t* function_tag) : function_tag_(function_tag) {}
 
-  void Info(const wchar_t* format, ...) const;
-  void Error(const wchar_t* format, ...) const;
+  template <typename... Arguments>
+  void Info(const wchar_t* format, Arguments... arguments) const {
+    Write(zarn::WRV520::Logger::Info, format, arguments...);
+  }
+  template <typename... Arguments>
+  void Error(const wchar_t* format, Arguments... arguments) const {
+    Write(zarn::WRV520::Logger::Error, format, arguments...);
+  }
 
  private:
+  void Write(zarn::WRV520::Logger::Level level, const wchar_t* format, ...) const;
+
   const wchar_t* function_tag_;
 };

@@ -1,21 +1,19 @@
 /// The lighting HID devices of the machine, and the lighting reports.
 ///
 /// A lighting device is an interface with a vendor-defined usage page that answers the attribute report 0xA1 with the
-/// lighting device ids it serves. Where a value sits in the other reports is for the devices to say: values are packed
-/// back to back in a fixed order, each as wide as its field is declared, and undeclared ones take no room. Devices that
-/// serve the same id are taken for alike: a field is as wide for all of them as the first one that has it declares.
+/// lighting device ids it serves. In the other reports the values stand back to back in a fixed order. Each device
+/// declares how wide each of its fields is; a field that it does not declare takes no room. Devices that serve the same
+/// id are taken to be alike: the first one that declares a field sets its width for all.
 ///
-/// The list of devices is built once, as soon as there is one. Its handles stay open between reports; they are closed
-/// after an exchange that failed, after discovery's presence test, and when the HID keyboard's controller goes. The
-/// next exchange reopens a closed device by its vendor, product and usage, so that it may be plugged in elsewhere by
-/// then; of two devices that agree in all of them the first one gets the reports of both.
+/// The list of devices is built once, as soon as there is one. The next report reopens a closed device by its vendor,
+/// product and usage, so that it may be plugged in elsewhere by then. Of two devices that agree in all of them the
+/// first one gets the reports of both.
 ///
-/// Threads: `g_lightingDevicesLock` serialises all lighting traffic of the process, retries and waits included; see
-/// each operation for who takes it. Device errors are logged and answered, never thrown; std::bad_alloc may leave every
-/// operation.
+/// Threads: `g_lightingDevicesLock` serialises all lighting traffic of the process, retries and waits included; each
+/// operation tells whether it takes the lock. Device errors are logged and answered, never thrown; std::bad_alloc may
+/// leave every operation.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -35,8 +33,8 @@ struct _HIDInfo : _HIDDevice {  // NOLINT(bugprone-reserved-identifier): as for 
   std::map<FieldKey, HIDP_VALUE_CAPS> fields;  // its feature value fields
 };
 
-/// What a lighting device says of itself. Fields it does not declare are 0. What it means by those that are called by
-/// their usages is not known here.
+/// What a lighting device says of itself; a field that it does not declare is 0. Nobody here knows what those mean that
+/// are named for their usages.
 struct LightingDeviceBaseInfo {
   std::uint8_t deviceId = 0;
   std::uint8_t info34 = 0;
@@ -64,7 +62,7 @@ inline constexpr std::uint8_t kBaseInfoRequest = 0xA2;
 inline constexpr std::uint8_t kBaseInfoReply = 0xA3;
 inline constexpr std::uint8_t kUpdateReport = 0xA4;
 
-/// By which the fields of the base information and of the update are declared.
+/// The usages under which devices declare the fields of the base information and of the update.
 namespace FieldUsage {
 inline constexpr std::uint8_t EffectMask = 0x31;
 inline constexpr std::uint8_t Info32 = 0x32;
@@ -84,24 +82,24 @@ inline constexpr std::uint8_t ZoneMask = 0x48;
 class LightingHID {
  public:
   /// Rebuilds `g_lightingDevices` from the devices that are present, each with an open handle, and copies it to
-  /// `devices`, which may be that list itself. The handles stay the list's, in copies too; close them before it is
-  /// built anew. Takes the lock.
+  /// `devices`, which may be that list itself. The handles stay the list's, in copies too; close them before you build
+  /// it anew. Takes the lock.
   static void GetLightingDeviceList(std::vector<_HIDInfo>& devices);
   /// Reads the lighting device ids that `device` serves. For the building of the list, under the lock.
   static bool GetLightingDeviceAttributeReport(_HIDInfo& device);
 
-  /// How many bytes wide a listed device that serves `device_id` declares a field: of the first one that declares it.
+  /// The width of a field in bytes, as the first listed device declares it that serves `device_id` and has the field.
   /// `width` is written on success alone. Takes no lock: the report operations ask while they hold it.
   static bool GetFieldSize(std::uint8_t device_id, std::uint8_t report_id, std::uint8_t usage, std::uint8_t& width);
 
   /// The first listed device that serves the keyboard; `device` is written on success alone, and its handle stays the
-  /// list's. Builds the list if it is empty, and otherwise asks no device, so that an unplugged one is still found.
-  /// Takes the lock.
+  /// list's. Builds the list if it is empty. Otherwise it asks no device, so an unplugged one is still found. Takes the
+  /// lock.
   static bool FindLightingDevice(_HIDInfo& device);
-  /// The handle of a device, opened anew when it is closed; INVALID_HANDLE_VALUE when that fails. The caller stores
-  /// it. Takes no lock.
+  /// The handle of a device, opened anew when it is closed; INVALID_HANDLE_VALUE when that fails. The caller keeps it
+  /// in the list. Takes no lock.
   static HANDLE OpenLightingDevice(const _HIDDevice& device);
-  /// Closes the handles that listed devices have open. Under the lock.
+  /// Closes the handles that listed devices have open. Takes the lock.
   static void CloseLightingDevices();
 
   /// Asks the listed devices that serve `device_id` in turn, up to five times each, for what they say of themselves.

@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <utility>
 
+#include "base/owner.h"
 #include "hid/hid_log.h"
 #include "hid/hid_resources.h"
 #include "hid/lighting_hid.h"
@@ -17,24 +19,12 @@ constexpr wchar_t kAttributeTag[] = L"zarn::WRV520::Lighting::LightingHID::GetLi
 constexpr wchar_t kFieldTag[] = L"zarn::WRV520::Lighting::LightingHID::GetFieldSize";
 
 template <typename Device>
-void CloseHandles(std::vector<Device>& devices) {
-  for (Device& device : devices) {
-    if (IsOpen(device.handle)) CloseHandle(device.handle);
-    device.handle = INVALID_HANDLE_VALUE;
-  }
+void CloseAll(std::vector<Device>* devices) {
+  for (Device& device : *devices) CloseKept(device.handle);
 }
-
-/// A list under construction: what is in it when it goes is closed, be it that memory ran out, or that a device was
-/// left out.
+/// Closes at its end what the devices of a list then still have open: memory ran out, or a device was left out.
 template <typename Device>
-struct OpenDevices {
-  std::vector<Device> list;
-
-  OpenDevices() = default;
-  OpenDevices(const OpenDevices&) = delete;
-  OpenDevices& operator=(const OpenDevices&) = delete;
-  ~OpenDevices() { CloseHandles(list); }
-};
+using ClosesRest = Owner<std::vector<Device>*, CloseAll<Device>>;
 
 void ReadFields(_HIDInfo& device) {
   const HidLog log(kListTag);
@@ -49,20 +39,23 @@ void ReadFields(_HIDInfo& device) {
 
 /// Under the lock.
 void BuildList() {
-  OpenDevices<_HIDDevice> found;
+  std::vector<_HIDDevice> found;
+  const ClosesRest<_HIDDevice> closes_found(&found);
   TsHID::GetHIDDeviceHandle([](std::uint16_t, std::uint16_t) { return true; },
-                            [](const HIDP_CAPS& caps) { return caps.UsagePage == kLightingUsagePage; }, found.list);
-  OpenDevices<_HIDInfo> built;
-  built.list.reserve(found.list.size());
-  for (_HIDDevice& interface : found.list) {
+                            [](const HIDP_CAPS& caps) { return caps.UsagePage == kLightingUsagePage; }, found);
+  std::vector<_HIDInfo> built;
+  ClosesRest<_HIDInfo> closes_built(&built);
+  built.reserve(found.size());
+  for (_HIDDevice& interface : found) {
     _HIDInfo device{interface, {}, {}};
     if (!LightingHID::GetLightingDeviceAttributeReport(device)) continue;
     ReadFields(device);
-    built.list.push_back(std::move(device));
+    built.push_back(std::move(device));
     interface.handle = INVALID_HANDLE_VALUE;  // it is the list's from here on
   }
-  std::swap(g_lightingDevices, built.list);
-  built.list.clear();  // the handles of the list before are left alone: they belong to whoever has a copy of it
+  closes_built.Release();
+  // The handles of the list before are left alone: they belong to whoever has a copy of it.
+  g_lightingDevices = std::move(built);
 }
 
 }  // namespace
@@ -119,6 +112,9 @@ HANDLE LightingHID::OpenLightingDevice(const _HIDDevice& device) {
   return TsHID::GetHIDDeviceHandle(device.vendorId, device.productId, device.usagePage, device.usage);
 }
 
-void LightingHID::CloseLightingDevices() { CloseHandles(g_lightingDevices); }
+void LightingHID::CloseLightingDevices() {
+  const std::lock_guard lock(g_lightingDevicesLock);
+  CloseAll(&g_lightingDevices);
+}
 
 }  // namespace zarn::WRV520::Lighting

@@ -3,7 +3,8 @@
 #include <optional>
 #include <span>
 
-#include "controller/millisecond_sleep.h"
+#include "base/little_endian.h"
+#include "base/millisecond_sleep.h"
 #include "hid/hid_log.h"
 #include "hid/hid_resources.h"
 #include "hid/lighting_hid.h"
@@ -24,13 +25,20 @@ constexpr std::size_t kPayloadSize = TsHID::kFeatureBufferSize;
 using Payload = std::array<std::uint8_t, kPayloadSize>;
 
 /// Walks a payload in the order of its fields, by the widths that the device declares. Widths are asked for to the end,
-/// also when the place of the rest is not known any more.
+/// also when the place of the rest is not known any more. A value is cut to its field's width, or filled up with zeros.
 template <typename Byte>
 class FieldCursor {
  public:
   FieldCursor(std::uint8_t report_id, std::span<Byte, kPayloadSize> payload)
       : report_id_(report_id), payload_(payload) {}
 
+  template <typename Number>
+  void Read(std::uint8_t usage, Number& value) {
+    value = static_cast<Number>(FromLittleEndian(Next(usage)));
+  }
+  void Write(std::uint8_t usage, std::uint32_t value) { ToLittleEndian(value, Next(usage)); }
+
+ private:
   /// The bytes of the field; none when it takes no room, or has no place.
   std::span<Byte> Next(std::uint8_t usage) {
     std::uint8_t width = 0;
@@ -43,7 +51,6 @@ class FieldCursor {
     return field;
   }
 
- private:
   const std::uint8_t report_id_;
   const std::span<Byte, kPayloadSize> payload_;  // begins with the lighting device id
   std::size_t position_ = 1;
@@ -61,46 +68,21 @@ bool Open(_HIDInfo& device, const HidLog& log) {
 /// The end of an attempt whose exchange failed. The next one opens the device anew.
 template <typename... Arguments>
 void CloseAndPause(_HIDInfo& device, const HidLog& log, const wchar_t* why, Arguments... arguments) {
-  CloseHandle(device.handle);
-  device.handle = INVALID_HANDLE_VALUE;
+  CloseKept(device.handle);
   log.Error(why, arguments...);
   SleepMilliseconds(kPauseMilliseconds);
 }
 
-std::uint32_t Decoded(std::span<const std::uint8_t> field) {
-  std::uint32_t value = 0;
-  for (std::size_t i = 0; i < field.size(); ++i) value |= std::uint32_t{field[i]} << (8 * i);
-  return value;
-}
-
-void Encode(std::uint32_t value, std::span<std::uint8_t> field) {
-  for (std::size_t i = 0; i < field.size(); ++i) field[i] = static_cast<std::uint8_t>(value >> (8 * i));
-}
-
 LightingDeviceBaseInfo DecodedBaseInfo(const Payload& reply) {
-  FieldCursor cursor(kBaseInfoReply, std::span(reply));
-  const auto next = [&cursor](std::uint8_t usage) { return Decoded(cursor.Next(usage)); };
   LightingDeviceBaseInfo info;
   info.deviceId = reply[0];
-  info.info34 = static_cast<std::uint8_t>(next(FieldUsage::Info34));
-  info.info32 = static_cast<std::uint8_t>(next(FieldUsage::Info32));
-  info.zoneCount = static_cast<std::uint16_t>(next(FieldUsage::ZoneCount));
-  info.info33 = static_cast<std::uint16_t>(next(FieldUsage::Info33));
-  info.effectMask = next(FieldUsage::EffectMask);
+  FieldCursor cursor(kBaseInfoReply, std::span(reply));
+  cursor.Read(FieldUsage::Info34, info.info34);
+  cursor.Read(FieldUsage::Info32, info.info32);
+  cursor.Read(FieldUsage::ZoneCount, info.zoneCount);
+  cursor.Read(FieldUsage::Info33, info.info33);
+  cursor.Read(FieldUsage::EffectMask, info.effectMask);
   return info;
-}
-
-/// A value of the update report, in the order of the report.
-struct UpdateValue {
-  std::uint8_t usage;
-  std::uint32_t value;
-};
-
-Payload UpdatePayload(std::uint8_t device_id, std::span<const UpdateValue> values) {
-  Payload payload{device_id};
-  FieldCursor cursor(kUpdateReport, std::span(payload));
-  for (const auto& [usage, value] : values) Encode(value, cursor.Next(usage));
-  return payload;
 }
 
 /// One attempt; nothing when another one may be made.
@@ -123,9 +105,10 @@ std::optional<Payload> AskForBaseInfo(_HIDInfo& device, std::uint8_t device_id, 
 }
 
 /// One attempt; whether the device took it.
-bool SendUpdate(_HIDInfo& device, std::uint8_t device_id, std::span<const UpdateValue> values, const HidLog& log) {
+template <typename MakePayload>
+bool SendUpdate(_HIDInfo& device, const HidLog& log, MakePayload make_payload) {
   if (!Open(device, log)) return false;
-  const Payload payload = UpdatePayload(device_id, values);
+  const Payload payload = make_payload();
   log.Info(L"%02X,%02X,%02X,%02X,%02X,%02X,%02X,%02X,%02X,%02X", payload[0], payload[1], payload[2], payload[3],
            payload[4], payload[5], payload[6], payload[7], payload[8], payload[9]);
   if (TsHID::SetHIDFeature(device.handle, kUpdateReport, payload.data(), payload.size())) return true;
@@ -158,17 +141,25 @@ bool LightingHID::GetLightingDeviceBaseInfo(std::uint8_t device_id, LightingDevi
 void LightingHID::SetLightingDeviceUpdateReport(std::uint8_t device_id, std::uint8_t mode, std::uint8_t speed,
                                                 std::uint8_t direction, std::uint8_t brightness, std::uint8_t red,
                                                 std::uint8_t green, std::uint8_t blue, std::uint16_t zone_mask) {
-  // Brightness comes before speed.
-  const UpdateValue values[] = {{FieldUsage::Mode, mode},   {FieldUsage::Brightness, brightness},
-                                {FieldUsage::Speed, speed}, {FieldUsage::Direction, direction},
-                                {FieldUsage::Red, red},     {FieldUsage::Green, green},
-                                {FieldUsage::Blue, blue},   {FieldUsage::ZoneMask, zone_mask}};
+  const auto make_payload = [&] {
+    Payload payload{device_id};
+    FieldCursor cursor(kUpdateReport, std::span(payload));
+    cursor.Write(FieldUsage::Mode, mode);
+    cursor.Write(FieldUsage::Brightness, brightness);
+    cursor.Write(FieldUsage::Speed, speed);
+    cursor.Write(FieldUsage::Direction, direction);
+    cursor.Write(FieldUsage::Red, red);
+    cursor.Write(FieldUsage::Green, green);
+    cursor.Write(FieldUsage::Blue, blue);
+    cursor.Write(FieldUsage::ZoneMask, zone_mask);
+    return payload;
+  };
   const HidLog log(kUpdateTag);
   const std::lock_guard lock(g_lightingDevicesLock);
   for (_HIDInfo& device : g_lightingDevices) {
     if (!device.deviceIds.contains(device_id)) continue;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
-      if (SendUpdate(device, device_id, values, log)) break;
+      if (SendUpdate(device, log, make_payload)) break;
     }
   }
 }

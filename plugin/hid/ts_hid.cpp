@@ -2,8 +2,7 @@
 
 #include <algorithm>
 #include <iostream>
-#include <memory>
-#include <new>
+#include <utility>
 
 #include "hid/hid_log.h"
 #include "hid/hid_resources.h"
@@ -17,37 +16,6 @@ constexpr wchar_t kCapabilityTag[] = L"zarn::WRV520::TsHID::GetHIDCapability";
 constexpr wchar_t kGetTag[] = L"zarn::WRV520::TsHID::GetHIDFeature";
 constexpr wchar_t kSetTag[] = L"zarn::WRV520::TsHID::SetHIDFeature";
 
-DeviceHandle OpenInterface(const std::wstring& path) {
-  return DeviceHandle(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                  nullptr, OPEN_EXISTING, 0, nullptr));
-}
-
-GUID HidInterfaceClass() {
-  GUID guid{};
-  HidD_GetHidGuid(&guid);
-  return guid;
-}
-
-/// The path of one interface, empty with a line in the log when it cannot be read.
-std::wstring InterfacePath(HDEVINFO set, SP_DEVICE_INTERFACE_DATA& interface) {
-  using Detail = SP_DEVICE_INTERFACE_DETAIL_DATA_W;  // goes on behind its end
-  const HidLog log(kFindTag);
-  DWORD size = 0;
-  SetupDiGetDeviceInterfaceDetailW(set, &interface, nullptr, 0, &size, nullptr);
-  const std::unique_ptr<std::byte[]> block(new (std::nothrow) std::byte[std::max<std::size_t>(size, sizeof(Detail))]);
-  if (block == nullptr) {
-    log.Error(L"Error allocating memory for device interface detail data");
-    return {};
-  }
-  auto* const detail = new (block.get()) Detail{};
-  detail->cbSize = sizeof(Detail);
-  if (SetupDiGetDeviceInterfaceDetailW(set, &interface, detail, size, nullptr, nullptr) == FALSE) {
-    log.Error(L"Error getting device interface detail data");
-    return {};
-  }
-  return detail->DevicePath;
-}
-
 /// Reads the capabilities. Null, or what went wrong in the words of the log.
 const wchar_t* ReadCapability(HANDLE handle, HIDP_CAPS& caps) {
   const PreparsedData preparsed(handle);
@@ -60,56 +28,47 @@ const wchar_t* ReadCapability(HANDLE handle, HIDP_CAPS& caps) {
 
 /// An interface on its way through the enumeration. What its handle still holds at the end is closed.
 struct Candidate {
-  const std::wstring& path;
+  PresentInterfaces::Interface interface;
   DeviceHandle handle;
   HIDD_ATTRIBUTES attributes{};
   HIDP_CAPS caps{};
 };
 
-struct Verdict {
-  bool wanted = false;
-  const wchar_t* failure = nullptr;  // in the words of the log
-};
-
 /// Asks an interface what it is, and the predicates whether it is wanted. One that could not be opened is not.
-Verdict Examine(Candidate& candidate, const TsHID::IdentityPredicate& identity,
-                const TsHID::CapabilityPredicate& capability) {
-  if (!candidate.handle) return {};
-  candidate.attributes.Size = sizeof(candidate.attributes);
-  if (HidD_GetAttributes(candidate.handle.Get(), &candidate.attributes) == FALSE) {
-    return {.failure = L"Error getting device attributes"};
+bool IsWanted(Candidate& candidate, const TsHID::IdentityPredicate& identity,
+              const TsHID::CapabilityPredicate& capability) {
+  auto& [interface, handle, attributes, caps] = candidate;
+  if (interface.failure != nullptr) return false;
+  *handle.Put() = CreateFileW(interface.path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                              nullptr, OPEN_EXISTING, 0, nullptr);
+  if (!handle) return false;
+  attributes.Size = sizeof(attributes);
+  if (HidD_GetAttributes(handle.Get(), &attributes) == FALSE) {
+    interface.failure = L"Error getting device attributes";
+    return false;
   }
-  if (!identity(candidate.attributes.VendorID, candidate.attributes.ProductID)) return {};
-  if (const wchar_t* const failure = ReadCapability(candidate.handle.Get(), candidate.caps)) {
-    return {.failure = failure};
-  }
-  return {.wanted = capability(candidate.caps)};
+  if (!identity(attributes.VendorID, attributes.ProductID)) return false;
+  interface.failure = ReadCapability(handle.Get(), caps);
+  return interface.failure == nullptr && capability(caps);
 }
 
 /// Calls `take(candidate)` for each present interface that both predicates accept, until it answers false. Whether the
 /// platform could tell what is present.
 template <typename Take>
 bool ForEachMatch(const TsHID::IdentityPredicate& identity, const TsHID::CapabilityPredicate& capability, Take take) {
-  const GUID interface_class = HidInterfaceClass();
-  const PresentInterfaces present(interface_class);
+  PresentInterfaces present;
   if (!present) {
     HidLog(kFindTag).Error(L"Error getting device information set");
     return false;
   }
-
-  SP_DEVICE_INTERFACE_DATA interface {};
-  interface.cbSize = sizeof(interface);
-  for (DWORD i = 0; SetupDiEnumDeviceInterfaces(present.Get(), nullptr, &interface_class, i, &interface) != FALSE;
-       ++i) {
-    const std::wstring path = InterfacePath(present.Get(), interface);
-    if (path.empty()) continue;
-    Candidate candidate{path, OpenInterface(path)};
-    const Verdict verdict = Examine(candidate, identity, capability);
-    if (verdict.failure != nullptr) {
-      candidate.handle.Close();  // a log that hangs must not keep the device open
-      HidLog(kFindTag).Error(L"%ls", verdict.failure);
+  while (auto interface = present.Next()) {
+    Candidate candidate{*std::move(interface), {}, {}, {}};
+    const bool wanted = IsWanted(candidate, identity, capability);
+    if (candidate.interface.failure != nullptr) {
+      candidate.handle.Reset();  // a log that hangs must not keep the device open
+      HidLog(kFindTag).Error(L"%ls", candidate.interface.failure);
     }
-    if (verdict.wanted && !take(candidate)) break;
+    if (wanted && !take(candidate)) break;
   }
   return true;
 }
@@ -153,10 +112,10 @@ HANDLE TsHID::GetHIDDeviceHandle(std::uint16_t vendor_id, std::uint16_t product_
 bool TsHID::GetHIDDeviceHandle(const IdentityPredicate& identity, const CapabilityPredicate& capability,
                                std::vector<_HIDDevice>& devices) {
   const bool told = ForEachMatch(identity, capability, [&](Candidate& match) {
-    const auto& [path, handle, attributes, caps] = match;
+    const auto& [interface, handle, attributes, caps] = match;
     HidLog(kFindTag).Info(L"HID device(%04X, %04X) UsagePage find: %04X:%04X", attributes.VendorID,
                           attributes.ProductID, caps.UsagePage, caps.Usage);
-    devices.push_back({path, attributes.VendorID, attributes.ProductID, caps.UsagePage, caps.Usage});
+    devices.push_back({interface.path, attributes.VendorID, attributes.ProductID, caps.UsagePage, caps.Usage});
     devices.back().handle = match.handle.Release();  // now that nothing can fail any more
     return true;
   });

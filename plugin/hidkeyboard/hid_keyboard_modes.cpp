@@ -1,5 +1,8 @@
 #include "hidkeyboard/hid_keyboard_modes.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "controller/mode_rows.h"
 
 namespace {
@@ -10,27 +13,36 @@ using ModeRows::kEffect;
 
 struct Row {
   ModeRow mode;
-  std::uint32_t effect_bit;  // 0: on every keyboard
-  /// One colour in the record, also where the mode does not show it.
-  bool has_color;
+  std::uint8_t device_code;  // less 1, also the number of its bit among the keyboard's effects
+  bool has_color;            // one colour in the record, also where the mode does not show it
 };
 
+constexpr std::uint8_t kPerLedDeviceMode = 255;
 constexpr Row kRows[] = {
-    {{"Direct", kPerLedModeCode, Can::BrightnessAdjustable | Can::PerLedColors}, 0, false},
-    {{"STATIC", 0, Can::BrightnessAdjustable | Can::ModeColors}, 0, true},
-    {{"BREATHING", 1, kColoredEffect}, 0x0008, true},
-    {{"NEON", 2, kEffect}, 0x0010, true},
-    {{"OPMODE", 34, Can::ModeColors}, 0x0020, true},
-    {{"WAVE", 3, kEffect | Can::DirectionSetA}, 0x0040, true},
-    {{"SHIFTING", 4, kColoredEffect | Can::DirectionSetA}, 0x0080, true},
-    {{"ZOOM", 5, kColoredEffect}, 0x0100, true},
-    {{"METEOR", 6, kColoredEffect}, 0x0200, true},
-    {{"TWINKLING", 7, kColoredEffect}, 0x0400, true},
-    {{"RIPPLE", 8, kEffect}, 0x1000, false},
-    {{"SNAKE", 9, kEffect}, 0x2000, false},
-    {{"DISCO", 10, kEffect}, 0x4000, false},
-    {{"COMBO", 11, kEffect}, 0x0800, false},
+    {{"Direct", kPerLedModeCode, Can::BrightnessAdjustable | Can::PerLedColors}, kPerLedDeviceMode, false},
+    {{"STATIC", 0, Can::BrightnessAdjustable | Can::ModeColors}, kStaticDeviceMode, true},
+    {{"BREATHING", 1, kColoredEffect}, 4, true},
+    {{"NEON", 2, kEffect}, 5, true},
+    {{"OPMODE", 34, Can::ModeColors}, 6, true},
+    {{"WAVE", 3, kEffect | Can::DirectionSetA}, 7, true},
+    {{"SHIFTING", 4, kColoredEffect | Can::DirectionSetA}, 8, true},
+    {{"ZOOM", 5, kColoredEffect}, 9, true},
+    {{"METEOR", 6, kColoredEffect}, 10, true},
+    {{"TWINKLING", 7, kColoredEffect}, 11, true},
+    {{"RIPPLE", 8, kEffect}, 13, false},
+    {{"SNAKE", 9, kEffect}, 14, false},
+    {{"DISCO", 10, kEffect}, 15, false},
+    {{"COMBO", 11, kEffect}, 12, false},
 };
+
+/// A code that hosts may send although no mode of ours has it.
+constexpr std::uint32_t kUnlistedMode = 15;
+constexpr std::uint8_t kUnlistedDeviceMode = 1;
+
+bool IsSupported(const Row& row, std::uint32_t effect_mask) {
+  if (row.device_code == kPerLedDeviceMode || row.device_code == kStaticDeviceMode) return true;
+  return (effect_mask >> (row.device_code - 1) & 1) != 0;
+}
 
 }  // namespace
 
@@ -38,9 +50,16 @@ std::vector<ModeRecord> MakeHidKeyboardModes(std::uint32_t effect_mask) {
   std::vector<ModeRecord> modes;
   modes.reserve(std::size(kRows));
   for (const Row& row : kRows) {
-    if (row.effect_bit != 0 && (effect_mask & row.effect_bit) == 0) continue;
+    if (!IsSupported(row, effect_mask)) continue;
     modes.push_back(MakeMode(row.mode));
     if (row.has_color) GiveOneColor(modes.back());
   }
   return modes;
+}
+
+std::uint8_t DeviceCodeOf(std::uint32_t hw_code) {
+  if (hw_code == kUnlistedMode) return kUnlistedDeviceMode;
+  const auto* const row = std::ranges::find_if(
+      kRows, [hw_code](const Row& each) { return static_cast<std::uint32_t>(each.mode.hw_code) == hw_code; });
+  return row != std::end(kRows) ? row->device_code : static_cast<std::uint8_t>(hw_code);
 }

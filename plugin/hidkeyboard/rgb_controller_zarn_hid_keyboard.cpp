@@ -1,10 +1,10 @@
 #include "hidkeyboard/rgb_controller_zarn_hid_keyboard.h"
 
-#include <mutex>
 #include <optional>
 #include <vector>
 
 #include "controller/mode_rows.h"
+#include "controller/zone_storage.h"
 #include "hidkeyboard/hid_keyboard_modes.h"
 #include "hidkeyboard/zarn_hid_keyboard_controller.h"
 
@@ -36,46 +36,28 @@ void RGBController_ZarnHIDKeyboard::DefineLayout() {
   AppendZone("Keyboard Backlight zone", hw_controller->ZoneCount());
 }
 
-void RGBController_ZarnHIDKeyboard::WriteColorsToDevice() {
-  Quietly([this] { SendColorTable(); });
-}
-
-void RGBController_ZarnHIDKeyboard::WriteZoneToDevice(std::int32_t /*zone_index*/) { WriteColorsToDevice(); }
-
-void RGBController_ZarnHIDKeyboard::WriteLedToDevice(std::int32_t led_index) {
-  Quietly([this, led_index] { SendLed(led_index); });
-}
-
-void RGBController_ZarnHIDKeyboard::WriteModeToDevice() {
-  Quietly([this] { ApplyMode(); });
-}
-
-void RGBController_ZarnHIDKeyboard::SendColorTable() {
-  std::unique_lock lock(records_lock);
-  const std::vector<PackedColor> colors = Colors();
-  const auto brightness = static_cast<std::uint16_t>(ColorBrightness());
-  lock.unlock();
-
+void RGBController_ZarnHIDKeyboard::WriteColorsToDevice() try {
+  const auto [colors, brightness] = ColorsAndBrightness();
   std::vector<std::uint8_t> bytes;
   bytes.reserve(4 * colors.size());
   for (const PackedColor color : colors) {
     bytes.insert(bytes.end(), {RedOf(color), GreenOf(color), BlueOf(color), std::uint8_t{0}});
   }
-  hw_controller->SendColors(bytes.data(), static_cast<std::uint32_t>(colors.size()), brightness);
+  hw_controller->SendColors(bytes.data(), static_cast<std::uint32_t>(colors.size()),
+                            static_cast<std::uint16_t>(brightness));
+} catch (...) {  // see RGBController
 }
 
-void RGBController_ZarnHIDKeyboard::SendLed(std::int32_t led_index) {
-  const auto led = static_cast<std::uint32_t>(led_index);  // a negative one lies beyond the end, too
-  std::unique_lock lock(records_lock);
-  if (led >= color_table.size()) return;
-  const PackedColor color = color_table[led];
-  const auto brightness = static_cast<std::uint16_t>(ColorBrightness());
-  lock.unlock();
-  hw_controller->SetMode(kStaticDeviceMode, 0, 0, brightness, RedOf(color), GreenOf(color), BlueOf(color),
-                         ZoneBit(led));
+void RGBController_ZarnHIDKeyboard::WriteLedToDevice(std::int32_t led_index) try {
+  const auto [colors, brightness] = ColorsAndBrightness();
+  const PackedColor* const color = EntryAt(colors, led_index);
+  if (color == nullptr) return;
+  hw_controller->SetMode(kStaticDeviceMode, 0, 0, static_cast<std::uint16_t>(brightness), RedOf(*color),
+                         GreenOf(*color), BlueOf(*color), ZoneBit(static_cast<std::uint32_t>(led_index)));
+} catch (...) {  // see RGBController
 }
 
-void RGBController_ZarnHIDKeyboard::ApplyMode() {
+void RGBController_ZarnHIDKeyboard::WriteModeToDevice() try {
   const std::optional<ModeRecord> mode = ActiveMode();
   if (!mode) return;
   if (mode->hw_code == kPerLedModeCode) return WriteColorsToDevice();
@@ -87,4 +69,5 @@ void RGBController_ZarnHIDKeyboard::ApplyMode() {
                          hw_controller->ToDeviceDirection(mode->direction_setting),
                          static_cast<std::uint16_t>(mode->brightness_setting), RedOf(color), GreenOf(color),
                          BlueOf(color), AllZones(hw_controller->ZoneCount()));
+} catch (...) {  // see RGBController
 }

@@ -17,16 +17,11 @@ class RGBController_ZarnHIDKeyboard final : public RGBController {
   void DefineLayout() override;
   void DeviceSpareHook() override {}
   void WriteColorsToDevice() override;
-  void WriteZoneToDevice(std::int32_t zone_index) override;
+  void WriteZoneToDevice(std::int32_t /*zone_index*/) override { WriteColorsToDevice(); }
   void WriteLedToDevice(std::int32_t led_index) override;
   void WriteModeToDevice() override;
   void SelectFirstMode() override { ActivateFirstMode(); }
 
  private:
-  void SendColorTable();
-  void SendLed(std::int32_t led_index);
-  void ApplyMode();
-
-  // Owned, but bare: when the constructor throws the destructor does not run, and the host keeps what it handed in.
-  ZarnHIDKeyboardController* const hw_controller;
+  ZarnHIDKeyboardController* const hw_controller;  // owned; see RGBController
 };

@@ -2,36 +2,14 @@
 
 #include <algorithm>
 #include <iterator>
-#include <mutex>
 
-#include "controller/millisecond_sleep.h"
+#include "base/millisecond_sleep.h"
 #include "hid/lighting_hid.h"
+#include "hidkeyboard/hid_keyboard_modes.h"
 #include "log/info_log.h"
 
 using zarn::WRV520::Lighting::kKeyboardId;
 using zarn::WRV520::Lighting::LightingHID;
-
-namespace {
-
-/// What a code of the host becomes on the keyboard.
-template <typename DeviceCode>
-struct Translation {
-  std::uint32_t code;
-  DeviceCode device_code;
-};
-
-constexpr Translation<std::uint8_t> kModes[] = {{0, 2},  {1, 4},  {2, 5},  {3, 7},   {4, 8},   {5, 9},  {6, 10},
-                                                {7, 11}, {8, 13}, {9, 14}, {10, 15}, {11, 12}, {15, 1}, {34, 6}};
-constexpr Translation<std::uint16_t> kDirections[] = {{0, 2}, {1, 1}, {2, 3}, {3, 4}, {4, 5}, {5, 6}};
-
-/// A code that is not in the table goes to the keyboard as it is, cut.
-template <typename DeviceCode, std::size_t kSize>
-DeviceCode Translated(const Translation<DeviceCode> (&table)[kSize], std::uint32_t code) {
-  const auto* const row = std::ranges::find(table, code, &Translation<DeviceCode>::code);
-  return row != std::end(table) ? row->device_code : static_cast<DeviceCode>(code);
-}
-
-}  // namespace
 
 ZarnHIDKeyboardController::ZarnHIDKeyboardController() : lighting_id(kKeyboardId) {
   LightingDeviceBaseInfo info;
@@ -40,15 +18,15 @@ ZarnHIDKeyboardController::ZarnHIDKeyboardController() : lighting_id(kKeyboardId
   effect_mask = info.effectMask;
 }
 
-ZarnHIDKeyboardController::~ZarnHIDKeyboardController() {
-  const std::lock_guard lock(g_lightingDevicesLock);
-  LightingHID::CloseLightingDevices();
-}
+ZarnHIDKeyboardController::~ZarnHIDKeyboardController() { LightingHID::CloseLightingDevices(); }
 
-std::uint8_t ZarnHIDKeyboardController::ToDeviceMode(std::uint32_t mode_code) { return Translated(kModes, mode_code); }
+std::uint8_t ZarnHIDKeyboardController::ToDeviceMode(std::uint32_t mode_code) { return DeviceCodeOf(mode_code); }
 
 std::uint16_t ZarnHIDKeyboardController::ToDeviceDirection(std::uint32_t direction_code) {
-  return Translated(kDirections, direction_code);
+  static constexpr std::uint16_t kDirections[] = {2, 1, 3, 4, 5, 6};
+  // A code that is not in the table goes to the keyboard as it is, cut.
+  return direction_code < std::size(kDirections) ? kDirections[direction_code]
+                                                 : static_cast<std::uint16_t>(direction_code);
 }
 
 void ZarnHIDKeyboardController::SendColors(const std::uint8_t* colors, std::uint32_t count, std::uint16_t brightness) {

@@ -41,8 +41,6 @@ class ZarnHIDKeyboardController final {
   [[maybe_unused]] std::uint32_t reserved_value = 9;  // part of the object's layout; nothing here reads it
 };
 
-/// The keyboard's own code of its static effect.
-inline constexpr std::uint8_t kStaticDeviceMode = 2;
 /// As many zones as the mask of an update has bits.
 inline constexpr std::uint32_t kAddressableZones = 16;
 

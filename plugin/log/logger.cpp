@@ -2,7 +2,6 @@
 
 #include <iostream>
 #include <mutex>
-#include <utility>
 
 #include "log/ts_log.h"
 

@@ -10,6 +10,7 @@
 #include <optional>
 #include <utility>
 
+#include "base/owner.h"
 #include "log/format.h"
 #include "log/service_switch.h"
 
@@ -25,20 +26,16 @@ std::wstring UserName() {
   return GetUserNameW(buffer.data(), &size) != 0 ? std::wstring(buffer.data()) : std::wstring();
 }
 
-SYSTEMTIME LocalTime() {
-  SYSTEMTIME time{};
-  GetLocalTime(&time);
-  return time;
-}
-
 std::wstring LogPath(const std::wstring& folder) {
-  const SYSTEMTIME today = LocalTime();
+  SYSTEMTIME today{};
+  GetLocalTime(&today);
   const std::wstring date = Formatted(L"%4d%02d%02d", today.wYear, today.wMonth, today.wDay);
   return folder + L"\\" + UserName() + L"_" + kModuleName + L"_" + date + L".log";
 }
 
 std::wstring Timestamp() {
-  const SYSTEMTIME now = LocalTime();
+  SYSTEMTIME now{};
+  GetLocalTime(&now);
   return Formatted(L"%04d%02d%02d_%02d:%02d:%02d.%03d", now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute,
                    now.wSecond, now.wMilliseconds);
 }
@@ -64,17 +61,6 @@ std::size_t ConvertibleLength(const std::wstring& text, const std::locale& local
   }
   return text.size();
 }
-
-class SectionGuard {
- public:
-  explicit SectionGuard(CRITICAL_SECTION& section) : section_(section) { EnterCriticalSection(&section_); }
-  SectionGuard(const SectionGuard&) = delete;
-  SectionGuard& operator=(const SectionGuard&) = delete;
-  ~SectionGuard() { LeaveCriticalSection(&section_); }
-
- private:
-  CRITICAL_SECTION& section_;
-};
 
 }  // namespace
 
@@ -119,7 +105,8 @@ bool TsLog::WriteLine(std::int32_t level, const wchar_t* function_tag, const wch
   std::wstring line =
       TagOf(level) + (L" " + Timestamp()) + L" | " + moduleName + L" | " + function_tag + L" | " + message;
 
-  const SectionGuard guard(lock);
+  EnterCriticalSection(&lock);
+  const Owner<CRITICAL_SECTION*, LeaveCriticalSection> leaves(&lock);
   std::wofstream file;
   platform::OpenToAppend(file, filePath.c_str());
   if (!file.is_open()) return false;

@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "controller/millisecond_sleep.h"
+#include "base/millisecond_sleep.h"
 #include "tests/support/hex.h"
 
 namespace test {

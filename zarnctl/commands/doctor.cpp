@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <iostream>
-#include <memory>
-#include <new>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -55,7 +53,11 @@ class Examination {
   }
 
   void ExamineHidInterfaces() {
-    const std::vector<std::wstring> paths = InterfacePaths();
+    PresentInterfaces present;
+    std::vector<std::wstring> paths;
+    while (auto interface = present.Next()) {
+      if (interface->failure == nullptr) paths.push_back(std::move(interface->path));
+    }
     if (paths.empty()) Add(Kind::Note, "HID devices: none", remedies_.no_hid_devices);
     for (const std::wstring& path : paths) ExamineHidInterface(path);
     for (const std::string& device : symptoms_.device_notes) Add(Kind::Note, device);
@@ -88,12 +90,12 @@ class Examination {
     const Bstr class_name(kFirmwareClass);
     ComPtr<IWbemClassObject> definition;
     HRESULT status = connection.services->GetObject(class_name.Get(), 0, nullptr, definition.Put(), nullptr);
-    std::wstring instance;
+    InstancePath instance{};
     if (status >= 0) {
       FindInstancePath(connection, kFirmwareClass, kFirmwareInstances, instance);
       status = connection.status;  // of its last step
     }
-    if (!instance.empty()) return Add(Kind::Fine, name + "there");
+    if (instance.front() != 0) return Add(Kind::Fine, name + "there");
     if (status == static_cast<HRESULT>(WBEM_E_ACCESS_DENIED)) {
       return Add(Kind::Missing, name + "this user may not use it", remedies_.may_not_open);
     }
@@ -128,28 +130,6 @@ class Examination {
   bool HasEcKeyboard() const { return announced_.keyboard && announced_.rgb_keyboard; }
 
   static std::string Code(HRESULT status) { return "0x" + Hexadecimal(static_cast<std::uint32_t>(status), 8); }
-
-  static std::vector<std::wstring> InterfacePaths() {
-    GUID interface_class{};
-    HidD_GetHidGuid(&interface_class);
-    const PresentInterfaces present(interface_class);
-    std::vector<std::wstring> paths;
-    SP_DEVICE_INTERFACE_DATA interface {};
-    interface.cbSize = sizeof(interface);
-    for (DWORD i = 0; SetupDiEnumDeviceInterfaces(present.Get(), nullptr, &interface_class, i, &interface) != FALSE;
-         ++i) {
-      using Detail = SP_DEVICE_INTERFACE_DETAIL_DATA_W;  // goes on behind its end
-      DWORD size = 0;
-      SetupDiGetDeviceInterfaceDetailW(present.Get(), &interface, nullptr, 0, &size, nullptr);
-      const auto block = std::make_unique<std::byte[]>(std::max<std::size_t>(size, sizeof(Detail)));
-      auto* const detail = new (block.get()) Detail{};
-      detail->cbSize = sizeof(Detail);
-      if (SetupDiGetDeviceInterfaceDetailW(present.Get(), &interface, detail, size, nullptr, nullptr) != FALSE) {
-        paths.emplace_back(detail->DevicePath);
-      }
-    }
-    return paths;
-  }
 
   static DeviceHandle Open(const std::wstring& path, DWORD access) {
     return DeviceHandle(

@@ -9,6 +9,7 @@
 #include <sstream>
 #include <utility>
 
+#include "base/little_endian.h"
 #include "firmware/firmware_methods.h"
 #include "firmware/smbios.h"
 #include "hid/lighting_hid.h"
@@ -84,8 +85,7 @@ BaseInfo ReadBaseInfo(const Bytes& reply, const HidCollection& collection) {
     const HIDP_VALUE_CAPS* const field = FindField(collection, kBaseInfoReply, usage);
     const std::size_t width = field == nullptr ? 0 : field->BitSize / 8;
     if (width > sizeof(std::uint32_t) || info.length + width > reply.size()) break;  // what follows has no known place
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < width; ++i) value |= std::uint32_t{reply[info.length + i]} << (8 * i);
+    const auto value = static_cast<std::uint32_t>(FromLittleEndian(std::span(reply).subspan(info.length, width)));
     if (usage == FieldUsage::ZoneCount) info.zones = value & 0xFFFF;
     if (usage == FieldUsage::EffectMask) info.effects = value;
     info.length += width;
@@ -145,7 +145,7 @@ class Recorder {
                          {"record", Listed(structure)}};
     if (!has_methods) firmware.insert("instance", "");
     profile_.insert("firmware", std::move(firmware));
-    profile_.insert("keyboard", toml::table{{"zones", zones == 1 || zones == 3 || zones == 4 ? zones : 0},
+    profile_.insert("keyboard", toml::table{{"zones", IsZoneCount(zones) ? zones : 0},
                                             {"rgb", FirstItem(record, kItemRgbKeyboard) == kRgbKeyboardThere}});
     const bool has_light_bar = FirstItem(record, kItemLightBar) == kLightBarThere;
     toml::table light_bar{{"present", has_light_bar}};
@@ -215,12 +215,10 @@ class Recorder {
   void RecordSwitch(const ServiceSwitch& service_switch) {
     const auto value = machine_.RegistryValue(service_switch.key, service_switch.value);
     if (!value || value->size() != 4) return;
-    std::uint32_t number = 0;
-    for (std::size_t i = 0; i < 4; ++i) number |= std::uint32_t{value->at(i)} << (8 * i);
     toml::table& registry = *profile_.insert("registry", toml::table()).first->second.as_table();
     toml::table& key =
         *registry.insert(platform::ReadableUtf8(service_switch.key), toml::table()).first->second.as_table();
-    key.insert(platform::ReadableUtf8(service_switch.value), number);
+    key.insert(platform::ReadableUtf8(service_switch.value), static_cast<std::int64_t>(FromLittleEndian(*value)));
   }
 
   platform::Machine& machine_;

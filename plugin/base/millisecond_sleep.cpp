@@ -1,4 +1,4 @@
-#include "controller/millisecond_sleep.h"
+#include "base/millisecond_sleep.h"
 
 #include <thread>
 

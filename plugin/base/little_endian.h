@@ -1,0 +1,18 @@
+/// Numbers as the formats, the firmware's record and the lighting reports carry them: the lowest byte first.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+/// The number in `bytes`, of which there are 8 at most; 0 for none.
+constexpr std::uint64_t FromLittleEndian(std::span<const std::uint8_t> bytes) {
+  std::uint64_t number = 0;
+  for (std::size_t i = 0; i < bytes.size(); ++i) number |= std::uint64_t{bytes[i]} << (8 * i);
+  return number;
+}
+
+/// Fills `bytes`, 8 at most, with the low bytes of `number`.
+constexpr void ToLittleEndian(std::uint64_t number, std::span<std::uint8_t> bytes) {
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(number >> (8 * i));
+}
