@@ -46,19 +46,6 @@ TEST_F(EcKeyboard, ZonesFollowTheFirmwaresRecord) {
   }
 }
 
-TEST_F(EcKeyboard, TheFirstLightBarItemMakesTheGlobalLightsTarget) {
-  const std::pair<Items, std::uint8_t> cases[] = {
-      {{{23, 1}}, 3}, {{{8, 4}, {23, 1}, {23, 2}}, 3}, {{{23, 2}, {23, 1}}, 1}, {{{23, 5}}, 1}, {{}, 1}};
-  for (const auto& [items, target] : cases) {
-    machine->SetSmbios(TableWithItems(2, 91, items));
-    const auto light = plugin().Create("ZarnECGlobal");
-    light->UnpackModePacket(Take(light->PackModePacket(3, 3)).data(), 3);
-    machine->TakeCalls();
-    light->WriteModeToDevice();
-    EXPECT_EQ(std::get<Bytes>(machine->TakeCalls().at(0).input).at(9), target);
-  }
-}
-
 TEST_F(EcKeyboard, RecordsMayBeChangedWhileTheFirmwareHoldsAPush) {
   std::latch inside(1);
   std::latch go_on(1);

@@ -67,33 +67,24 @@ TEST_F(Faults, PushesUnderFaultsReturnAndLeaveTheRecordsAsTheyWere) {
   const auto keyboard = plugin().Create("ZarnECKeyboard");
   keyboard->StoreLedColor(2, 0x00FF00);
   const auto before = Take(keyboard->PackDescription(3));
-  std::size_t calls_without_fault = 6;
-  const auto check = [&](const FaultRun& run) {
-    EXPECT_FALSE(run.threw_bad_alloc);
-    const std::size_t calls = machine->TakeCalls().size();
-    if (!run.met) {
-      EXPECT_EQ(calls, calls_without_fault);
-    }
-    EXPECT_LE(calls, calls_without_fault);
+  const auto check = [&](std::size_t calls_without_fault) {
+    return [&, calls_without_fault](const FaultRun& run) {
+      EXPECT_FALSE(run.threw_bad_alloc);
+      const std::size_t calls = machine->TakeCalls().size();
+      EXPECT_LE(calls, calls_without_fault);
+      // One platform call that fails costs one firmware call at most.
+      const bool once = run.fault.source == Fault::Source::PlatformCall && !run.fault.for_ever;
+      EXPECT_TRUE(!once || calls + 1 >= calls_without_fault);
+      EXPECT_TRUE(run.met || calls == calls_without_fault);
+    };
   };
-  FailInTurn([&] { keyboard->WriteColorsToDevice(); },
-             [&](const FaultRun& run) {
-               // One platform call that fails costs one firmware call at most.
-               if (run.fault.source == Fault::Source::PlatformCall && !run.fault.for_ever) {
-                 EXPECT_GE(machine->CallCount(), calls_without_fault - 1);
-               }
-               check(run);
-             });
+  FailInTurn([&] { keyboard->WriteColorsToDevice(); }, check(6));
   EXPECT_EQ(Take(keyboard->PackDescription(3)), before);
-  keyboard->UnpackModePacket(Take(keyboard->PackModePacket(1, 3)).data(), 3);  // "STATIC"
-  FailInTurn([&] { keyboard->WriteModeToDevice(); }, check);
-
   keyboard->UnpackModePacket(Take(keyboard->PackModePacket(2, 3)).data(), 3);
-  calls_without_fault = 1;
-  FailInTurn([&] { keyboard->WriteModeToDevice(); }, check);
+  FailInTurn([&] { keyboard->WriteModeToDevice(); }, check(1));
   const auto light = plugin().Create("ZarnECGlobal");
   light->UnpackModePacket(Take(light->PackModePacket(1, 3)).data(), 3);
-  FailInTurn([&] { light->WriteModeToDevice(); }, check);
+  FailInTurn([&] { light->WriteModeToDevice(); }, check(1));
 }
 
 /// A plug-in whose list of lighting devices is built, with one keyboard of one zone.
@@ -193,19 +184,6 @@ TEST_F(HidFaults, UnpluggedBeforeAnyCallItComesBackWithTheNextPush) {
       EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{});
     }
   }
-}
-
-TEST_F(HidFaults, UnpluggedDuringDiscoveryItIsFoundOrNotAndNothingStaysOpen) {
-  Create();  // closes the list's handles
-  int found = 0;
-  for (std::uint64_t calls = 0; calls < 40; ++calls) {
-    machine->Plug(VendorCollection(0xFF5A, {})).answers[0xA1] = {0xA1, 1, 0x21};
-    FreshPlugin another;
-    UnplugAfter(calls, [&] { found += another->Discover().count; });
-    EXPECT_EQ(platform::CountLive(), platform::LiveCounts{}) << "unplugged after call " << calls;
-    EXPECT_EQ(platform::TakeComplaints(), std::vector<std::string>{});
-  }
-  EXPECT_TRUE(0 < found && found < 40) << found;
 }
 
 TEST_F(Faults, SlotsThatRunOutOfMemoryChangeNothing) {
