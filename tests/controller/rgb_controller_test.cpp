@@ -214,28 +214,24 @@ struct SteppedClock {
 
 TEST(MillisecondSleep, SleepsWholeMillisecondsUntilTheDeadline) {
   using std::chrono::milliseconds;
-  std::vector<std::int64_t> naps;
-  const auto sleep = [&](std::int64_t request, SteppedClock::duration start, auto oversleep) {
+  using Naps = std::vector<std::int64_t>;
+  /// A nap of more than 1 ms ends `early` before its time.
+  const auto sleep = [](std::int64_t request, SteppedClock::duration start = {}, std::chrono::nanoseconds early = {}) {
     SteppedClock::current = SteppedClock::time_point(start);
-    naps.clear();
+    Naps naps;
     SleepMilliseconds<SteppedClock>(request, [&](milliseconds nap) {
       naps.push_back(nap.count());
-      SteppedClock::current += oversleep(nap);
+      SteppedClock::current += nap > milliseconds(1) ? nap - early : nap;
     });
     return naps;
   };
-  const auto exactly = [](milliseconds nap) { return SteppedClock::duration(nap); };
-  const auto woken_early = [](milliseconds nap) {
-    return nap > milliseconds(1) ? nap - std::chrono::nanoseconds(1) : SteppedClock::duration(nap);
-  };
-  using Naps = std::vector<std::int64_t>;
-  EXPECT_EQ(sleep(0, {}, exactly), Naps{});
-  EXPECT_EQ(sleep(-5, {}, exactly), Naps{});
-  EXPECT_EQ(sleep(20, {}, exactly), Naps{20});
-  EXPECT_EQ(sleep(20, {}, woken_early), (Naps{20, 1}));
-  EXPECT_EQ(sleep(86'400'001, {}, exactly), (Naps{86'400'000, 1}));
+  EXPECT_EQ(sleep(0), Naps{});
+  EXPECT_EQ(sleep(-5), Naps{});
+  EXPECT_EQ(sleep(20), Naps{20});
+  EXPECT_EQ(sleep(20, {}, std::chrono::nanoseconds(1)), (Naps{20, 1}));
+  EXPECT_EQ(sleep(86'400'001), (Naps{86'400'000, 1}));
   // A deadline beyond the clock's end is its end.
-  EXPECT_EQ(sleep(INT64_MAX, SteppedClock::time_point::max().time_since_epoch() - milliseconds(3), exactly), Naps{3});
+  EXPECT_EQ(sleep(INT64_MAX, SteppedClock::time_point::max().time_since_epoch() - milliseconds(3)), Naps{3});
 }
 
 }  // namespace

@@ -192,15 +192,5 @@ TEST_F(LightingReports, BaseInfoComesFromTheFirstDeviceThatAnswersUnlessItIsForA
   EXPECT_EQ(info.zoneCount, 7);
 }
 
-TEST_F(LightingReports, ANullHandleIsNoHandle) {
-  PlugKeyboard({{0xA4, 0x41, 8}});
-  BuildList();
-  LightingHID::CloseLightingDevices();
-  g_lightingDevices[0].handle = nullptr;
-  Update();
-  EXPECT_EQ(TakeLines(), Lines(5, "E Lighting::LightingHID::SetLightingDeviceUpdateReport | GetHIDDeviceHandle fail"));
-  g_lightingDevices[0].handle = INVALID_HANDLE_VALUE;
-}
-
 }  // namespace
 }  // namespace test

@@ -131,25 +131,5 @@ TEST_F(TsHidTest, ReportsThatFailAreLoggedAndLeaveTheBufferAlone) {
   EXPECT_EQ(buffer, Bytes(64, 0xEE));
 }
 
-TEST_F(TsHidTest, ValueCapabilitiesFailToTheErrorStream) {
-  machine->Plug(VendorCollection(0xFF5A, {{0xA4, 0x41, 8}}));
-  const HANDLE handle = OpenFirst();
-  TakeLines();
-  std::vector<HIDP_VALUE_CAPS> caps(5);
-  EXPECT_TRUE(TsHID::GetHIDValueCapability(handle, caps));
-  ASSERT_EQ(caps.size(), 1U);
-  EXPECT_EQ(caps[0].NotRange.Usage, 0x41);
-  ::testing::internal::CaptureStderr();
-  for (const std::uint64_t call : {1U, 2U, 3U}) {
-    platform::ArmFaults({.first = call});
-    EXPECT_FALSE(TsHID::GetHIDValueCapability(handle, caps));
-    platform::DisarmFaults();
-  }
-  EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-            "Failed to get preparsed data.\nFailed to get HID caps.\nFailed to get value caps.\n");
-  EXPECT_EQ(TakeLines(), Lines{});
-  EXPECT_TRUE(CloseHandle(handle));
-}
-
 }  // namespace
 }  // namespace test

@@ -70,11 +70,8 @@ TEST_F(TsLogTest, SwitchIsReadAgainUntilTheLogIsThereAndNeverAfter) {
   InOwnProcess([&] {
     machine->registry.clear();
     EXPECT_EQ(TsLog::GetInstance(), nullptr);
-    const std::vector<std::map<std::wstring, Bytes>> off = {{{L"SomethingElse", {1, 0, 0, 0}}},
-                                                            {{L"ZarnLightingService", {0, 0, 0, 0}}},
-                                                            {{L"ZarnLightingService", {'1', 0, 0, 0}}}};  // a text
-    for (const auto& values : off) {
-      machine->registry[kLogSwitch.key] = values;
+    for (const Bytes& off : {Bytes{0, 0, 0, 0}, Bytes{'1', 0, 0, 0}}) {  // the second one a text
+      machine->registry[kLogSwitch.key] = {{kLogSwitch.value, off}};
       EXPECT_EQ(TsLog::GetInstance(), nullptr);
     }
     EXPECT_TRUE(FolderIsEmpty());
@@ -92,21 +89,19 @@ TEST_F(TsLogTest, FirstCallsFromManyThreadsCreateOneLogAndLinesStayWhole) {
   InOwnProcess([&] {
     std::vector<TsLog*> seen(4);
     {
-      std::vector<std::thread> threads;
-      threads.reserve(seen.size());
+      std::vector<std::jthread> threads;
       for (TsLog*& log : seen) {
         threads.emplace_back([&log] {
           log = TsLog::GetInstance();
           for (int i = 0; i < 25; ++i) log->WriteLine(TsLog::Info, L"Tag", std::wstring(300, L'm').c_str());
         });
       }
-      for (std::thread& thread : threads) thread.join();
     }
     EXPECT_EQ(seen, std::vector<TsLog*>(4, seen[0]));
-    const std::string line =
-        "[INFO]      20240131_14:05:09.042 | ZarnECKeyboard | Tag | " + std::string(300, 'm') + "\r\n";
     std::string expected;
-    for (int i = 0; i < 100; ++i) expected += line;
+    for (int i = 0; i < 100; ++i) {
+      expected += "[INFO]      20240131_14:05:09.042 | ZarnECKeyboard | Tag | " + std::string(300, 'm') + "\r\n";
+    }
     EXPECT_EQ(Lines(), expected);
   });
 }
