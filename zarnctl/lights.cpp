@@ -17,7 +17,16 @@ namespace {
 
 using zarn::WRV520::Lighting::kKeyboardId;
 using zarn::WRV520::Lighting::kLightingUsagePage;
-namespace FieldUsage = zarn::WRV520::Lighting::FieldUsage;
+namespace FieldUsage {
+constexpr std::uint8_t Mode = 0x41;
+constexpr std::uint8_t Speed = 0x42;
+constexpr std::uint8_t Brightness = 0x43;
+constexpr std::uint8_t Direction = 0x44;
+constexpr std::uint8_t Red = 0x45;
+constexpr std::uint8_t Green = 0x46;
+constexpr std::uint8_t Blue = 0x47;
+constexpr std::uint8_t ZoneMask = 0x48;
+}  // namespace FieldUsage
 using simulator::HidKeyboard;
 using simulator::HidLights;
 using simulator::KeyboardLights;

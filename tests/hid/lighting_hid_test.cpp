@@ -45,13 +45,7 @@ TEST_F(LightingList, HoldsTheDevicesThatTellTheirIds) {
   EXPECT_EQ(devices[0].fields.size(), 2U);
   EXPECT_EQ(g_lightingDevices.size(), 3U);
   EXPECT_EQ(platform::CountLive().device_handles, 3);
-  const std::string kFound = "I TsHID::GetHIDDeviceHandle | HID device(1209, 0001) UsagePage find: FF5A:0001";
-  const std::string kList = "I Lighting::LightingHID::GetLightingDeviceList | ";
-  EXPECT_EQ(TakeLines(),
-            (Lines{kFound, kFound, kFound, kFound, kList + "ReportID: A4 Usage: 65 BitSize: 8, DataIndex: 0",
-                   kList + "ReportID: A4 Usage: 72 BitSize: 16, DataIndex: 1",
-                   kList + "ReportID: A4 Usage: 65 BitSize: 12, DataIndex: 2",
-                   "E TsHID::GetHIDFeature | Error getting feature from HID device"}));
+  EXPECT_EQ(TakeLines().back(), "E TsHID::GetHIDFeature | Error getting feature from HID device");
 }
 
 TEST_F(LightingList, AFieldIsAsWideAsTheFirstDeviceThatHasItSays) {

@@ -76,24 +76,21 @@ TEST_F(TsHidTest, EveryFailureOfTheEnumerationCostsOneInterface) {
 }
 
 TEST_F(TsHidTest, ReportsTakeTheLengthOfTheDevice) {
-  Bytes data(70);
-  std::iota(data.begin(), data.end(), std::uint8_t{1});
-  Bytes answer = data;
-  answer.insert(answer.begin(), 0xA3);
+  Bytes data(71, 0xA3);
+  std::iota(data.begin() + 1, data.end(), std::uint8_t{1});
   for (const std::uint8_t length : Hex("08 40 45")) {
     ScriptedHid& device = machine->Plug(VendorCollection(0xFF5A, {}, length));
-    device.answers[0xA3] = answer;
+    device.answers[0xA3] = data;
     const HANDLE handle = OpenFirst();
-    EXPECT_TRUE(TsHID::SetHIDFeature(handle, 0xA4, data.data(), 66));
-    Bytes sent(1U + length);
-    sent[0] = 0xA4;
-    std::copy_n(data.begin(), std::min<std::size_t>(length, 66), sent.begin() + 1);
+    EXPECT_TRUE(TsHID::SetHIDFeature(handle, 0xA3, data.data() + 1, 66));
+    Bytes sent(data.begin(), data.begin() + 1 + std::min<int>(length, 66));
+    sent.resize(1U + length);
     EXPECT_EQ(device.TakeReports(), std::vector<Bytes>{sent});
 
     Bytes received(64, 0xEE);
     EXPECT_TRUE(TsHID::GetHIDFeature(handle, 0xA3, received.data()));
-    Bytes expected(64, 0xEE);
-    std::copy_n(data.begin(), std::min<std::size_t>(length, 64), expected.begin());
+    Bytes expected(data.begin() + 1, data.begin() + 1 + std::min<int>(length, 64));
+    expected.resize(64, 0xEE);
     EXPECT_EQ(received, expected);
     EXPECT_TRUE(CloseHandle(handle));
     machine->hid_devices.clear();

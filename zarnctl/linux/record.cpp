@@ -80,8 +80,8 @@ BaseInfo ReadBaseInfo(const Bytes& reply, const HidCollection& collection) {
     if (width > sizeof(std::uint32_t) || info.length + width > reply.size()) break;  // what follows has no known place
     std::uint32_t value = 0;
     for (std::size_t i = 0; i < width; ++i) value |= std::uint32_t{reply[info.length + i]} << (8 * i);
-    if (usage == FieldUsage::ZoneCount) info.zones = value & 0xFFFF;
-    if (usage == FieldUsage::EffectMask) info.effects = value;
+    if (usage == 0x35) info.zones = value & 0xFFFF;  // the fields that HidKeyboard knows by these usages
+    if (usage == 0x31) info.effects = value;
     info.length += width;
   }
   return info;
@@ -134,7 +134,7 @@ class Recorder {
     const bool light_bar = FirstItem(record, kItemLightBar) == kLightBarThere;
     text_ += "[firmware]\nversion = \"" + std::to_string(record.biosMajor) + "." + std::to_string(record.biosMinor) +
              "\"\nrecord = " + Listed(structure) + "\n" + (has_methods ? "" : "instance = ''  # no methods here\n") +
-             "[keyboard]\nzones = " + std::to_string(zones == 1 || zones == 3 || zones == 4 ? zones : 0) +
+             "[keyboard]\nzones = " + std::to_string(IsZoneCount(zones) ? zones : 0) +
              "\nrgb = " + Truth(FirstItem(record, kItemRgbKeyboard) == kRgbKeyboardThere) +
              "\n[light_bar]\npresent = " + Truth(light_bar) + "\n";
     if (light_bar && has_methods) RecordLightBar();
