@@ -10,7 +10,7 @@ std::uint32_t SourceOf(std::uint32_t capabilities) {
 
 }  // namespace
 
-ModeRecord MakeMode(const ModeRow& row) {
+ModeRecord MakeMode(const ModeRow& row, bool keeps_color) {
   ModeRecord mode;
   mode.label = row.label;
   mode.hw_code = row.hw_code;
@@ -25,14 +25,11 @@ ModeRecord MakeMode(const ModeRow& row) {
     mode.brightness_highest = 100;
     mode.brightness_setting = 50;
   }
-  if (mode.color_source == ColorSource::ModeColors) GiveOneColor(mode);
+  if (keeps_color || mode.color_source == ColorSource::ModeColors) {
+    mode.color_count_least = mode.color_count_most = 1;
+    mode.mode_colors = {0};
+  }
   return mode;
-}
-
-void GiveOneColor(ModeRecord& mode) {
-  mode.color_count_least = 1;
-  mode.color_count_most = 1;
-  mode.mode_colors = {0};
 }
 
 PackedColor EffectColor(const ModeRecord& mode) {

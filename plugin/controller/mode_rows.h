@@ -18,12 +18,9 @@ inline constexpr std::uint32_t kEffect = ModeCapability::SpeedAdjustable | ModeC
 inline constexpr std::uint32_t kColoredEffect = kEffect | ModeCapability::ModeColors;
 }  // namespace ModeRows
 
-/// Modes with speed run from 1 to 9, set to 5; modes with brightness from 0 to 100, set to 50; modes with colours of
-/// their own have one, black.
-ModeRecord MakeMode(const ModeRow& row);
-
-/// Gives a mode exactly one colour, black.
-void GiveOneColor(ModeRecord& mode);
+/// Modes with speed run from 1 to 9, set to 5; modes with brightness from 0 to 100, set to 50. Modes that show colours
+/// of their own have one, black; so have others that are to keep one.
+ModeRecord MakeMode(const ModeRow& row, bool keeps_color = false);
 
 /// A mode's first colour when it shows colours of its own, else black.
 PackedColor EffectColor(const ModeRecord& mode);

@@ -1,8 +1,7 @@
 /// The thread that turns a controller's push requests into hardware operations, so that the host never waits.
 ///
-/// Requests of one kind coalesce: each pass sends the mode first and then the colours, at most once each, and a
-/// request raised while the operation of its kind is running is absorbed by it. With nothing pending the thread
-/// blocks. Any thread may request; Start, Stop and destruction belong to the owner.
+/// Each pass sends the mode first and then the colours, at most once each. A request raised while the operation of its
+/// kind is running is absorbed by it. Any thread may request; Start, Stop and destruction belong to the owner.
 #pragma once
 
 #include <atomic>

@@ -30,10 +30,7 @@ inline std::string_view TravellingText(const std::string& text) {
 }
 
 /// How many of a list's entries travel: the low 16 bits of its length.
-template <typename Entries>
-std::uint16_t TravellingCount(const Entries& list) {
-  return static_cast<std::uint16_t>(list.size());
-}
+std::uint16_t TravellingCount(const auto& list) { return static_cast<std::uint16_t>(list.size()); }
 
 /// A list as most stand in the formats: its entries right behind their count.
 template <typename Archive, typename List, typename EntryFields>

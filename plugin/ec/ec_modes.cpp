@@ -4,13 +4,13 @@ namespace Can = ModeCapability;
 using ModeRows::kColoredEffect;
 using ModeRows::kEffect;
 
-std::vector<ModeRecord> MakeEcModes(const EcModeDifferences& differences) {
+std::vector<ModeRecord> MakeEcModes(std::uint32_t direct_capabilities, std::uint32_t wave_capabilities) {
   const ModeRow rows[] = {
-      {"Direct", kPerLedModeCode, differences.direct_capabilities},
+      {"Direct", kPerLedModeCode, direct_capabilities},
       {"STATIC", kStaticEffect, kColoredEffect},
       {"BREATHING", 1, kColoredEffect},
       {"NEON", 2, kEffect},
-      {"WAVE", 3, differences.wave_capabilities},
+      {"WAVE", 3, wave_capabilities},
       {"SHIFTING", 4, kColoredEffect | Can::DirectionSetA},
       {"ZOOM", 5, kColoredEffect},
       {"METEOR", 6, kColoredEffect},

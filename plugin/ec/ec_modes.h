@@ -9,14 +9,8 @@
 /// "STATIC", which each EC device brings to the lights in its own way.
 inline constexpr std::int32_t kStaticEffect = 0;
 
-/// The two rows by which the EC devices differ.
-struct EcModeDifferences {
-  std::uint32_t direct_capabilities;
-  std::uint32_t wave_capabilities;
-};
-
-/// The per-LED mode and the eight effects that the firmware knows.
-std::vector<ModeRecord> MakeEcModes(const EcModeDifferences& differences);
+/// The per-LED mode and the eight effects that the firmware knows. The EC devices differ in what two of them can do.
+std::vector<ModeRecord> MakeEcModes(std::uint32_t direct_capabilities, std::uint32_t wave_capabilities);
 
 /// The firmware's direction byte for a mode's direction setting, of which the low 16 bits count.
 constexpr std::uint16_t ToFirmwareDirection(std::uint32_t direction_setting) {

@@ -5,19 +5,13 @@
 #include "ec/ec_modes.h"
 #include "ec/zarn_ec_global_controller.h"
 
-namespace {
-
 namespace Can = ModeCapability;
-constexpr EcModeDifferences kGlobalModes{.direct_capabilities = Can::PerLedColors,
-                                         .wave_capabilities = ModeRows::kEffect | Can::DirectionSetA};
-
-}  // namespace
 
 RGBController_ZarnECGlobal::RGBController_ZarnECGlobal(ZarnECGlobalController* controller) : hw_controller(controller) {
   title = caption = "Zarn Global Device";
   maker_name = "Zarn";
   hw_kind = DeviceKind::Keyboard;
-  mode_list = MakeEcModes(kGlobalModes);
+  mode_list = MakeEcModes(Can::PerLedColors, ModeRows::kEffect | Can::DirectionSetA);
   RGBController_ZarnECGlobal::DefineLayout();
 }
 

@@ -7,21 +7,15 @@
 #include "ec/ec_modes.h"
 #include "ec/zarn_ec_keyboard_controller.h"
 
-namespace {
-
 namespace Can = ModeCapability;
-constexpr EcModeDifferences kKeyboardModes{
-    .direct_capabilities = Can::BrightnessAdjustable | Can::PerLedColors,
-    .wave_capabilities = ModeRows::kEffect | Can::DirectionSetA | Can::DirectionSetB | Can::DirectionSetC};
-
-}  // namespace
 
 RGBController_ZarnECKeyboard::RGBController_ZarnECKeyboard(ZarnECKeyboardController* controller)
     : hw_controller(controller) {
   title = caption = "Zarn EC Keyboard Device";
   maker_name = "Zarn";
   hw_kind = DeviceKind::Keyboard;
-  mode_list = MakeEcModes(kKeyboardModes);
+  mode_list = MakeEcModes(Can::BrightnessAdjustable | Can::PerLedColors,
+                          ModeRows::kEffect | Can::DirectionSetA | Can::DirectionSetB | Can::DirectionSetC);
   RGBController_ZarnECKeyboard::DefineLayout();
 }
 

@@ -1,8 +1,7 @@
 /// The device controller of the EC keyboard: turns lighting requests into the packets of the firmware's methods.
 ///
 /// Owned by the generic controller built around it. Constant after construction and without a lock: any thread may
-/// call, several at once. A call returns when the firmware has answered. Nothing is reported but by SetMode's result;
-/// every packet is logged byte by byte.
+/// call, several at once. A call returns when the firmware has answered. Every packet is logged byte by byte.
 #pragma once
 
 #include <cstdint>

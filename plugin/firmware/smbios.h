@@ -60,8 +60,7 @@ bool FindSMBiosType172(std::span<const std::uint8_t> table, stSMBiosType172& rec
 /// Reads the table and unpacks the structure from it.
 bool ReadSMBiosType172(stSMBiosType172& record);
 
-/// The formatted area of the structure that FindSMBiosType172 unpacks, with its header, inside `table`; empty when
-/// there is none.
+/// The formatted area, with its header, of the structure that FindSMBiosType172 unpacks; empty when there is none.
 std::span<const std::uint8_t> FindOemStructure(std::span<const std::uint8_t> table);
 
 /// Lighting hardware as discovery takes it from the record.

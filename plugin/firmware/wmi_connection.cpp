@@ -150,25 +150,21 @@ std::int32_t ExecFirmwareMethod(WmiConnection& connection, const wchar_t* class_
   const Bstr class_text(class_name);
   const Bstr method_text(method);
   const Bstr path_text(path.data());
-  if (!Step(connection, class_text) || !Step(connection, method_text) || !Step(connection, path_text)) return 0;
-
   ComPtr<IWbemClassObject> definition;
-  if (!Step(connection, connection.services->GetObject(class_text.Get(), 0, nullptr, definition.Put(), nullptr),
-            definition)) {
-    return 0;
-  }
   ComPtr<IWbemClassObject> in_params;
-  if (!Step(connection, definition->GetMethod(method, 0, in_params.Put(), nullptr))) return 0;
-  if (!in.empty() && !Step(connection, S_OK, in_params)) return 0;  // only a method without parameters has none
-  if (!SendValues(connection, in_params, in)) return 0;
-
   ComPtr<IWbemClassObject> out_params;
-  const bool ran =
-      Step(connection,
-           connection.services->ExecMethod(path_text.Get(), method_text.Get(), 0, nullptr,
-                                           in.empty() ? nullptr : in_params.Get(), out_params.Put(), nullptr),
-           out_params);
-  return ran && ReceiveValues(connection, out_params, out) ? 1 : 0;
+  const bool prepared =
+      Step(connection, class_text) && Step(connection, method_text) && Step(connection, path_text) &&
+      Step(connection, connection.services->GetObject(class_text.Get(), 0, nullptr, definition.Put(), nullptr),
+           definition) &&
+      Step(connection, definition->GetMethod(method, 0, in_params.Put(), nullptr)) &&
+      (in.empty() || Step(connection, S_OK, in_params)) &&  // only a method without parameters has none
+      SendValues(connection, in_params, in);
+  if (!prepared) return 0;
+  const HRESULT ran =
+      connection.services->ExecMethod(path_text.Get(), method_text.Get(), 0, nullptr,
+                                      in.empty() ? nullptr : in_params.Get(), out_params.Put(), nullptr);
+  return Step(connection, ran, out_params) && ReceiveValues(connection, out_params, out) ? 1 : 0;
 }
 
 std::int32_t ReadInstanceProperties(WmiConnection& connection, const wchar_t* class_name,

@@ -62,23 +62,6 @@ inline constexpr std::uint8_t kBaseInfoRequest = 0xA2;
 inline constexpr std::uint8_t kBaseInfoReply = 0xA3;
 inline constexpr std::uint8_t kUpdateReport = 0xA4;
 
-/// The usages under which devices declare the fields of the base information and of the update.
-namespace FieldUsage {
-inline constexpr std::uint8_t EffectMask = 0x31;
-inline constexpr std::uint8_t Info32 = 0x32;
-inline constexpr std::uint8_t Info33 = 0x33;
-inline constexpr std::uint8_t Info34 = 0x34;
-inline constexpr std::uint8_t ZoneCount = 0x35;
-inline constexpr std::uint8_t Mode = 0x41;
-inline constexpr std::uint8_t Speed = 0x42;
-inline constexpr std::uint8_t Brightness = 0x43;
-inline constexpr std::uint8_t Direction = 0x44;
-inline constexpr std::uint8_t Red = 0x45;
-inline constexpr std::uint8_t Green = 0x46;
-inline constexpr std::uint8_t Blue = 0x47;
-inline constexpr std::uint8_t ZoneMask = 0x48;
-}  // namespace FieldUsage
-
 class LightingHID {
  public:
   /// Rebuilds `g_lightingDevices` from the devices that are present, each with an open handle, and copies it to

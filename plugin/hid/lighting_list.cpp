@@ -90,8 +90,8 @@ bool LightingHID::GetFieldSize(std::uint8_t device_id, std::uint8_t report_id, s
     width = static_cast<std::uint8_t>(std::min(field->second.BitSize / 8, kWidest));
     return true;
   }
-  // What a device may well do without is missing without a word.
-  if (report_id != kBaseInfoReply && usage != FieldUsage::Info33) {
+  // A device may well do without what it could say of itself, so that is missing without a word.
+  if (report_id != kBaseInfoReply && usage != 0x33) {
     HidLog(kFieldTag).Info(L"Field %02X,%02X not exist!", report_id, usage);
   }
   return false;
@@ -100,8 +100,8 @@ bool LightingHID::GetFieldSize(std::uint8_t device_id, std::uint8_t report_id, s
 bool LightingHID::FindLightingDevice(_HIDInfo& device) {
   const std::lock_guard lock(g_lightingDevicesLock);
   if (g_lightingDevices.empty()) BuildList();
-  const auto keyboard = std::find_if(g_lightingDevices.begin(), g_lightingDevices.end(),
-                                     [](const _HIDInfo& each) { return each.deviceIds.contains(kKeyboardId); });
+  const auto keyboard = std::ranges::find_if(g_lightingDevices,
+                                             [](const _HIDInfo& each) { return each.deviceIds.contains(kKeyboardId); });
   if (keyboard == g_lightingDevices.end()) return false;
   device = *keyboard;
   return true;

@@ -77,11 +77,11 @@ LightingDeviceBaseInfo DecodedBaseInfo(const Payload& reply) {
   LightingDeviceBaseInfo info;
   info.deviceId = reply[0];
   FieldCursor cursor(kBaseInfoReply, std::span(reply));
-  cursor.Read(FieldUsage::Info34, info.info34);
-  cursor.Read(FieldUsage::Info32, info.info32);
-  cursor.Read(FieldUsage::ZoneCount, info.zoneCount);
-  cursor.Read(FieldUsage::Info33, info.info33);
-  cursor.Read(FieldUsage::EffectMask, info.effectMask);
+  cursor.Read(0x34, info.info34);
+  cursor.Read(0x32, info.info32);
+  cursor.Read(0x35, info.zoneCount);
+  cursor.Read(0x33, info.info33);
+  cursor.Read(0x31, info.effectMask);
   return info;
 }
 
@@ -144,14 +144,14 @@ void LightingHID::SetLightingDeviceUpdateReport(std::uint8_t device_id, std::uin
   const auto make_payload = [&] {
     Payload payload{device_id};
     FieldCursor cursor(kUpdateReport, std::span(payload));
-    cursor.Write(FieldUsage::Mode, mode);
-    cursor.Write(FieldUsage::Brightness, brightness);
-    cursor.Write(FieldUsage::Speed, speed);
-    cursor.Write(FieldUsage::Direction, direction);
-    cursor.Write(FieldUsage::Red, red);
-    cursor.Write(FieldUsage::Green, green);
-    cursor.Write(FieldUsage::Blue, blue);
-    cursor.Write(FieldUsage::ZoneMask, zone_mask);
+    cursor.Write(0x41, mode);
+    cursor.Write(0x43, brightness);
+    cursor.Write(0x42, speed);
+    cursor.Write(0x44, direction);
+    cursor.Write(0x45, red);
+    cursor.Write(0x46, green);
+    cursor.Write(0x47, blue);
+    cursor.Write(0x48, zone_mask);
     return payload;
   };
   const HidLog log(kUpdateTag);

@@ -73,8 +73,7 @@ bool ForEachMatch(const TsHID::IdentityPredicate& identity, const TsHID::Capabil
   return true;
 }
 
-/// The length of the device's feature reports; 0, with a line in the log under the caller's tag, when none can be
-/// exchanged.
+/// The length of the device's feature reports; 0, with a line in the caller's log, when none can be exchanged.
 std::size_t FeatureReportLength(HANDLE handle, const HidLog& log) {
   HIDP_CAPS caps{};
   if (!TsHID::GetHIDCapability(handle, caps)) {

@@ -1,8 +1,7 @@
 /// Access to HID devices: finds interfaces by identity and usage, exchanges feature reports, reads capabilities.
 ///
-/// Keeps no state and takes no lock: every operation works on a handle that the caller passes in or is handed out. A
-/// call returns when the platform has answered. Device errors are logged and answered, never thrown; std::bad_alloc
-/// may leave every operation, and leaves nothing open.
+/// Keeps no state and takes no lock. A call returns when the platform has answered. Device errors are logged and
+/// answered, never thrown; std::bad_alloc may leave every operation, and leaves nothing open.
 #pragma once
 
 #include <cstddef>
@@ -53,8 +52,8 @@ class TsHID {
                             std::size_t* received = nullptr);
 
   static bool GetHIDCapability(HANDLE handle, HIDP_CAPS& caps);
-  /// Makes `caps` the feature value capabilities, in the platform's order. Failures go to the standard error stream and
-  /// not to the log: it is a diagnosis for developers, and a device without such capabilities is no fault.
+  /// Makes `caps` the feature value capabilities, in the platform's order. A device without any is no fault, so
+  /// failures go to the standard error stream, for developers, and not to the log.
   static bool GetHIDValueCapability(HANDLE handle, std::vector<HIDP_VALUE_CAPS>& caps);
 };
 

@@ -35,10 +35,6 @@ constexpr Row kRows[] = {
     {{"COMBO", 11, kEffect}, 12, false},
 };
 
-/// A code that hosts may send although no mode of ours has it.
-constexpr std::uint32_t kUnlistedMode = 15;
-constexpr std::uint8_t kUnlistedDeviceMode = 1;
-
 bool IsSupported(const Row& row, std::uint32_t effect_mask) {
   if (row.device_code == kPerLedDeviceMode || row.device_code == kStaticDeviceMode) return true;
   return (effect_mask >> (row.device_code - 1) & 1) != 0;
@@ -50,15 +46,13 @@ std::vector<ModeRecord> MakeHidKeyboardModes(std::uint32_t effect_mask) {
   std::vector<ModeRecord> modes;
   modes.reserve(std::size(kRows));
   for (const Row& row : kRows) {
-    if (!IsSupported(row, effect_mask)) continue;
-    modes.push_back(MakeMode(row.mode));
-    if (row.has_color) GiveOneColor(modes.back());
+    if (IsSupported(row, effect_mask)) modes.push_back(MakeMode(row.mode, row.has_color));
   }
   return modes;
 }
 
 std::uint8_t DeviceCodeOf(std::uint32_t hw_code) {
-  if (hw_code == kUnlistedMode) return kUnlistedDeviceMode;
+  if (hw_code == 15) return 1;  // no mode of ours has it, but a host may send it
   const auto* const row = std::ranges::find_if(
       kRows, [hw_code](const Row& each) { return static_cast<std::uint32_t>(each.mode.hw_code) == hw_code; });
   return row != std::end(kRows) ? row->device_code : static_cast<std::uint8_t>(hw_code);

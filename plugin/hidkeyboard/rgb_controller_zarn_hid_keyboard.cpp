@@ -8,15 +8,6 @@
 #include "hidkeyboard/hid_keyboard_modes.h"
 #include "hidkeyboard/zarn_hid_keyboard_controller.h"
 
-namespace {
-
-/// The first `count` zones in the mask of an update, or all that it has bits for.
-std::uint16_t AllZones(std::uint32_t count) {
-  return static_cast<std::uint16_t>(count > kAddressableZones ? 0xFFFFU : (1U << count) - 1);
-}
-
-}  // namespace
-
 RGBController_ZarnHIDKeyboard::RGBController_ZarnHIDKeyboard(ZarnHIDKeyboardController* controller)
     : hw_controller(controller) {
   title = "Zarn HID Keyboard Device";

@@ -1,8 +1,8 @@
 /// The device controller of the HID keyboard: turns lighting requests into update reports for its lighting device id.
 ///
 /// Owned by the generic controller built around it; works on its own, too. Constant after construction and without a
-/// lock: any thread may call, several at once; the reports of all threads go out one at a time. A call returns when the
-/// keyboard has taken its reports or all attempts have failed, which only the log tells.
+/// lock: any thread may call. Reports go out one at a time. A call returns when the keyboard has taken its reports or
+/// all attempts have failed, which only the log tells.
 #pragma once
 
 #include <cstdint>
@@ -47,4 +47,9 @@ inline constexpr std::uint32_t kAddressableZones = 16;
 /// The bit of a zone in the mask of an update; none for a zone that the mask has no bit for.
 constexpr std::uint16_t ZoneBit(std::uint32_t zone) {
   return zone < kAddressableZones ? static_cast<std::uint16_t>(1U << zone) : std::uint16_t{0};
+}
+
+/// The bits of the first `count` zones, or all that the mask has.
+constexpr std::uint16_t AllZones(std::uint32_t count) {
+  return static_cast<std::uint16_t>(count > kAddressableZones ? 0xFFFFU : (1U << count) - 1);
 }

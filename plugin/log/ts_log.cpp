@@ -20,17 +20,14 @@ constexpr wchar_t kModuleName[] = L"ZarnECKeyboard";
 
 using PathBuffer = std::array<wchar_t, MAX_PATH>;
 
-std::wstring UserName() {
-  PathBuffer buffer{};
-  auto size = static_cast<DWORD>(buffer.size());
-  return GetUserNameW(buffer.data(), &size) != 0 ? std::wstring(buffer.data()) : std::wstring();
-}
-
 std::wstring LogPath(const std::wstring& folder) {
   SYSTEMTIME today{};
   GetLocalTime(&today);
-  const std::wstring date = Formatted(L"%4d%02d%02d", today.wYear, today.wMonth, today.wDay);
-  return folder + L"\\" + UserName() + L"_" + kModuleName + L"_" + date + L".log";
+  PathBuffer user{};
+  auto size = static_cast<DWORD>(user.size());
+  if (GetUserNameW(user.data(), &size) == 0) user.front() = L'\0';
+  return folder + L"\\" + user.data() + L"_" + kModuleName + L"_" +
+         Formatted(L"%4d%02d%02d", today.wYear, today.wMonth, today.wDay) + L".log";
 }
 
 std::wstring Timestamp() {

@@ -54,33 +54,19 @@ TEST(PacketFormats, ModePacketChoosesItsModeAndBelowVersion3KeepsItsBrightness) 
   EXPECT_EQ(Snapshot(target), Snapshot(source));
 }
 
-TEST(PacketFormats, ColourPacketsHaveTheirBytesWhichReadBackChangeNothing) {
+TEST(PacketFormats, ColourPacketsHaveTheirBytesAndReplaceTheirColoursOnly) {
   ControllerRecords records = TwoZones();
-  const Bytes table =
-      Hex("26 00 00 00 08 00 01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00 05 00 00 00 06 00 00 00 07 00 00 00 "
-          "08 00 00 00");
-  const Bytes zone = Hex("16 00 00 00 01 00 00 00 03 00 06 00 00 00 07 00 00 00 08 00 00 00");
-  const Bytes one = Hex("07 00 00 00 08 00 00 00");
-  EXPECT_EQ(Copy(PackColorTablePacket(records.color_table)), table);
-  EXPECT_EQ(Copy(PackZoneColorsPacket(records, 1)), zone);
-  EXPECT_EQ(Copy(PackOneColorPacket(records, 7)), one);
-  EXPECT_TRUE(UnpackColorTablePacket(records, table) && UnpackZoneColorsPacket(records, zone) &&
-              UnpackOneColorPacket(records, one));
-  EXPECT_EQ(Snapshot(records), Snapshot(TwoZones()));
-}
+  EXPECT_EQ(Copy(PackColorTablePacket(records.color_table)),
+            Hex("26 00 00 00 08 00 01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00 05 00 00 00 06 00 00 00 07 00 00 00 "
+                "08 00 00 00"));
+  EXPECT_EQ(Copy(PackZoneColorsPacket(records, 1)),
+            Hex("16 00 00 00 01 00 00 00 03 00 06 00 00 00 07 00 00 00 08 00 00 00"));
+  EXPECT_EQ(Copy(PackOneColorPacket(records, 7)), Hex("07 00 00 00 08 00 00 00"));
 
-TEST(PacketFormats, ColourPacketsReplaceTheirColoursOnly) {
-  const auto table_after = [](auto unpack, const char* packet) {
-    ControllerRecords records = TwoZones();
-    EXPECT_TRUE(unpack(records, ExactBlock(Hex(packet)).view()));
-    return records.color_table;
-  };
-  using Table = std::vector<PackedColor>;
-  EXPECT_EQ(table_after(UnpackColorTablePacket, "0e 00 00 00 02 00 ff 00 00 00 00 ff 00 00"),
-            (Table{0xFF, 0xFF00, 3, 4, 5, 6, 7, 8}));
-  EXPECT_EQ(table_after(UnpackZoneColorsPacket, "12 00 00 00 01 00 00 00 02 00 ff 00 00 00 00 ff 00 00"),
-            (Table{1, 2, 3, 4, 5, 0xFF, 0xFF00, 8}));
-  EXPECT_EQ(table_after(UnpackOneColorPacket, "02 00 00 00 aa bb cc dd"), (Table{1, 2, 0xDDCCBBAA, 4, 5, 6, 7, 8}));
+  EXPECT_TRUE(UnpackColorTablePacket(records, Hex("0e 00 00 00 02 00 ff 00 00 00 00 ff 00 00")));
+  EXPECT_TRUE(UnpackZoneColorsPacket(records, Hex("12 00 00 00 01 00 00 00 02 00 11 00 00 00 22 00 00 00")));
+  EXPECT_TRUE(UnpackOneColorPacket(records, ExactBlock(Hex("02 00 00 00 aa bb cc dd")).view()));
+  EXPECT_EQ(records.color_table, (std::vector<PackedColor>{0xFF, 0xFF00, 0xDDCCBBAA, 4, 5, 0x11, 0x22, 8}));
 }
 
 using Unpack = std::function<bool(ControllerRecords&, std::span<const std::uint8_t>)>;
@@ -94,22 +80,19 @@ void ExpectIgnored(const Unpack& unpack, const Bytes& packet, ControllerRecords 
   EXPECT_EQ(Snapshot(records), before);
 }
 
-TEST(PacketFormats, IndexesOutsideTheListsAreIgnored) {
+TEST(PacketFormats, IndexesOutsideTheListsAndColourListsThatDoNotFitAreIgnored) {
   for (const std::string index : {"02 00 00 00", "ff ff ff ff"}) {  // the number of modes and of zones, and -1
     Bytes packet = kNumberedAt3;
     std::ranges::copy(Hex(index), packet.begin() + 4);
     ExpectIgnored(kUnpackMode, packet);
     ExpectIgnored(UnpackZoneColorsPacket, Hex("0e 00 00 00 " + index + " 01 00 01 00 00 00"));
   }
-  ExpectIgnored(UnpackOneColorPacket, Hex("08 00 00 00 01 00 00 00"));
   ExpectIgnored(UnpackOneColorPacket, Hex("ff ff ff ff 01 00 00 00"));
+  ControllerRecords records = TwoZones();
+  ExpectIgnored(UnpackOneColorPacket, Hex("08 00 00 00 01 00 00 00"), records);
+  records.led_list.resize(9);  // more than there are colours
+  ExpectIgnored(UnpackOneColorPacket, Hex("08 00 00 00 01 00 00 00"), records);
 
-  ControllerRecords more_leds_than_colors = TwoZones();
-  more_leds_than_colors.led_list.resize(9);
-  ExpectIgnored(UnpackOneColorPacket, Hex("08 00 00 00 01 00 00 00"), more_leds_than_colors);
-}
-
-TEST(PacketFormats, EmptyAndOversizedColourListsAreIgnored) {
   ExpectIgnored(UnpackColorTablePacket, Hex("06 00 00 00 00 00"));
   Bytes nine = Hex("2a 00 00 00 09 00");
   nine.resize(nine.size() + 36, 1);

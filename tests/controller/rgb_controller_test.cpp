@@ -1,7 +1,6 @@
 #include "controller/rgb_controller.h"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <array>
 #include <condition_variable>
@@ -146,40 +145,15 @@ TEST(UpdateWorker, StoppingItFromItselfIsADeadlockErrorWhichStopsNothingAndEndsI
   EXPECT_EQ(error, std::errc::resource_deadlock_would_occur);
 }
 
-TEST(UpdateWorker, ConstructionFailsWhenNoThreadCanBeStarted) {
-  pthread_attr_t usual;
-  pthread_attr_t impossible;
-  ASSERT_EQ(pthread_getattr_default_np(&usual), 0);
-  ASSERT_EQ(pthread_getattr_default_np(&impossible), 0);
-  ASSERT_EQ(pthread_attr_setstacksize(&impossible, std::size_t{1} << 47), 0);
-  ASSERT_EQ(pthread_setattr_default_np(&impossible), 0);
-  std::error_code error;
-  try {
-    const Device device;
-  } catch (const std::system_error& caught) {
-    error = caught.code();
-  }
-  ASSERT_EQ(pthread_setattr_default_np(&usual), 0);
-  EXPECT_EQ(error, std::errc::resource_unavailable_try_again);
-}
-
-TEST(RgbController, ColoursAreKeptAndIndexesBeyondTheTableIgnored) {
-  Device device({5, 3});
-  device.StoreLedColor(7, 0xABCDEF);
-  device.StoreLedColor(8, 1);
-  EXPECT_EQ(device.FetchLedColor(7), 0xABCDEFU);
-  EXPECT_EQ(device.FetchLedColor(8), 0U);
-  device.PaintZone(0, 1);
-  device.PaintZone(-1, 9);
-  device.PaintZone(2, 9);
-  EXPECT_EQ(device.color_table, (std::vector<PackedColor>{1, 1, 1, 1, 1, 0, 0, 0xABCDEF}));
-  device.PaintAllZones(2);
-  EXPECT_EQ(device.color_table, std::vector<PackedColor>(8, 2));
-  EXPECT_EQ(device.AfterStop(), "");  // none of it asks for a push
-}
-
-TEST(RgbController, RebindingFollowsTheZones) {
+TEST(RgbController, ColoursFollowTheZonesAndIndexesBeyondTheListsAreIgnored) {
   Device device({2, 0, 3});
+  device.StoreLedColor(4, 0xABCDEF);
+  device.StoreLedColor(5, 1);
+  EXPECT_EQ(device.FetchLedColor(4), 0xABCDEFU);
+  EXPECT_EQ(device.FetchLedColor(5), 0U);
+  device.PaintZone(0, 1);
+  for (const std::int32_t zone : {-1, 1, 3}) device.PaintZone(zone, 9);
+  EXPECT_EQ(device.color_table, (std::vector<PackedColor>{1, 1, 0, 0, 0xABCDEF}));
   EXPECT_EQ(device.zone_list[1].color_view, nullptr);
   EXPECT_EQ(device.zone_list[1].led_view, nullptr);
   EXPECT_EQ(device.zone_list[1].first_index, 2U);
@@ -191,6 +165,7 @@ TEST(RgbController, RebindingFollowsTheZones) {
   device.zone_list[2].led_total = 3;
   device.RebindZoneStorage();
   EXPECT_EQ(device.color_table, (std::vector<PackedColor>{7, 7, 7, 7, 7, 0, 0}));
+  EXPECT_EQ(device.AfterStop(), "");  // none of it asks for a push
 }
 
 TEST(RgbController, ListenersAreCalledInOrderEachWithItsContext) {
@@ -209,6 +184,7 @@ TEST(RgbController, ListenersAreCalledInOrderEachWithItsContext) {
   EXPECT_EQ(heard, "Bab");
   device.RemoveChangeListener(&names[1]);  // the first with that context, function and all
   device.RemoveChangeListener(&names[2]);
+  device.AddChangeListener(nullptr, nullptr);
   device.NotifyChangeListeners();
   EXPECT_EQ(heard, "Babab");
   device.DropChangeListeners();
@@ -216,16 +192,13 @@ TEST(RgbController, ListenersAreCalledInOrderEachWithItsContext) {
   EXPECT_EQ(heard, "Babab");
 }
 
-TEST(RgbController, NullBuffersAndListenersAreIgnored) {
-  Device device({1});
+TEST(RgbController, NullBuffersAreIgnored) {
+  Device device;
   device.UnpackDescription(nullptr, 3);
   device.UnpackModePacket(nullptr, 3);
   device.UnpackColorTablePacket(nullptr);
   device.UnpackZoneColorsPacket(nullptr);
   device.UnpackOneColorPacket(nullptr);
-  device.AddChangeListener(nullptr, nullptr);
-  device.NotifyChangeListeners();
-  EXPECT_EQ(device.color_table.size(), 1U);
 }
 
 /// A clock that only naps move on.
@@ -240,28 +213,24 @@ struct SteppedClock {
 
 TEST(MillisecondSleep, SleepsWholeMillisecondsUntilTheDeadline) {
   using std::chrono::milliseconds;
-  std::vector<std::int64_t> naps;
-  const auto sleep = [&](std::int64_t request, SteppedClock::duration start, auto oversleep) {
+  using Naps = std::vector<std::int64_t>;
+  /// A nap of more than 1 ms ends `early` before its time.
+  const auto sleep = [](std::int64_t request, SteppedClock::duration start = {}, std::chrono::nanoseconds early = {}) {
     SteppedClock::current = SteppedClock::time_point(start);
-    naps.clear();
+    Naps naps;
     SleepMilliseconds<SteppedClock>(request, [&](milliseconds nap) {
       naps.push_back(nap.count());
-      SteppedClock::current += oversleep(nap);
+      SteppedClock::current += nap > milliseconds(1) ? nap - early : nap;
     });
     return naps;
   };
-  const auto exactly = [](milliseconds nap) { return SteppedClock::duration(nap); };
-  const auto woken_early = [](milliseconds nap) {
-    return nap > milliseconds(1) ? nap - std::chrono::nanoseconds(1) : SteppedClock::duration(nap);
-  };
-  using Naps = std::vector<std::int64_t>;
-  EXPECT_EQ(sleep(0, {}, exactly), Naps{});
-  EXPECT_EQ(sleep(-5, {}, exactly), Naps{});
-  EXPECT_EQ(sleep(20, {}, exactly), Naps{20});
-  EXPECT_EQ(sleep(20, {}, woken_early), (Naps{20, 1}));
-  EXPECT_EQ(sleep(86'400'001, {}, exactly), (Naps{86'400'000, 1}));
+  EXPECT_EQ(sleep(0), Naps{});
+  EXPECT_EQ(sleep(-5), Naps{});
+  EXPECT_EQ(sleep(20), Naps{20});
+  EXPECT_EQ(sleep(20, {}, std::chrono::nanoseconds(1)), (Naps{20, 1}));
+  EXPECT_EQ(sleep(86'400'001), (Naps{86'400'000, 1}));
   // A deadline beyond the clock's end is its end.
-  EXPECT_EQ(sleep(INT64_MAX, SteppedClock::time_point::max().time_since_epoch() - milliseconds(3), exactly), Naps{3});
+  EXPECT_EQ(sleep(INT64_MAX, SteppedClock::time_point::max().time_since_epoch() - milliseconds(3)), Naps{3});
 }
 
 }  // namespace

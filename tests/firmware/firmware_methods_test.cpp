@@ -5,7 +5,7 @@
 #include <string>
 #include <thread>
 
-#include "firmware/wmi_connection.h"
+#include "platform/wmi.h"
 #include "tests/support/fault_driver.h"
 #include "tests/support/hex.h"
 #include "tests/support/machine_fixture.h"
@@ -147,26 +147,12 @@ TEST_F(FirmwareMethods, ThreadOfAnotherApartmentCallsAndKeepsItsCom) {
   }).join();
 }
 
-TEST_F(FirmwareMethods, MethodWithoutInputNeedsNoParameterObject) {
-  machine->firmware.methods.push_back({L"NoInput", false});
-  WmiConnection connection;
-  ASSERT_EQ(OpenWmiConnection(connection), 1);
-  Variant input;
-  Variant output;
-  const NamedVariant in[] = {{L"gmInput", input}};
-  const NamedVariant out[] = {{L"gmOutput", output}};
-  EXPECT_EQ(ExecFirmwareMethod(connection, kFirmwareClass, L"NoInput", kFirmwareInstances, {}, out), 1);
-  EXPECT_EQ(ExecFirmwareMethod(connection, kFirmwareClass, L"NoInput", kFirmwareInstances, in, out), 0);
-  EXPECT_EQ(ExecFirmwareMethod(connection, kFirmwareClass, L"Unknown", kFirmwareInstances, {}, out), 0);
-  EXPECT_LT(connection.status, 0);
-}
-
 TEST_F(FirmwareMethods, EveryFaultFailsTheCallAndLeavesNothing) {
   Answer({{L"gmOutput", std::uint32_t{5}}});
   const Bytes untouched(4, 0xEE);
   Bytes buffer = untouched;
   std::int32_t result = 0;
-  const auto expect_success_without_fault = [&](const FaultRun& run) {
+  const auto check = [&](const FaultRun& run) {
     EXPECT_FALSE(run.threw_bad_alloc);
     EXPECT_EQ(result, run.met ? 0 : 1);
     EXPECT_EQ(machine->TakeSleeps().size(), run.met ? 0U : 1U);
@@ -176,11 +162,11 @@ TEST_F(FirmwareMethods, EveryFaultFailsTheCallAndLeavesNothing) {
     buffer = untouched;
     machine->TakeCalls();
   };
-  FailInTurn([&] { result = SetGamingLED(kSixteen, &out32, 12); }, expect_success_without_fault);
-  FailInTurn([&] { result = SetGamingKBBacklight(kSixteen, &out64); }, expect_success_without_fault);
-  FailInTurn([&] { result = SetGamingRgbKb(7); }, expect_success_without_fault);
+  FailInTurn([&] { result = SetGamingLED(kSixteen, &out32, 12); }, check);
+  FailInTurn([&] { result = SetGamingKBBacklight(kSixteen, &out64); }, check);
+  FailInTurn([&] { result = SetGamingRgbKb(7); }, check);
   Answer({{L"gmReturn", std::uint64_t{8}}, {L"gmOutput", Bytes{1, 2, 3}}});
-  FailInTurn([&] { result = GetGamingLED(buffer.data(), 4); }, expect_success_without_fault);
+  FailInTurn([&] { result = GetGamingLED(buffer.data(), 4); }, check);
 }
 
 }  // namespace

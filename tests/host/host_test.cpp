@@ -68,19 +68,16 @@ TEST_F(HostTest, WhatTheDeviceDoesNotTakeIsSaidAndChangesNothing) {
   ASSERT_TRUE(device);
   const ModeRecord mode = device->Describe()->mode_list[1];
   for (const std::int32_t index : {-1, 9, 0x7FFFFFFF}) {
-    const auto refused = device->SetMode(index, mode);
-    ASSERT_TRUE(refused) << index;
-    EXPECT_EQ(refused->failure, host::Failure::Refused);
-    EXPECT_EQ(refused->text, "the device did not take the mode");
+    const host::Error refused = device->SetMode(index, mode).value();
+    EXPECT_EQ(refused.failure, host::Failure::Refused);
+    EXPECT_EQ(refused.text, "the device did not take the mode");
   }
   ModeRecord cut = mode;
   cut.mode_colors.resize(65536);
   EXPECT_EQ(device->SetMode(1, cut)->failure, host::Failure::Refused);
   EXPECT_EQ(device->controller().CurrentModeIndex(), 0);
   for (const std::size_t count : {0U, 5U, 65536U, 65537U}) {
-    const auto refused = device->SetColors(std::vector<PackedColor>(count, 7));
-    ASSERT_TRUE(refused) << count;
-    EXPECT_EQ(refused->failure, host::Failure::Refused);
+    EXPECT_EQ(device->SetColors(std::vector<PackedColor>(count, 7)).value().failure, host::Failure::Refused);
   }
   EXPECT_EQ(device->Describe()->color_table, std::vector<PackedColor>(4, 0));
 }
@@ -109,13 +106,13 @@ TEST_F(HostTest, MemoryThatRunsOutIsAnErrorAndNeverThrown) {
   const std::vector<PackedColor> colors(4, 7);
   const std::filesystem::path file = ZARN_LIGHTING_PATH;
   std::optional<host::Failure> failure;
-  const auto note = [&failure](const auto& error) {
+  const auto note = [&failure](const host::Outcome& error) {
     if (error) failure = error->failure;
   };
   FailInTurn(
       [&] {
-        if (const auto records = device->Describe(); !records) failure = records.error().failure;
-        if (const auto loaded = host::Plugin::Load(file); !loaded) failure = loaded.error().failure;
+        if (const auto records = device->Describe(); !records) note(records.error());
+        if (const auto loaded = host::Plugin::Load(file); !loaded) note(loaded.error());
         note(device->SetMode(1, mode));
         note(device->SetColors(colors));
       },

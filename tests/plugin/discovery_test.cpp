@@ -8,13 +8,16 @@
 namespace test {
 namespace {
 
+/// On firmware that confirms a light bar whenever it is asked.
 class Discovery : public PluginTest {
  protected:
-  std::int32_t CountWith(const std::vector<std::pair<int, int>>& items) {
-    machine->SetSmbios(TableWithItems(2, 91, items));
+  Discovery() {
     machine->answer = [](const FirmwareCall&) {
       return FirmwareAnswer{S_OK, {{L"gmOutput", Bytes{0, 0, 0, 0, 0, 7, 7}}, {L"gmReturn", std::uint64_t{0}}}};
     };
+  }
+  std::int32_t CountWith(const std::vector<std::pair<int, int>>& items) {
+    machine->SetSmbios(TableWithItems(2, 91, items));
     return plugin().Discover().count;
   }
 };
@@ -38,9 +41,6 @@ TEST_F(Discovery, FailuresShowInTheCountAloneAndLeaveNothingOpen) {
   ScriptedHid& keyboard = machine->Plug(VendorCollection(0xFF5A, {{0xA4, 0x41, 8}}));
   keyboard.answers[0xA1] = {0xA1, 1, 0x22};  // not the keyboard: the embedded controller is asked, too
   machine->SetSmbios(TableWithItems(2, 91, {{8, 1}, {10, 2}, {23, 1}}));
-  machine->answer = [](const FirmwareCall&) {
-    return FirmwareAnswer{S_OK, {{L"gmOutput", Bytes{0, 0, 0, 0, 0, 7, 7}}, {L"gmReturn", std::uint64_t{0}}}};
-  };
   // Once the list holds a device it is not built again, so every run begins with a plug-in that has just been loaded.
   auto fresh = std::make_unique<FreshPlugin>();
   Discovered found;

@@ -39,23 +39,8 @@ TEST_F(EcKeyboard, ZonesFollowTheFirmwaresRecord) {
       {{}, 0}};
   for (const auto& [items, leds] : cases) {
     UseFirmware(3, 0, items);
-    const ControllerRecords records = Describe();
-    EXPECT_EQ(records.zone_list.size(), 1U);
-    EXPECT_EQ(records.led_list.size(), leds);
-    EXPECT_EQ(records.color_table.size(), leds);
-  }
-}
-
-TEST_F(EcKeyboard, TheFirstLightBarItemMakesTheGlobalLightsTarget) {
-  const std::pair<Items, std::uint8_t> cases[] = {
-      {{{23, 1}}, 3}, {{{8, 4}, {23, 1}, {23, 2}}, 3}, {{{23, 2}, {23, 1}}, 1}, {{{23, 5}}, 1}, {{}, 1}};
-  for (const auto& [items, target] : cases) {
-    machine->SetSmbios(TableWithItems(2, 91, items));
-    const auto light = plugin().Create("ZarnECGlobal");
-    light->UnpackModePacket(Take(light->PackModePacket(3, 3)).data(), 3);
-    machine->TakeCalls();
-    light->WriteModeToDevice();
-    EXPECT_EQ(std::get<Bytes>(machine->TakeCalls().at(0).input).at(9), target);
+    EXPECT_EQ(Describe().zone_list.size(), 1U);
+    EXPECT_EQ(Describe().led_list.size(), leds);
   }
 }
 
@@ -86,17 +71,20 @@ TEST_F(EcKeyboard, ColourPathLogsItsStepsBytesAndOutcomes) {
     return FirmwareAnswer{S_OK, {{L"gmOutput", std::uint32_t{call.method == L"SetGamingLED" ? 0xABCU : 0x80000001U}}}};
   };
   keyboard->WriteColorsToDevice();
-  std::string switches = LogLine("SendColors", "WMI stSMBiosType172: 2.85");
-  for (std::size_t i = 0; const char* const byte : {"0x08", "0x00", "0x00", "0x00", "0x00", "0x01", "0x00", "0x00"}) {
-    switches +=
-        LogLine("SetKeyboardOnOff", "WMI SetGamingLEDBehaviorFunction input[" + std::to_string(i++) + "]: " + byte);
-  }
-  std::string brightness;
-  for (std::size_t i = 0;
-       const char* const byte : {"0x0", "0x0", "0x32", "0x0", "0x0", "0x0", "0x0", "0x0", "0x3", "0x1"}) {
-    brightness += LogLine("SetKeyboardBrightness",
-                          "ECKeyboard::SetGamingKbbacklightFunction() input[" + std::to_string(i++) + "]:" + byte);
-  }
+  const auto numbered = [](const std::string& operation, const std::string& text,
+                           std::initializer_list<const char*> bytes) {
+    std::string lines;
+    for (std::size_t i = 0; const char* const byte : bytes)
+      lines += LogLine(operation, text + "input[" + std::to_string(i++) + "]" + byte);
+    return lines;
+  };
+  const std::string switches =
+      LogLine("SendColors", "WMI stSMBiosType172: 2.85") +
+      numbered("SetKeyboardOnOff", "WMI SetGamingLEDBehaviorFunction ",
+               {": 0x08", ": 0x00", ": 0x00", ": 0x00", ": 0x00", ": 0x01", ": 0x00", ": 0x00"});
+  const std::string brightness =
+      numbered("SetKeyboardBrightness", "ECKeyboard::SetGamingKbbacklightFunction() ",
+               {":0x0", ":0x0", ":0x32", ":0x0", ":0x0", ":0x0", ":0x0", ":0x0", ":0x3", ":0x1"});
   const std::string color =
       LogLine("SetKeyboardColor", "ECKeyboard::SetGamingRgbKbSettingFunction() Zone1, input: 0xC0B0A001");
   EXPECT_EQ(NewLog(),

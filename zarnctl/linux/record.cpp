@@ -86,8 +86,8 @@ BaseInfo ReadBaseInfo(const Bytes& reply, const HidCollection& collection) {
     const std::size_t width = field == nullptr ? 0 : field->BitSize / 8;
     if (width > sizeof(std::uint32_t) || info.length + width > reply.size()) break;  // what follows has no known place
     const auto value = static_cast<std::uint32_t>(FromLittleEndian(std::span(reply).subspan(info.length, width)));
-    if (usage == FieldUsage::ZoneCount) info.zones = value & 0xFFFF;
-    if (usage == FieldUsage::EffectMask) info.effects = value;
+    if (usage == 0x35) info.zones = value & 0xFFFF;  // the fields that HidKeyboard knows by these usages
+    if (usage == 0x31) info.effects = value;
     info.length += width;
   }
   return info;
@@ -141,16 +141,9 @@ class Recorder {
     if (!FindSMBiosType172(*data, record) || structure.size() < 6) return;
     const std::uint16_t zones = FirstItem(record, kItemKeyboardZones).value_or(0);
     const bool has_methods = machine_.FindFirmwareClass().has_value();
-    toml::table firmware{{"version", std::to_string(record.biosMajor) + "." + std::to_string(record.biosMinor)},
-                         {"record", Listed(structure)}};
-    if (!has_methods) firmware.insert("instance", "");
-    profile_.insert("firmware", std::move(firmware));
-    profile_.insert("keyboard", toml::table{{"zones", IsZoneCount(zones) ? zones : 0},
-                                            {"rgb", FirstItem(record, kItemRgbKeyboard) == kRgbKeyboardThere}});
-    const bool has_light_bar = FirstItem(record, kItemLightBar) == kLightBarThere;
-    toml::table light_bar{{"present", has_light_bar}};
-    if (has_light_bar && has_methods) RecordLightBar(light_bar);
-    profile_.insert("light_bar", std::move(light_bar));
+    const auto value = static_cast<std::uint32_t>(FromLittleEndian(std::span(reply).subspan(info.length, width)));
+    if (usage == 0x35) info.zones = value & 0xFFFF;  // the fields that HidKeyboard knows by these usages
+    if (usage == 0x31) info.effects = value;
   }
 
   /// What discovery asks the firmware when a light bar is announced.
