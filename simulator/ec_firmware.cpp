@@ -51,11 +51,6 @@ std::uint64_t Number(const EcFirmware::Input& input) {
   return number;
 }
 
-std::size_t SwitchPacketLength(FirmwareVersion version) {
-  if (version < kMiddleFirmware) return 8;
-  return version < kNewFirmware ? 12 : 16;
-}
-
 }  // namespace
 
 const EcFirmware::Method EcFirmware::kMethods[] = {
@@ -91,7 +86,8 @@ std::optional<LightBarLights> EcFirmware::LightBar() const {
 }
 
 EcFirmware::Answer EcFirmware::SwitchZones(const Input& input) {
-  const Bytes& packet = Packet(input, SwitchPacketLength(settings_.version));
+  const std::size_t length = settings_.version < kMiddleFirmware ? 8 : settings_.version < kNewFirmware ? 12 : 16;
+  const Bytes& packet = Packet(input, length);
   for (std::size_t i = 0; i < packet.size(); ++i) {
     if (i != 5) RequireByte(packet, i, i == 0 ? kSwitchZones : 0);
   }

@@ -1,9 +1,9 @@
 #include "simulator/hid_keyboard.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <chrono>
+#include <cinttypes>
+#include <cstdio>
 #include <map>
 
 #include "platform/standin/little_endian.h"
@@ -103,9 +103,9 @@ std::map<std::uint16_t, std::uint32_t> Unpacked(std::span<const std::uint8_t> da
 }
 
 std::string InHex(std::uint32_t value) {
-  std::array<char, 8> digits{};
-  const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value, 16).ptr;
-  return "0x" + std::string(digits.data(), static_cast<std::size_t>(end - digits.data()));
+  char text[12];
+  std::snprintf(text, sizeof(text), "0x%" PRIx32, value);
+  return text;
 }
 
 Answer Refuse(const std::string& why) { return {Result::Refused, why, {}}; }
@@ -140,14 +140,9 @@ Answer HidKeyboard::SetFeature(std::uint64_t connection, std::span<const std::ui
 Answer HidKeyboard::GetFeature(std::uint64_t connection, std::uint8_t report_id) {
   std::unique_lock lock(lock_);
   if (auto ended = BeginExchange(connection, lock)) return *std::move(ended);
-  Answer answer;
-  if (report_id == kAttributes && settings_.answers) {
-    answer.report = Attributes();
-  } else if (report_id == kBaseInfo) {
-    answer.report = BaseInfo();
-  } else {
-    return Refuse("report " + InHex(report_id) + " cannot be read");
-  }
+  const bool attributes = report_id == kAttributes && settings_.answers;
+  if (!attributes && report_id != kBaseInfo) return Refuse("report " + InHex(report_id) + " cannot be read");
+  Answer answer{.report = attributes ? Attributes() : BaseInfo()};
   const bool is_short = Misbehaves() && misbehaviour_.kind == Misbehaviour::Kind::Short;
   answer.report.resize(is_short ? kShortReport : settings_.report_length);
   return answer;
@@ -209,8 +204,7 @@ Answer HidKeyboard::Update(std::span<const std::uint8_t> data) {
     return Refuse("there is no effect " + std::to_string(mode));
   }
   const std::uint32_t mask = value(0x48, kAllZones);
-  const bool names_missing_zones = settings_.zones < 16 && mask >> settings_.zones != 0;
-  if (mask != kAllZones && names_missing_zones)
+  if (mask != kAllZones && settings_.zones < 16 && mask >> settings_.zones != 0)
     return Refuse("zone mask " + InHex(mask) + " names zones that are not there");
   for (std::size_t i = 0; i < std::min<std::size_t>(lights_.zones.size(), 16); ++i) {
     if ((mask >> i & 1) == 0) continue;
@@ -227,9 +221,8 @@ Answer HidKeyboard::Update(std::span<const std::uint8_t> data) {
 
 Bytes HidKeyboard::Attributes() const {
   if (!settings_.attribute_reply.empty()) return settings_.attribute_reply;
-  const Bytes& ids = settings_.device_ids;
-  Bytes report{kAttributes, settings_.claimed_ids.value_or(Low(ids.size()))};
-  Append(report, ids);
+  Bytes report{kAttributes, settings_.claimed_ids.value_or(Low(settings_.device_ids.size()))};
+  Append(report, settings_.device_ids);
   return report;
 }
 

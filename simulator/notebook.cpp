@@ -1,7 +1,6 @@
 #include "simulator/notebook.h"
 
 #include <chrono>
-#include <initializer_list>
 #include <string_view>
 #include <thread>
 #include <utility>
@@ -64,18 +63,13 @@ std::vector<std::uint8_t> Notebook::SmbiosTable() const {
   const auto zones = static_cast<std::uint8_t>(ec.keyboard_zones);
   const std::uint8_t rgb = profile_.rgb_keyboard ? 2 : 1;
   const std::uint8_t light_bar = ec.light_bar ? 1 : 2;
-  std::vector<std::uint8_t> table(kSystemInformation.begin(), kSystemInformation.end());
-  const auto append = [&table](std::initializer_list<std::uint8_t> bytes) { table.insert(table.end(), bytes); };
-  const std::vector<std::uint8_t>& recorded = profile_.firmware_structure;
-  table.insert(table.end(), recorded.begin(), recorded.end());
-  if (recorded.empty()) {
-    append({172, 15, 1, 0, ec.version.major, ec.version.minor});
-    append({8, zones, 0});
-    append({10, rgb, 0});
-    append({23, light_bar, 0});
+  std::vector<std::uint8_t> structure = profile_.firmware_structure;
+  if (structure.empty()) {
+    structure = {172, 15, 1, 0, ec.version.major, ec.version.minor, 8, zones, 0, 10, rgb, 0, 23, light_bar, 0};
   }
-  append({0, 0});
-  append({127, 4, 2, 0, 0, 0});
+  std::vector<std::uint8_t> table(kSystemInformation.begin(), kSystemInformation.end());
+  table.insert(table.end(), structure.begin(), structure.end());
+  table.insert(table.end(), {0, 0, 127, 4, 2, 0, 0, 0});
   return table;
 }
 

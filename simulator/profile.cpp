@@ -1,7 +1,6 @@
 #include "simulator/profile.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <charconv>
 #include <fstream>
@@ -130,9 +129,10 @@ bool ReadSwitch(const toml::node& node, auto& target) {
   return Assign(node.value_exact<bool>(), (target.*....*kPath));
 }
 
-template <std::int64_t kHighest, auto... kPath>
+template <std::int64_t kLowest, std::int64_t kHighest, auto... kPath>
 bool ReadNumber(const toml::node& node, auto& target) {
-  return Assign(Number(node, kHighest), (target.*....*kPath));
+  const auto number = Number(node, kHighest);
+  return number >= kLowest && Assign(number, (target.*....*kPath));
 }
 
 template <std::size_t kMost, auto... kPath>
@@ -172,11 +172,6 @@ bool ReadZones(const toml::node& node, Profile& profile) {
   return zones != 2 && Assign(zones, profile.ec.keyboard_zones);
 }
 
-bool ReadReportLength(const toml::node& node, HidKeyboard::Settings& keyboard) {
-  const auto length = Number(node, kLongestReport);
-  return length >= 3 && Assign(length, keyboard.report_length);
-}
-
 bool ReadLogSwitch(const toml::node& node, Profile& profile) {
   const auto enabled = node.value_exact<bool>();
   if (enabled) profile.registry[kLogKey][kLogSwitch] = platform::ToLittleEndian(*enabled ? 1 : 0, 4);
@@ -210,7 +205,7 @@ constexpr Field<Profile> kFirmware[] = {
     {"version", "text like \"2.91\", both numbers from 0 to 255", ReadVersion, true},
     {"instance", "text, empty for no firmware class", ReadInstance},
     {"record", "6 to 255 numbers from 0 to 255, a structure of type 172", ReadRecord},
-    {"latency_ms", "a whole number from 0 to 10000", ReadNumber<10000, &Profile::firmware_latency_ms>},
+    {"latency_ms", "a whole number from 0 to 10000", ReadNumber<0, 10000, &Profile::firmware_latency_ms>},
 };
 
 constexpr Field<Profile> kKeyboard[] = {
@@ -222,23 +217,23 @@ constexpr Field<Profile> kLightBar[] = {
     {"present", "true or false", ReadSwitch<&Profile::ec, &Ec::light_bar>, true},
     {"report", "1 to 15 numbers from 0 to 255, what GetGamingLED answers instead of the truth",
      ReadBytes<15, &Profile::ec, &Ec::lights_report>},
-    {"return", "a whole number from 0 to 255", ReadNumber<0xFF, &Profile::ec, &Ec::lights_return>},
+    {"return", "a whole number from 0 to 255", ReadNumber<0, 0xFF, &Profile::ec, &Ec::lights_return>},
 };
 
 constexpr Field<Hid> kHidKeyboard[] = {
-    {"zones", "a whole number from 0 to 65535", ReadNumber<0xFFFF, &Hid::zones>, true},
-    {"effects", "a whole number from 0 to 4294967295", ReadNumber<0xFFFFFFFF, &Hid::effects>},
-    {"vendor", "a whole number from 0 to 65535", ReadNumber<0xFFFF, &Hid::vendor>},
-    {"product", "a whole number from 0 to 65535", ReadNumber<0xFFFF, &Hid::product>},
-    {"usage_page", "a whole number from 0 to 65535", ReadNumber<0xFFFF, &Hid::usage_page>},
-    {"usage", "a whole number from 0 to 65535", ReadNumber<0xFFFF, &Hid::usage>},
-    {"report_length", "a whole number from 3 to 16384", ReadReportLength},
+    {"zones", "a whole number from 0 to 65535", ReadNumber<0, 0xFFFF, &Hid::zones>, true},
+    {"effects", "a whole number from 0 to 4294967295", ReadNumber<0, 0xFFFFFFFF, &Hid::effects>},
+    {"vendor", "a whole number from 0 to 65535", ReadNumber<0, 0xFFFF, &Hid::vendor>},
+    {"product", "a whole number from 0 to 65535", ReadNumber<0, 0xFFFF, &Hid::product>},
+    {"usage_page", "a whole number from 0 to 65535", ReadNumber<0, 0xFFFF, &Hid::usage_page>},
+    {"usage", "a whole number from 0 to 65535", ReadNumber<0, 0xFFFF, &Hid::usage>},
+    {"report_length", "a whole number from 3 to 16384", ReadNumber<3, kLongestReport, &Hid::report_length>},
     {"other_collection", "true or false", ReadSwitch<&Hid::other_collection>},
     {"plugged", "true or false", ReadSwitch<&Hid::plugged>},
     {"answers", "true or false", ReadSwitch<&Hid::answers>},
     {"device_ids", "1 to 63 numbers from 0 to 255", ReadBytes<63, &Hid::device_ids>},
-    {"claimed_ids", "a whole number from 0 to 255", ReadNumber<0xFF, &Hid::claimed_ids>},
-    {"reply_id", "a whole number from 0 to 255", ReadNumber<0xFF, &Hid::reply_id>},
+    {"claimed_ids", "a whole number from 0 to 255", ReadNumber<0, 0xFF, &Hid::claimed_ids>},
+    {"reply_id", "a whole number from 0 to 255", ReadNumber<0, 0xFF, &Hid::reply_id>},
     {"descriptor", "1 to 4096 numbers from 0 to 255", ReadBytes<4096, &Hid::descriptor>},
     {"attribute_reply", "1 to 16384 numbers from 0 to 255", ReadBytes<kLongestReport, &Hid::attribute_reply>},
     {"base_info_reply", "1 to 16384 numbers from 0 to 255", ReadBytes<kLongestReport, &Hid::base_info_reply>},
@@ -305,21 +300,16 @@ std::string ReadFile(const std::filesystem::path& file) {
   return text;
 }
 
-/// Lights hang on the firmware: without one they would silently not be there.
-void RequireFirmware(const toml::table& root) {
-  for (const char* const section : {"keyboard", "light_bar"}) {
-    if (root.contains(section) && !root.contains("firmware")) {
-      Fail(root.get(section)->source(), {section, " needs a firmware that drives it: [firmware]"});
-    }
-  }
-}
-
 Profile ReadProfile(const toml::table& root) {
-  RequireFirmware(root);
   Profile profile;
   profile.user_name = kDefaultUser;
   profile.firmware_record = root.contains("firmware");
   if (profile.firmware_record) profile.firmware_instance = kDefaultInstance;
+  for (const char* const section : {"keyboard", "light_bar"}) {
+    // Lights hang on the firmware: without one they would silently not be there.
+    if (profile.firmware_record || !root.contains(section)) continue;
+    Fail(root.get(section)->source(), {section, " needs a firmware that drives it: [firmware]"});
+  }
   ReadFields<Profile>(root, kFile, profile);
   return profile;
 }

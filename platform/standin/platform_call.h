@@ -70,10 +70,12 @@ struct Call {
   bool hands_back_object = false;
 };
 
+/// A call that answers an HRESULT or an NTSTATUS.
 constexpr Call<HRESULT> ComCall(const char* name, HRESULT failure = E_FAIL, HRESULT out_of_memory = E_OUTOFMEMORY) {
   return {.name = name, .failure = failure, .out_of_memory = out_of_memory, .fails_by = FailsBy::Result};
 }
 
+/// A call that answers a status, ERROR_SUCCESS or what went wrong.
 constexpr Call<LONG> StatusCall(const char* name, LONG failure) {
   return {.name = name, .failure = failure, .out_of_memory = ERROR_NOT_ENOUGH_MEMORY, .fails_by = FailsBy::Status};
 }
@@ -84,6 +86,7 @@ constexpr Call<Answer> ZeroCall(const char* name, LONG last_error = ERROR_SUCCES
   return {.name = name, .failure = failure, .out_of_memory = failure, .last_error = last_error};
 }
 
+/// A call that cannot fail.
 template <typename Answer = Nothing>
 constexpr Call<Answer> SureCall(const char* name) {
   return {.name = name, .failure = {}, .out_of_memory = {}, .fails_by = FailsBy::Nothing, .fallible = false};

@@ -27,10 +27,6 @@ using LPBOOL = BOOL*;
 using LPWSTR = wchar_t*;
 using LPCWSTR = const wchar_t*;
 
-// The platform's spelling of constants, macros there too.
-#define WINAPI
-#define STDMETHODCALLTYPE
-
 inline constexpr BOOL TRUE = 1;
 inline constexpr BOOL FALSE = 0;
 inline constexpr DWORD MAX_PATH = 260;

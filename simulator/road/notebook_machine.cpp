@@ -4,7 +4,6 @@
 #include <array>
 #include <cwchar>
 #include <string>
-#include <tuple>
 #include <utility>
 
 #include "platform/standin/hid_api.h"
@@ -115,7 +114,7 @@ class NotebookMachine final : public platform::Machine {
 
   platform::HidDevice DeviceAt(std::size_t index) const {
     const HidKeyboard& keyboard = notebook_->HidKeyboardAt(index);
-    const auto& [vendor, product] = std::tie(keyboard.settings().vendor, keyboard.settings().product);
+    const auto vendor = keyboard.settings().vendor, product = keyboard.settings().product;
     std::array<wchar_t, 64> path{};
     std::swprintf(path.data(), path.size(), L"\\\\?\\hid#vid_%04x&pid_%04x#%zu", vendor, product, index);
     return {path.data(), vendor, product, 0x0100, keyboard.report_descriptor()};

@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "platform/standin/hid_interfaces.h"
 #include "platform/system.h"
 #include "tests/support/hex.h"
 #include "tests/support/machine_fixture.h"
@@ -13,33 +14,13 @@
 namespace test {
 namespace {
 
-class Hid : public MachineTest {
- protected:
-  Hid() { HidD_GetHidGuid(&hid_class); }
+using Hid = MachineTest;
+using Paths = std::vector<std::wstring>;
 
-  static HANDLE Open(const std::wstring& path) {
-    return CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                       OPEN_EXISTING, 0, nullptr);
-  }
-
-  std::vector<std::wstring> Paths() {
-    const HDEVINFO set = SetupDiGetClassDevsW(&hid_class, nullptr, nullptr, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
-    std::vector<std::wstring> paths;
-    SP_DEVICE_INTERFACE_DATA data{};
-    data.cbSize = sizeof(data);
-    for (DWORD i = 0; SetupDiEnumDeviceInterfaces(set, nullptr, &hid_class, i, &data) != FALSE; ++i) {
-      alignas(SP_DEVICE_INTERFACE_DETAIL_DATA_W) std::byte block[512];
-      auto* const detail = new (block) SP_DEVICE_INTERFACE_DETAIL_DATA_W{8, {}};
-      EXPECT_TRUE(SetupDiGetDeviceInterfaceDetailW(set, &data, detail, sizeof(block), nullptr, nullptr));
-      paths.emplace_back(detail->DevicePath);
-    }
-    EXPECT_EQ(GetLastError(), DWORD{259});
-    EXPECT_TRUE(SetupDiDestroyDeviceInfoList(set));
-    return paths;
-  }
-
-  GUID hid_class{};
-};
+HANDLE Open(const std::wstring& path) {
+  return CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                     OPEN_EXISTING, 0, nullptr);
+}
 
 TEST_F(Hid, EachTopLevelCollectionIsAnInterfaceOfItsOwn) {
   // A keyboard's collection with an input report of 8 bytes, and a vendor's with a feature report of as many.
@@ -48,19 +29,13 @@ TEST_F(Hid, EachTopLevelCollectionIsAnInterfaceOfItsOwn) {
           "06 5a ff 09 01 a1 01 85 a4 75 08 95 01 09 41 b1 02 95 07 b1 03 c0"));
   machine->Plug({0xA1, 0x01});  // never closed: not a device that works
   machine->Plug(VendorCollection(0xFF5A, {}, 64, 2));
-  ASSERT_EQ(Paths(), (std::vector<std::wstring>{L"\\\\?\\hid#test#01&col01", L"\\\\?\\hid#test#01&col02",
-                                                L"\\\\?\\hid#test#03"}));
+  const Paths paths = {L"\\\\?\\hid#test#01&col01", L"\\\\?\\hid#test#01&col02", L"\\\\?\\hid#test#03"};
+  ASSERT_EQ(platform::HidInterfacePaths(), paths);
   const std::vector<int> expected[] = {{1, 6, 0, 0}, {0xFF5A, 1, 9, 1}, {0xFF5A, 2, 65, 0}};
   for (std::size_t i = 0; i < 3; ++i) {
-    const HANDLE handle = Open(Paths()[i]);
-    PHIDP_PREPARSED_DATA preparsed = nullptr;
-    ASSERT_TRUE(HidD_GetPreparsedData(handle, &preparsed));
-    HIDP_CAPS caps{};
-    EXPECT_EQ(HidP_GetCaps(preparsed, &caps), HIDP_STATUS_SUCCESS);
+    const HIDP_CAPS caps = platform::OpenHidInterface(paths[i])->collection.caps;
     EXPECT_EQ((std::vector<int>{caps.UsagePage, caps.Usage, caps.FeatureReportByteLength, caps.NumberFeatureValueCaps}),
               expected[i]);
-    EXPECT_TRUE(HidD_FreePreparsedData(preparsed));
-    EXPECT_TRUE(CloseHandle(handle));
   }
   for (const wchar_t* const stranger : {L"\\\\?\\hid#test#01", L"\\\\?\\hid#test#01&col03", L"\\\\?\\hid#test#02",
                                         L"\\\\?\\hid#test#03&col01", L"&col01", L""}) {
@@ -70,16 +45,12 @@ TEST_F(Hid, EachTopLevelCollectionIsAnInterfaceOfItsOwn) {
 }
 
 TEST_F(Hid, ADeviceHasNoMoreThanSixteenInterfaces) {
-  platform::Bytes descriptor;
-  for (int i = 0; i < 17; ++i) {
-    for (const std::uint8_t byte : Hex("06 5a ff 09 01 a1 01 c0")) descriptor.push_back(byte);
-  }
-  machine->Plug(descriptor);
-  const std::vector<std::wstring> paths = Paths();
-  ASSERT_EQ(paths.size(), 16U);
-  EXPECT_EQ(paths.back(), L"\\\\?\\hid#test#01&col16");
-  EXPECT_TRUE(CloseHandle(Open(paths.back())));
-  EXPECT_EQ(Open(L"\\\\?\\hid#test#01&col17"), INVALID_HANDLE_VALUE);
+  platform::Bytes& descriptor = machine->Plug({}).device.report_descriptor;
+  const platform::Bytes collection = Hex("06 5a ff 09 01 a1 01 c0");
+  for (int i = 0; i < 17; ++i) descriptor.insert(descriptor.end(), collection.begin(), collection.end());
+  ASSERT_EQ(platform::HidInterfacePaths().size(), 16U);
+  EXPECT_TRUE(CloseHandle(Open(LR"(\\?\hid#test#01&col16)")));
+  EXPECT_EQ(Open(LR"(\\?\hid#test#01&col17)"), INVALID_HANDLE_VALUE);
 }
 
 TEST_F(Hid, ReportsOfTheRightLengthReachTheDeviceAndNoOthers) {

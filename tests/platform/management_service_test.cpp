@@ -1,66 +1,14 @@
-#include <memory>
 #include <thread>
 
+#include "platform/standin/management_class.h"
 #include "platform/wmi.h"
 #include "tests/support/machine_fixture.h"
 
 namespace {
 
-struct Releaser {
-  void operator()(IUnknown* object) const { object->Release(); }
-  void operator()(OLECHAR* text) const { SysFreeString(text); }
-};
-template <typename Interface>
-using Owned = std::unique_ptr<Interface, Releaser>;
-
-Owned<OLECHAR> Text(const std::wstring& text) { return Owned<OLECHAR>(SysAllocString(text.c_str())); }
-
-class ManagementServiceTest : public test::MachineTest {
- protected:
-  ManagementServiceTest() { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
-  ~ManagementServiceTest() override {
-    services.reset();
-    CoUninitialize();
-  }
-
-  HRESULT Connect(const wchar_t* space = L"ROOT\\WMI") {
-    void* place = nullptr;
-    EXPECT_EQ(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator, &place), S_OK);
-    const Owned<IWbemLocator> locator(static_cast<IWbemLocator*>(place));
-    IWbemServices* found = nullptr;
-    const HRESULT status =
-        locator->ConnectServer(Text(space).get(), nullptr, nullptr, nullptr, 0, nullptr, nullptr, &found);
-    services.reset(found);
-    return status;
-  }
-  /// The status of a query, and how many instances it found.
-  std::pair<HRESULT, ULONG> Query(const std::wstring& query) const {
-    IEnumWbemClassObject* found = nullptr;
-    const HRESULT status = services->ExecQuery(Text(L"WQL").get(), Text(query).get(), 48, nullptr, &found);
-    const Owned<IEnumWbemClassObject> enumerator(found);
-    EXPECT_EQ(enumerator != nullptr, SUCCEEDED(status));
-    IWbemClassObject* objects[4] = {};
-    ULONG returned = 0;
-    if (found != nullptr) {
-      EXPECT_EQ(found->Next(WBEM_INFINITE, 4, objects, &returned), WBEM_S_FALSE);
-    }
-    for (ULONG i = 0; i < returned; ++i) objects[i]->Release();
-    return {status, returned};
-  }
-  HRESULT Run(const std::wstring& path, const wchar_t* method) const {
-    IWbemClassObject* out = nullptr;
-    const HRESULT status =
-        services->ExecMethod(Text(path).get(), Text(method).get(), 0, nullptr, nullptr, &out, nullptr);
-    const Owned<IWbemClassObject> owned(out);
-    EXPECT_EQ(owned != nullptr, SUCCEEDED(status));
-    return status;
-  }
-
-  Owned<IWbemServices> services;
-};
+using ManagementServiceTest = test::MachineTest;
 
 TEST_F(ManagementServiceTest, ApartmentsBelongToThreadsUntilTheirLastLeave) {
-  CoUninitialize();
   EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
   EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_FALSE);
   EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), RPC_E_CHANGED_MODE);
@@ -78,39 +26,31 @@ TEST_F(ManagementServiceTest, ApartmentsBelongToThreadsUntilTheirLastLeave) {
   EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), E_OUTOFMEMORY);
   platform::DisarmFaults();
   EXPECT_EQ(platform::CountLive().com_initializations, 1) << "a failed one is taken back too";
+  CoUninitialize();
 }
 
-TEST_F(ManagementServiceTest, QueriesFindInstancesWhateverTheCaseAndOddOnesAreRefused) {
-  EXPECT_EQ(Connect(L"ROOT\\CIMV2"), WBEM_E_INVALID_NAMESPACE);
-  ASSERT_EQ(Connect(), S_OK);
-  using Found = std::pair<HRESULT, ULONG>;
-  EXPECT_EQ(Query(L" select  * From zarngamingfunction "), Found(S_OK, 1));
-  EXPECT_EQ(Query(L"SELECT * FROM Unknown"), Found(S_OK, 0));
+TEST_F(ManagementServiceTest, QueriesAndPathsOfOneFormAreUnderstood) {
+  EXPECT_EQ(platform::ParseSelectAll(L" select  * From\tA "), L"A");
   for (const wchar_t* query : {L"", L"SELECT * FROM", L"SELECT Name FROM A", L"SELECT * FROM A WHERE B = 1"}) {
-    EXPECT_EQ(Query(query), Found(WBEM_E_INVALID_QUERY, 0));
+    EXPECT_EQ(platform::ParseSelectAll(query), std::nullopt);
+  }
+  const auto path = platform::ParseObjectPath(LR"(Class.instancename="A\\B")");
+  EXPECT_TRUE(path && path->class_name == L"Class" && path->instance_name == LR"(A\B)");
+  for (const wchar_t* odd : {L"", L"Class", LR"(.InstanceName="A")", LR"(Class.Name="A")",
+                             LR"(Class.InstanceName="A\B")", LR"(Class.InstanceName="A"B")"}) {
+    EXPECT_FALSE(platform::ParseObjectPath(odd)) << testing::PrintToString(odd);
   }
 }
 
-TEST_F(ManagementServiceTest, FirmwareRunsOnlyForAnExactPathAndAKnownMethod) {
+TEST_F(ManagementServiceTest, ClassesAndMethodsGoByNameWhateverTheCaseAndInstancesByTheirExactText) {
   machine->firmware.instance_names = {std::uint32_t{5}, L"A\\B"};
-  machine->firmware.methods.push_back({L"NoInput", false});
-  const struct {
-    std::wstring path;
-    HRESULT result;
-    const wchar_t* method = L"NoInput";
-  } cases[] = {
-      {LR"(ZarnGamingFunction.InstanceName="A\\B")", S_OK},
-      {LR"(ZarnGamingFunction.InstanceName="A\\B")", WBEM_E_INVALID_METHOD, L"Unknown"},
-      {LR"(ZarnGamingFunction.InstanceName="5")", WBEM_E_NOT_FOUND},
-      {LR"(ZarnGamingFunction.InstanceName="A\\b")", WBEM_E_NOT_FOUND},
-      {L"", WBEM_E_INVALID_QUERY},
-      {LR"(ZarnGamingFunction.InstanceName="A\B")", WBEM_E_INVALID_OBJECT_PATH},
-      {LR"(ZarnGamingFunction.InstanceName="A"B")", WBEM_E_INVALID_OBJECT_PATH},
-      {L"ZarnGamingFunction", WBEM_E_INVALID_OBJECT_PATH},
-  };
-  ASSERT_EQ(Connect(), S_OK);
-  for (const auto& [path, result, method] : cases) EXPECT_EQ(Run(path, method), result) << testing::PrintToString(path);
-  EXPECT_EQ(machine->TakeCalls().size(), 1U);
+  const auto found = platform::FindManagementClass(L"zarngamingfunction");
+  ASSERT_TRUE(found);
+  EXPECT_FALSE(platform::FindManagementClass(L"ZarnGaming"));
+  EXPECT_NE(platform::FindMethod(found->methods, L"setgamingled"), nullptr);
+  EXPECT_EQ(platform::FindMethod(found->methods, L"SetGaming"), nullptr);
+  EXPECT_NE(platform::FindInstance(*found, L"A\\B"), nullptr);
+  for (const wchar_t* const other : {L"A\\b", L"5", L""}) EXPECT_EQ(platform::FindInstance(*found, other), nullptr);
 }
 
 }  // namespace

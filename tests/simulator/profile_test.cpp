@@ -42,24 +42,6 @@ light_bar = {present = true, report = [0, 255], return = 7}
 log.enabled = true
 registry = {'SOFTWARE\OEM\ZarnLightingService' = {HybridMode = 0xFFFF0001}}
 environment.PROGRAMDATA = 'C:\Data'
-)"));
-  EXPECT_EQ(profile.title, "All");
-  EXPECT_EQ(profile.user_name, L"J\u00FCrgen");
-  EXPECT_EQ(profile.firmware_instance, L"A\\B");
-  EXPECT_EQ(profile.firmware_latency_ms, 10000U);
-  const auto& [zones, light_bar, version, report, returned] = profile.ec;
-  EXPECT_TRUE(zones == 3 && light_bar && version == (FirmwareVersion{3, 255}) && returned == 7);
-  EXPECT_EQ(report, (std::vector<std::uint8_t>{0, 255}));
-  EXPECT_TRUE(profile.firmware_record && !profile.rgb_keyboard);
-  const std::wstring key = L"SOFTWARE\\OEM\\ZarnLightingService";
-  EXPECT_EQ(profile.registry, (decltype(profile.registry){{key, {{L"HybridMode", {1, 0, 0xFF, 0xFF}}}},
-                                                          {key + L"\\Log", {{L"ZarnLightingService", {1, 0, 0, 0}}}}}));
-  EXPECT_EQ(profile.environment, (decltype(profile.environment){{L"PROGRAMDATA", L"C:\\Data"}}));
-}
-
-TEST_F(ProfileTest, EveryKeyOfAHidKeyboardReachesTheProfile) {
-  const Profile profile = LoadProfile(File(R"(
-title = "HID"
 [[hid_keyboard]]
 zones = 65535
 [[hid_keyboard]]
@@ -79,6 +61,17 @@ reply_id = 0x22
 base_info = [[0x35, 12], [0x31, 32]]
 update = []
 )"));
+  EXPECT_EQ(profile.title, "All");
+  EXPECT_EQ(profile.user_name, L"J\u00FCrgen");
+  EXPECT_EQ(profile.firmware_instance, L"A\\B");
+  const auto& [zones, light_bar, version, report, returned] = profile.ec;
+  EXPECT_TRUE(zones == 3 && light_bar && version == (FirmwareVersion{3, 255}) && returned == 7);
+  EXPECT_EQ(report, (std::vector<std::uint8_t>{0, 255}));
+  EXPECT_TRUE(profile.firmware_record && !profile.rgb_keyboard && profile.firmware_latency_ms == 10000);
+  const std::wstring key = L"SOFTWARE\\OEM\\ZarnLightingService";
+  EXPECT_EQ(profile.registry, (platform::RegistryValues{{key, {{L"HybridMode", {1, 0, 0xFF, 0xFF}}}},
+                                                        {key + L"\\Log", {{L"ZarnLightingService", {1, 0, 0, 0}}}}}));
+  EXPECT_EQ(profile.environment, (decltype(profile.environment){{L"PROGRAMDATA", L"C:\\Data"}}));
   ASSERT_EQ(profile.hid_keyboards.size(), 2U);
   EXPECT_EQ(profile.hid_keyboards[0].zones, 65535);
   const HidKeyboard::Settings& all = profile.hid_keyboards[1];
@@ -106,29 +99,23 @@ TEST_F(ProfileTest, EveryMistakeIsNamedWithItsLineAndRemedy) {
        "environment"},
       {title + "user = '../x'\n", "2: user must be " + user},
       {title + "user = '..\\x'\n", "2: user must be " + user},
-      {title + "user = \"\\u009b\"\n", "2: user must be " + user},
       {title + "\n[firmware]\n", "3: version is missing here: " + allowed},
-      {title + "[firmware]\nversion = 2.91\n", "3: version must be " + allowed},
       {title + "[firmware]\nversion = '2.256'\n", "3: version must be " + allowed},
       {title + "[firmware]\nversion = '2.91b'\n", "3: version must be " + allowed},
       {title + "\n[keyboard]\nzones = 4\n", "3: keyboard needs a firmware that drives it: [firmware]"},
       {firmware + "latency_ms = 10001\n", "4: latency_ms must be a whole number from 0 to 10000"},
       {keyboard + "zones = 2\n", "5: zones must be 0, 1, 3 or 4"},
-      {keyboard + "rgb = true\n", "4: zones is missing here: 0, 1, 3 or 4"},
-      {keyboard + "zones = 4\nrgb = 1\n", "6: rgb must be true or false"},
-      {hid, "2: zones is missing here: a whole number from 0 to 65535"},
       {hid + "zones = 1\nreport_length = 2\n", "4: report_length must be a whole number from 3 to 16384"},
       {hid + "zones = 1\nreport_length = 8\n", "2: report_length is too short, base_info and update need 12"},
       {hid + "zones = 1\nbase_info = [[0x31, 8], [0x35, 8]]\n",
        "4: base_info must be pairs of usage and bits, [[0x35, 16]], of 0x34, 0x32, 0x35, 0x33, 0x31 in this order"},
-      {title + "hid_keyboard = 1\n", "2: hid_keyboard must be at most 16 tables: [[hid_keyboard]]"},
       {title + keyboards, "2: hid_keyboard must be at most 16 tables: [[hid_keyboard]]"},
       {title + "[registry]\nKey = 1\n", "3: Key must be a table: [registry.'KEY\\KEY']"},
+      {title + "[environment]\na = '1'\nA = '2'\n", "3: a is there already"},
       {title + "[registry.'K']\nV = 4294967296\n", "3: V must be a whole number from 0 to 4294967295"},
   };
   for (const auto& [text, complaint] : cases) EXPECT_EQ(Complaint(File(text)), complaint) << text;
   // The parser's own words about the language are not ours to promise, only the place.
-  EXPECT_TRUE(Complaint(File(title + "user = 'x\n")).starts_with("2: "));
   EXPECT_TRUE(Complaint(File(title + "[log]\nenabled = tr\n")).starts_with("3: "));
   EXPECT_TRUE(Complaint(File("title = '\xFF'\n")).starts_with("1: "));
 }

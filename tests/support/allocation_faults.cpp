@@ -57,7 +57,7 @@ void ArmAllocationFaults(std::uint64_t n, bool and_after) {
 
 std::uint64_t DisarmAllocationFaults() {
   armed = false;
-  return failed;
+  return failed.exchange(0);
 }
 
 std::uint64_t BytesRequestedWhileArmed() { return bytes_requested; }
