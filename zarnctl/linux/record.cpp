@@ -141,9 +141,16 @@ class Recorder {
     if (!FindSMBiosType172(*data, record) || structure.size() < 6) return;
     const std::uint16_t zones = FirstItem(record, kItemKeyboardZones).value_or(0);
     const bool has_methods = machine_.FindFirmwareClass().has_value();
-    const auto value = static_cast<std::uint32_t>(FromLittleEndian(std::span(reply).subspan(info.length, width)));
-    if (usage == 0x35) info.zones = value & 0xFFFF;  // the fields that HidKeyboard knows by these usages
-    if (usage == 0x31) info.effects = value;
+    toml::table firmware{{"version", std::to_string(record.biosMajor) + "." + std::to_string(record.biosMinor)},
+                         {"record", Listed(structure)}};
+    if (!has_methods) firmware.insert("instance", "");
+    profile_.insert("firmware", std::move(firmware));
+    profile_.insert("keyboard", toml::table{{"zones", IsZoneCount(zones) ? zones : 0},
+                                            {"rgb", FirstItem(record, kItemRgbKeyboard) == kRgbKeyboardThere}});
+    const bool has_light_bar = FirstItem(record, kItemLightBar) == kLightBarThere;
+    toml::table light_bar{{"present", has_light_bar}};
+    if (has_light_bar && has_methods) RecordLightBar(light_bar);
+    profile_.insert("light_bar", std::move(light_bar));
   }
 
   /// What discovery asks the firmware when a light bar is announced.
