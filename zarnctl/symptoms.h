@@ -1,22 +1,10 @@
-/// Why there is something to light, or nothing: everything discovery depends on, asked one after the other.
+/// What hardware tells the doctor.
 #pragma once
 
 #include <string>
 #include <vector>
 
 namespace zarnctl {
-
-/// One question and its answer.
-struct Finding {
-  enum class Kind {
-    Fine,
-    Note,    // nothing is wrong, but it is good to know
-    Missing  // something cannot be lit for this reason
-  };
-  Kind kind = Kind::Fine;
-  std::string answer;
-  std::string remedy;  // empty when nothing is to be done
-};
 
 /// What can be done about what is missing, which depends on what is examined. Texts may be empty.
 struct Remedies {
@@ -40,13 +28,5 @@ struct Symptoms {
   std::vector<std::string> device_notes;       // HID devices that the platform does not show as they are, and why
   std::vector<std::string> devices_with_keys;  // paths of HID devices with lights out of which also comes what is typed
 };
-
-/// The switches, the log, the HID interfaces, the SMBIOS table and the firmware class, in this order; then what of it
-/// explains what was discovered. Asks the platform itself, and reads the attribute report of each lighting device that
-/// may be opened.
-std::vector<Finding> Examine(const Symptoms& symptoms, const Remedies& remedies);
-
-/// "missing  /dev/hidraw0: ...; plug it in again"
-std::string LineOf(const Finding& finding);
 
 }  // namespace zarnctl
