@@ -1,9 +1,8 @@
 /// Measures, writes and reads the primitives of the binary formats: little-endian numbers without padding, texts
 /// behind a 16-bit length, lists behind a 16-bit count.
 ///
-/// The archives understand the same calls, so one list of fields serves all of them and they cannot disagree. Number
-/// takes any integer field, Text a string, Count a vector (or, to write, a span). Entries takes what Count took and
-/// answered, and a function for one entry.
+/// The archives understand the same calls, so one list of fields serves all of them and they cannot disagree. Count and
+/// Entries take a vector or, to write, a span.
 #pragma once
 
 #include <algorithm>
@@ -19,9 +18,8 @@
 #include "base/little_endian.h"
 #include "controller/packed_buffer.h"
 
-/// The longest text that fits behind a 16-bit length together with its NUL.
+/// The longest text that fits behind a 16-bit length together with its NUL, and the longest list behind its count.
 inline constexpr std::size_t kLongestText = 65534;
-/// The longest list that fits behind a 16-bit count.
 inline constexpr std::size_t kLongestList = 65535;
 
 /// What of `text` travels: everything up to its first NUL, at most kLongestText bytes.

@@ -88,6 +88,7 @@ TEST_F(TsLogTest, FirstCallsFromManyThreadsCreateOneLogAndLinesStayWhole) {
     std::vector<TsLog*> seen(4);
     {
       std::vector<std::jthread> threads;
+      threads.reserve(seen.size());
       for (TsLog*& log : seen) {
         threads.emplace_back([&log] {
           log = TsLog::GetInstance();
