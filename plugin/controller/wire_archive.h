@@ -121,7 +121,7 @@ class ReadArchive {
   /// Appends the entries, unless the buffer is plainly too small for as many.
   template <typename Entry, typename EntryFields>
   void Entries(std::vector<Entry>& list, std::size_t count, EntryFields entry_fields) {
-    const Entry smallest{};  // its texts are empty, and their length may even deny the NUL
+    const Entry smallest{};  // its texts are empty, and may claim a length of 0, without their NUL
     MeasureArchive measure;
     entry_fields(measure, smallest);
     if (!Fits(count * (measure.size() - 1))) return;
