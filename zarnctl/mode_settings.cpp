@@ -9,16 +9,6 @@
 namespace zarnctl {
 namespace {
 
-struct DirectionPair {
-  std::uint32_t capability;
-  std::uint32_t first;
-};
-constexpr std::array kDirectionPairs{DirectionPair{ModeCapability::DirectionSetA, 0},
-                                     DirectionPair{ModeCapability::DirectionSetB, 2},
-                                     DirectionPair{ModeCapability::DirectionSetC, 4}};
-
-Complaint Wrong(const std::string& line) { return {ExitCode::WrongCommandLine, line}; }
-
 bool Has(const ModeRecord& mode, std::uint32_t capability) { return (mode.capabilities & capability) != 0; }
 
 struct Setting {
@@ -95,10 +85,10 @@ ModeRecord WithSettings(ModeRecord mode, const TypedValues& typed) {
 
 std::vector<std::uint32_t> DirectionsOf(const ModeRecord& mode) {
   std::vector<std::uint32_t> directions;
-  for (const DirectionPair& pair : kDirectionPairs) {
-    if (!Has(mode, pair.capability)) continue;
-    directions.push_back(pair.first);
-    directions.push_back(pair.first + 1);
+  std::uint32_t first = 0;  // of two directions in each set
+  for (const auto set : {ModeCapability::DirectionSetA, ModeCapability::DirectionSetB, ModeCapability::DirectionSetC}) {
+    if (Has(mode, set)) directions.insert(directions.end(), {first, first + 1});
+    first += 2;
   }
   return directions;
 }

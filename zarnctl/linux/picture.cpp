@@ -7,7 +7,6 @@
 #include "zarnctl/commands.h"
 #include "zarnctl/description.h"
 #include "zarnctl/drawing.h"
-#include "zarnctl/linux/commands.h"
 #include "zarnctl/linux/new_file.h"
 #include "zarnctl/lit_keys.h"
 #include "zarnctl/session.h"
@@ -24,7 +23,7 @@ constexpr int kMargin = 24;
 constexpr int kTextHeight = 34;
 constexpr int kPictureWidth = kKeyColumns * kColumn + 2 * kMargin;
 
-/// The moment of an effect that is drawn: by then no two effects look alike.
+/// The moment of an effect that is drawn, in seconds. Any two effects look different by then.
 constexpr double kMoment = 1.5;
 
 std::string Escaped(std::string_view text) {
@@ -62,17 +61,17 @@ std::string Svg(const std::vector<Panel>& panels, const std::vector<ModeRecord>&
          body + "</svg>\n";
 }
 
-/// What `set` or `leds` would do with what was typed, if anything of theirs was.
+/// Does what `set` or `leds` would, when a mode or colours were typed.
 ExitCode ChangeLights(Session& session, const TypedValues& typed) {
-  const auto settings = ModeOptions(false);
+  const auto settings = WithModeOptions({}, false);
   const bool mode =
       std::ranges::any_of(settings, [&](const auto& option) { return typed.Find(option.name) != nullptr; });
   const bool colors = typed.Find("COLOR") != nullptr;
   if (mode && colors) {
-    throw Complaint(ExitCode::WrongCommandLine, "picture: give a mode or colours for the LEDs, not both");
+    throw Wrong("picture: give a mode or colours for the LEDs, not both");
   }
   if (mode && (typed.Find("DEVICE") == nullptr || typed.Find("--mode") == nullptr)) {
-    throw Complaint(ExitCode::WrongCommandLine, "picture: settings need a DEVICE and its --mode");
+    throw Wrong("picture: settings need a DEVICE and its --mode");
   }
   return mode ? RunSet(session, typed) : colors ? RunLeds(session, typed) : ExitCode::Done;
 }
