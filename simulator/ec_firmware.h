@@ -1,7 +1,7 @@
 /// The embedded controller's lighting firmware: methods in, lights out.
 ///
-/// Knows bytes and nothing else. It checks what it is sent (lengths, fixed bytes, zone bits) and refuses what a real
-/// one could not have been meant to get, saying why. Threads: any, several at once.
+/// Knows bytes and nothing else. It checks what it is sent (lengths, fixed bytes, zone bits) and refuses what no
+/// firmware takes, with the reason. Threads: any, several at once.
 #pragma once
 
 #include <compare>
@@ -41,7 +41,7 @@ struct Effect {
   friend bool operator==(const Effect&, const Effect&) = default;
 };
 
-/// What the keyboard shows. Speed and brightness stand as they were sent, also beyond what hardware can do.
+/// What the keyboard shows. Speed and brightness stay as sent, even beyond what hardware can do.
 struct KeyboardLights {
   struct Zone {
     /// The zone's switch; the colour is kept while it is off.
@@ -80,7 +80,7 @@ class EcFirmware {
   /// A method's input: bytes, or a number as decimal text.
   using Input = std::variant<std::vector<std::uint8_t>, std::wstring>;
   struct Answer {
-    /// Why the firmware refused; empty when it did not. Nothing changed when it did.
+    /// Why the firmware refused and changed nothing. Empty when it did not refuse.
     std::string refusal = {};
     /// gmOutput: a number for the three setters, bytes for GetGamingLED.
     std::variant<std::uint32_t, std::vector<std::uint8_t>> output = std::uint32_t{0};
@@ -106,13 +106,11 @@ class EcFirmware {
 
   /// SetGamingLED: byte 0 is 8, byte 5 holds one switch bit per zone.
   Answer SwitchZones(const Input& input);
-  /// GetGamingLED: where the version in use puts it, a light bar that is there shows as bytes of 1. Or what the
-  /// settings say.
+  /// GetGamingLED: a light bar shows as bytes of 1, where this firmware version has them. Or the settings' report.
   Answer ReportLights(const Input& input);
   /// SetGamingKBBacklight: effect, speed, brightness, 0, direction, red, green, blue, 3, target (1 the keyboard, 3 the
-  /// light bar too), six times 0. Effect 0 with nothing but a brightness gives the zones back their own colours; with
-  /// anything more it is a static light on the whole device, which lights every zone in its colour. A light bar shows
-  /// what it is sent, the static light included.
+  /// light bar too), six times 0. Effect 0 with a brightness alone shows the zones' own colours again. With a speed,
+  /// direction or colour it lights every zone in its colour. The light bar shows every effect, 0 as well.
   Answer SetEffect(const Input& input);
   /// SetGamingRgbKb: bits 0 to 7 one zone bit, then red, green and blue.
   Answer ColorZone(const Input& input);

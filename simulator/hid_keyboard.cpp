@@ -42,7 +42,7 @@ void Append(Bytes& descriptor, std::span<const std::uint8_t> bytes) {
   descriptor.insert(descriptor.end(), bytes.begin(), bytes.end());
 }
 
-/// An item of a report descriptor with two bytes of data, or with one where that is enough and `least`.
+/// A descriptor's item with `least` bytes of data, or with two where the value needs them.
 void AppendItem(Bytes& descriptor, std::uint8_t kind, std::uint32_t value, std::size_t least = 1) {
   const std::size_t size = value <= 0xFF ? least : 2;
   descriptor.push_back(Low(kind | size));
@@ -89,13 +89,13 @@ Bytes DescriptorOf(const HidKeyboard::Settings& settings) {
   return descriptor;
 }
 
-/// The values of an update that it declares, by usage.
+/// The values of an update, by usage.
 std::map<std::uint16_t, std::uint32_t> Unpacked(std::span<const std::uint8_t> data,
                                                 std::span<const HidKeyboard::Field> fields) {
   std::map<std::uint16_t, std::uint32_t> values;
   for (const HidKeyboard::Field& field : fields) {
     const std::size_t width = field.bits / 8;
-    if (width > 4 || width > data.size()) break;  // where the rest is cannot be told
+    if (width > 4 || width > data.size()) break;  // nobody knows where the rest stands
     values[field.usage] = platform::FromLittleEndian(data.first(width));
     data = data.subspan(width);
   }

@@ -1,8 +1,8 @@
 /// A keyboard with a USB lighting controller of its own: feature reports in and out, lights.
 ///
-/// Knows bytes and nothing else. Its report descriptor says which fields its reports have and how wide they are, and
-/// it packs them so: back to back, a field of n bits in n / 8 bytes, the lowest byte first. Refuses what it could not
-/// have been meant to get, saying why. Threads: any, several at once.
+/// Knows bytes and nothing else. It packs the fields that its report descriptor declares back to back: a field of n
+/// bits in n / 8 bytes, the lowest byte first. It refuses what no keyboard takes, with the reason. Threads: any,
+/// several at once.
 #pragma once
 
 #include <array>
@@ -19,7 +19,7 @@
 
 namespace simulator {
 
-/// What the keyboard shows. All values stand as they were sent.
+/// What the keyboard shows, in the values that were sent.
 struct HidLights {
   struct Zone {
     std::uint8_t mode = 0;  // the keyboard's own code; 2 is a static colour, 0 is dark
@@ -55,9 +55,9 @@ class HidKeyboard {
     /// Whether it answers the attribute report.
     bool answers = true;
     std::vector<std::uint8_t> device_ids = {0x21};
-    /// How many device ids it claims to have; without a lie, as many as it has.
+    /// How many device ids it claims to have, if that is a lie.
     std::optional<std::uint8_t> claimed_ids = {};
-    /// The device id that its base information is for; without a lie, the one asked for.
+    /// The device id in its base information, if that is not the one asked for.
     std::optional<std::uint8_t> reply_id = {};
     std::uint16_t zones = 0;
     std::uint32_t effects = 0;  // bit n for the effect with code n + 1
@@ -68,8 +68,8 @@ class HidKeyboard {
     std::vector<Field> base_info = {{0x34, 8}, {0x32, 8}, {0x35, 16}, {0x33, 16}, {0x31, 32}};
     std::vector<Field> update = {{0x41, 8}, {0x43, 8}, {0x42, 8}, {0x44, 8},
                                  {0x45, 8}, {0x46, 8}, {0x47, 8}, {0x48, 16}};
-    /// What a real keyboard was seen to have and to answer, whole reports with their ids; each takes the place of what
-    /// is made from the settings above, where it is not empty.
+    /// Recorded from a real keyboard, reports with their ids. Each that is not empty replaces what the settings above
+    /// would make.
     std::vector<std::uint8_t> descriptor = {};
     std::vector<std::uint8_t> attribute_reply = {};
     std::vector<std::uint8_t> base_info_reply = {};
@@ -85,13 +85,13 @@ class HidKeyboard {
     std::vector<std::uint8_t> report = {};  // what was read
   };
 
-  /// What goes wrong from some exchange on.
+  /// What goes wrong with exchanges.
   struct Misbehaviour {
     enum class Kind {
       Fail,   // the exchange is refused
-      Stall,  // it takes `stall_ms` and ends without an answer, sooner by an unplug or by other behaviour
+      Stall,  // it ends without an answer after `stall_ms`, or at an unplug or a call of Misbehave
       Late,   // it is carried out after `stall_ms`
-      Short   // of a report that is read only the first two bytes come
+      Short   // a report that is read has its first two bytes alone
     };
     Kind kind = Kind::Fail;
     /// The first exchange that goes wrong, counted from 1; 0: none.
@@ -115,15 +115,15 @@ class HidKeyboard {
   /// It comes back with its lights as they were.
   void Plug();
   void Unplug();
-  /// Takes the place of any misbehaviour before, and starts counting anew.
+  /// Replaces the misbehaviour before, and counts exchanges anew.
   void Misbehave(const Misbehaviour& misbehaviour);
 
  private:
-  /// Counts an exchange and answers it where the keyboard will not: unplugged, failing, or, after a wait, stalling.
+  /// Counts an exchange. Answers it when the keyboard is unplugged, fails, or has stalled.
   std::optional<Answer> BeginExchange(std::uint64_t connection, std::unique_lock<std::mutex>& lock);
-  /// Whether the exchange that was counted last is one that misbehaves.
+  /// Whether the last counted exchange goes wrong.
   bool Misbehaves() const;
-  /// Takes an update's data behind the device id.
+  /// Applies an update. `data` begins behind the device id.
   Answer Update(std::span<const std::uint8_t> data);
   std::vector<std::uint8_t> Attributes() const;
   std::vector<std::uint8_t> BaseInfo() const;
@@ -138,7 +138,7 @@ class HidKeyboard {
   std::uint64_t connection_ = 1;
   Misbehaviour misbehaviour_{.first = 0};
   std::uint64_t behaviour_ = 0;  // counts calls of Misbehave
-  std::uint32_t exchanges_ = 0;  // since then
+  std::uint32_t exchanges_ = 0;  // since the last one
   std::uint8_t asked_id_ = 0;
   HidLights lights_;
 };

@@ -42,7 +42,7 @@ HidKeyboard::Answer Notebook::GetFeature(std::size_t keyboard, std::uint64_t con
                 [&] { return hid_keyboards_.at(keyboard)->GetFeature(connection, report_id); });
 }
 
-/// A keyboard may take its time, and others must not wait for it: the record's place is kept until then.
+/// Makes the record first, then runs the exchange without the lock: a slow keyboard must not hold up the others.
 template <typename Exchange>
 HidKeyboard::Answer Notebook::Record(WireRecord record, const Exchange& exchange) {
   std::uint64_t place = 0;

@@ -1,6 +1,4 @@
-/// A notebook that is not there: what a profile describes, as one object that answers like the hardware.
-///
-/// Threads: any, several at once.
+/// A simulated notebook, made from a profile, which answers like the hardware. Threads: any, several at once.
 #pragma once
 
 #include <cstddef>
@@ -20,11 +18,11 @@ namespace simulator {
 
 /// One exchange that crossed a wire: a call to the firmware, or a feature report to or from a HID keyboard.
 struct WireRecord {
-  /// The firmware's name, or "SetFeature" or "GetFeature".
+  /// The firmware's method, or "SetFeature" or "GetFeature".
   std::string method;
   /// Which HID keyboard, counted from 0; none for the firmware.
   std::optional<std::size_t> hid_keyboard;
-  /// What was sent: of a report that is read its id alone.
+  /// What was sent. For a report that is read: its id.
   EcFirmware::Input input;
   /// Why it failed; empty when it did not.
   std::string refusal;
@@ -36,12 +34,11 @@ class Notebook {
 
   const Profile& profile() const { return profile_; }
 
-  /// Calls the firmware, after its latency, and keeps a record of it. The records stand in the order in which the
-  /// firmware ran the calls.
+  /// Calls the firmware after its latency. Records have the order in which the firmware ran the calls.
   EcFirmware::Answer CallFirmware(const std::string& method, const EcFirmware::Input& input);
 
-  /// Exchanges with a HID keyboard, and keeps a record of it. The records stand in the order in which the
-  /// exchanges began; a failure shows in its record once it has ended, unless the record was taken before.
+  /// Exchanges a report with a HID keyboard. Records have the order in which exchanges began. A failure enters its
+  /// record when the exchange ends, unless the record has been taken by then.
   HidKeyboard::Answer SetFeature(std::size_t keyboard, std::uint64_t connection, std::span<const std::uint8_t> report);
   HidKeyboard::Answer GetFeature(std::size_t keyboard, std::uint64_t connection, std::uint8_t report_id);
 
@@ -49,7 +46,6 @@ class Notebook {
   std::optional<LightBarLights> LightBar() const { return firmware_.LightBar(); }
 
   std::size_t HidKeyboardCount() const { return hid_keyboards_.size(); }
-  /// To look at its lights, plug and unplug it, and let it misbehave.
   HidKeyboard& HidKeyboardAt(std::size_t index) { return *hid_keyboards_.at(index); }
 
   /// The SMBIOS structure table: a structure with strings, the OEM structure of type 172 and the end-of-table

@@ -32,12 +32,12 @@ constexpr wchar_t kLogSwitch[] = L"ZarnLightingService";
   throw TomlError(where, line);
 }
 
-/// One key of a table: what may stand there, and how it gets into the target, a part of the profile.
+/// One key of a table. `Target` is the part of the profile that takes its value.
 template <typename Target>
 struct Field {
   std::string_view key;
   std::string_view allowed;
-  /// Whether the value is one of those allowed.
+  /// Stores the value. False when it is not one of those allowed.
   bool (*read)(const toml::node& node, Target& target);
   bool required = false;
 };
@@ -121,7 +121,7 @@ std::optional<FirmwareVersion> Version(const toml::node& node) {
   return version;
 }
 
-// Readers of fields. A path leads from the target to the member that takes the value.
+// Readers of fields. kPath has the pointers to members that lead from the target to the value's place.
 
 template <auto... kPath>
 bool ReadSwitch(const toml::node& node, auto& target) {
@@ -139,7 +139,6 @@ bool ReadBytes(const toml::node& node, auto& target) {
   return Assign(ByteList(node, kMost), (target.*....*kPath));
 }
 
-/// Declared fields of a report, whose usages must be in the order in which the reports have them.
 template <const auto& kUsages, auto kMember>
 bool ReadDeclared(const toml::node& node, HidKeyboard::Settings& keyboard) {
   return Assign(DeclaredFields(node, kUsages), keyboard.*kMember);
@@ -180,7 +179,7 @@ bool ReadLogSwitch(const toml::node& node, Profile& profile) {
 bool ReadRegistryTables(const toml::node& node, Profile& profile) {
   if (!node.is_table()) return false;
   platform::RegistryValues values = platform::ReadRegistry(*node.as_table());
-  // A value that stands here as well as in [log] counts as it stands here.
+  // What [registry] sets wins over [log], wherever the two stand in the file.
   for (auto& [key, switches] : profile.registry) values[key].merge(switches);
   profile.registry = std::move(values);
   return true;
@@ -305,7 +304,7 @@ Profile ReadProfile(const toml::table& root) {
   profile.firmware_record = root.contains("firmware");
   if (profile.firmware_record) profile.firmware_instance = kDefaultInstance;
   for (const char* const section : {"keyboard", "light_bar"}) {
-    // Lights hang on the firmware: without one they would silently not be there.
+    // Without firmware these lights would silently be missing.
     if (profile.firmware_record || !root.contains(section)) continue;
     Fail(root.get(section)->source(), {section, " needs a firmware that drives it: [firmware]"});
   }

@@ -23,15 +23,15 @@ struct Profile {
   bool rgb_keyboard = true;
   /// Whether the SMBIOS table tells about the EC's lights.
   bool firmware_record = true;
-  /// The structure that tells it, as a real table had it; empty: made from what is here.
+  /// That table's structure about the lights, as recorded. Empty: it is made from the settings here.
   std::vector<std::uint8_t> firmware_structure;
   /// How long one firmware call takes.
   std::uint32_t firmware_latency_ms = 0;
   platform::RegistryValues registry;
   std::map<std::wstring, std::wstring, platform::WithoutCase> environment;
-  /// Empty: who runs the process cannot be told.
+  /// Empty: the platform cannot tell the user's name.
   std::wstring user_name;
-  /// The name under which the firmware publishes itself; empty: there is no firmware class at all.
+  /// The name of the firmware's instance. Empty: there is no firmware class.
   std::wstring firmware_instance;
 };
 
@@ -40,9 +40,9 @@ class ProfileError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Reads a profile; throws ProfileError.
+/// Throws ProfileError.
 Profile LoadProfile(const std::filesystem::path& file);
-/// The same for a profile's text, which `name` stands for in what is wrong with it.
+/// The same for a profile's text. Errors call it `name`.
 Profile ParseProfile(const std::string& text, const std::string& name);
 
 }  // namespace simulator

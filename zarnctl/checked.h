@@ -1,4 +1,4 @@
-/// What the host library answers, or a Complaint in the place of its error.
+/// Turns the host library's errors into Complaints.
 #pragma once
 
 #include <string>

@@ -15,14 +15,14 @@ class Session;
 /// A word that a command takes, "DEVICE", or an option, "--speed".
 struct Parameter {
   std::string name;
-  std::string value = {};  // what an option's value is called, "N"; empty for a flag, which has none
+  std::string value = {};  // the name of an option's value, "N"; empty for a flag
   std::string summary = {};
   bool required = false;
   bool repeated = false;      // takes one word or more
-  std::string variable = {};  // of the environment, read when the option is not given
+  std::string variable = {};  // the environment variable that is read when the option is not given
 };
 
-/// The words typed for each parameter, in UTF-8. Commands check what they mean.
+/// The words typed for each parameter, in UTF-8, as yet unchecked.
 class TypedValues {
  public:
   void Add(const std::string& parameter, std::vector<std::string> words) { values_[parameter] = std::move(words); }

@@ -32,7 +32,7 @@ class CommandLine {
     app_.fallthrough();
     app_.require_subcommand(1);
     AddTo(app_, GeneralOptions());
-    // After the application's own settings, which commands take over when they are added.
+    // Last: a command copies the settings that the application has when the command is added.
     for (const Command& command : commands_) {
       CLI::App* const parser = app_.add_subcommand(command.name, command.summary);
       AddTo(*parser, command.parameters);
@@ -40,10 +40,10 @@ class CommandLine {
     }
   }
 
-  /// Nothing when --help or --version was all that was asked for, and has been answered. Throws Complaint.
+  /// Nothing after --help or --version, which it answers itself. Throws Complaint.
   std::optional<Typed> Read(std::vector<std::string> words) {
     try {
-      std::ranges::reverse(words);  // it takes them from the end
+      std::ranges::reverse(words);  // the parser begins at the end
       app_.parse(std::move(words));
     } catch (const CLI::Success& help_or_version) {
       app_.exit(help_or_version);
@@ -65,8 +65,6 @@ class CommandLine {
   }
 
  private:
-  static Complaint Wrong(const std::string& line) { return {ExitCode::WrongCommandLine, line}; }
-
   static std::string Footer() {
     std::string text = "Exit codes:";
     for (std::size_t i = 0; i < kExitCodes.size(); ++i) {
@@ -84,12 +82,10 @@ class CommandLine {
 
   void AddTo(CLI::App& parser, const std::vector<Parameter>& parameters) {
     for (const Parameter& parameter : parameters) {
-      const bool word = !parameter.name.starts_with('-');
-      CLI::Option* const option =
-          word || !parameter.value.empty() ? parser.add_option(parameter.name) : parser.add_flag(parameter.name);
+      const bool flag = parameter.name.starts_with('-') && parameter.value.empty();
+      CLI::Option* const option = flag ? parser.add_flag(parameter.name) : parser.add_option(parameter.name);
       option->description(parameter.summary)->required(parameter.required);
-      if (!word && !parameter.value.empty()) option->type_name(parameter.value);
-      if (word) option->type_name("");
+      if (!flag) option->type_name(parameter.value);
       if (parameter.repeated) option->expected(1, CLI::detail::expected_max_vector_size)->allow_extra_args();
       if (!parameter.variable.empty()) option->envname(parameter.variable);
       options_.emplace_back(parameter.name, option);
@@ -102,7 +98,7 @@ class CommandLine {
     return line + kSeeHelp;
   }
 
-  /// An option without its value, or given twice: the library's words for it speak of numbers of arguments.
+  /// An option without its value, or given twice. The library's own line speaks of numbers of arguments.
   static std::string Mismatch(const CLI::ArgumentMismatch& error) {
     const std::string words = error.what();
     const bool missing = words.find("missing") != std::string::npos;
@@ -123,7 +119,7 @@ class CommandLine {
   std::vector<std::pair<std::string, CLI::Option*>> options_;
 };
 
-/// What was refused or not answered on the way makes a command fail even if nothing else does.
+/// A command also fails when something was refused while a device was made.
 ExitCode RunCommand(const Typed& typed) {
   const std::unique_ptr<Hardware> hardware = OpenHardware(typed.values);
   Complain(hardware->Settings().complaints);

@@ -5,14 +5,6 @@
 #include "zarnctl/this_system.h"
 
 namespace zarnctl {
-namespace {
-
-std::vector<Parameter> DeviceAnd(std::vector<Parameter> others) {
-  others.insert(others.begin(), DeviceWord(true));
-  return others;
-}
-
-}  // namespace
 
 Parameter DeviceWord(bool required) {
   return {.name = "DEVICE",
@@ -20,12 +12,15 @@ Parameter DeviceWord(bool required) {
           .required = required};
 }
 
-std::vector<Parameter> ModeOptions(bool mode_required) {
-  return {{.name = "--mode", .value = "NAME", .summary = "name of the mode, in any case", .required = mode_required},
-          {.name = "--speed", .value = "N", .summary = "speed of the effect"},
-          {.name = "--brightness", .value = "N", .summary = "brightness"},
-          {.name = "--direction", .value = "N", .summary = "direction of the effect"},
-          {.name = "--color", .value = "RRGGBB", .summary = "colour of the mode"}};
+std::vector<Parameter> WithModeOptions(std::vector<Parameter> words, bool mode_required) {
+  words.insert(
+      words.end(),
+      {{.name = "--mode", .value = "NAME", .summary = "name of the mode, in any case", .required = mode_required},
+       {.name = "--speed", .value = "N", .summary = "speed of the effect"},
+       {.name = "--brightness", .value = "N", .summary = "brightness"},
+       {.name = "--direction", .value = "N", .summary = "direction of the effect"},
+       {.name = "--color", .value = "RRGGBB", .summary = "colour of the mode"}});
+  return words;
 }
 
 Parameter LedColors(bool required) {
@@ -44,7 +39,7 @@ std::vector<Command> Commands() {
        .run = RunShow},
       {.name = "set",
        .summary = "choose a mode and its settings; those that are not given stay as they are, but a colour is black",
-       .parameters = DeviceAnd(ModeOptions(true)),
+       .parameters = WithModeOptions({DeviceWord(true)}, true),
        .examples = {"set ZarnECKeyboard --mode breathing --speed 7 --color ff0000"},
        .run = RunSet},
       {.name = "leds",

@@ -1,4 +1,4 @@
-/// The table of commands. Each command is one file in commands/, or in the folder of the one system that has it.
+/// The table of commands. A command's file is in commands/, or in linux/ when it needs our own platform layer.
 #pragma once
 
 #include <vector>
@@ -14,15 +14,17 @@ std::vector<Parameter> GeneralOptions();
 
 // What several commands take.
 Parameter DeviceWord(bool required);
-std::vector<Parameter> ModeOptions(bool mode_required);
+std::vector<Parameter> WithModeOptions(std::vector<Parameter> words, bool mode_required);
 Parameter LedColors(bool required);
 
-// They say on stdout what came of them. They throw Complaint.
+// Results go to stdout. They throw Complaint.
 ExitCode RunConfig(Session& session, const TypedValues& typed);
 ExitCode RunDemo(Session& session, const TypedValues& typed);
 ExitCode RunDevices(Session& session, const TypedValues& typed);
 ExitCode RunDoctor(Session& session, const TypedValues& typed);
 ExitCode RunLeds(Session& session, const TypedValues& typed);
+ExitCode RunPicture(Session& session, const TypedValues& typed);  // in linux/ alone
+ExitCode RunRecord(Session& session, const TypedValues& typed);   // in linux/ alone
 ExitCode RunSet(Session& session, const TypedValues& typed);
 ExitCode RunShow(Session& session, const TypedValues& typed);
 

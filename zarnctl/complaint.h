@@ -9,16 +9,15 @@
 
 namespace zarnctl {
 
-/// The process's exit codes.
 enum class ExitCode { Done, Failed, WrongCommandLine, NothingThere, Refused };
 
-/// What each of them means, in their order, for --help and the manual page.
+/// What each exit code means, for --help and the manual page.
 inline constexpr std::array<std::string_view, 5> kExitCodes{
     "done", "the profile, a settings file, the plug-in or the output failed", "wrong command line; nothing was sent",
     "no such device, or nothing to light",
     "the firmware or a keyboard refused or did not answer, nothing was sent, or a record lacks something"};
 
-/// Thrown by everything that cannot go on; what() is the line without "zarnctl: ".
+/// Ends a command. what() is the line without "zarnctl: ".
 class Complaint : public std::runtime_error {
  public:
   Complaint(ExitCode code, const std::string& line) : std::runtime_error(line), code_(code) {}
@@ -29,10 +28,12 @@ class Complaint : public std::runtime_error {
   ExitCode code_;
 };
 
-/// Writes "zarnctl: <line>" to stderr, with what the line quotes made harmless.
+inline Complaint Wrong(const std::string& line) { return {ExitCode::WrongCommandLine, line}; }
+
+/// Writes "zarnctl: <line>" to stderr, made harmless: it may quote a file or a device.
 void Complain(const std::string& line);
 
-/// The same for each line; whether there were any.
+/// The same for each line. Whether there were any.
 bool Complain(const std::vector<std::string>& lines);
 
 }  // namespace zarnctl

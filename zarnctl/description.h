@@ -1,4 +1,4 @@
-/// A device's description, and the same in lines for people. Any thread.
+/// A device's description, and lines for people made from it. Any thread.
 #pragma once
 
 #include <string>
@@ -8,13 +8,13 @@
 
 namespace zarnctl {
 
-/// What the device says of itself now, with an active mode and with ranges that are the right way up. Throws Complaint.
+/// The description as of now. Throws Complaint when it has no active mode, or a range whose lowest exceeds its highest.
 ControllerRecords Describe(const zarn::host::Device& device);
 
 /// One line, without its end: "ZarnECKeyboard: Zarn EC Keyboard Device, 1 zone, 4 LEDs, 9 modes".
 std::string Summary(const std::string& name, const ControllerRecords& records);
 
-/// Everything, a line for each thing.
+/// Everything, in lines.
 std::string Details(const std::string& name, const ControllerRecords& records);
 
 }  // namespace zarnctl

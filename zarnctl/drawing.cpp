@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -16,23 +15,14 @@ namespace {
 using simulator::Color;
 using simulator::Effect;
 
-std::string DrawnKey(const LitKey& key) {
-  const auto [red, green, blue] = ShownColor(key.light);
-  std::array<char, 32> color{};
-  std::snprintf(color.data(), color.size(), "\033[38;2;%d;%d;%dm", red, green, blue);
-  std::string text = color.data();
-  for (int i = 0; i < key.width; ++i) text += "▇";
-  return text;
-}
-
 std::string LabelOf(std::uint8_t code, const std::vector<ModeRecord>& modes) {
-  const auto mode = std::find_if(modes.begin(), modes.end(), [&](const ModeRecord& m) { return m.hw_code == code; });
+  const auto mode = std::ranges::find(modes, code, &ModeRecord::hw_code);
   return mode != modes.end() ? mode->label : "effect " + std::to_string(code);
 }
 
-/// An effect whose mode has no colour of its own is sent with black, which says nothing.
+/// False for an effect whose mode has no colour: it is sent with a meaningless black.
 bool ShowsOwnColor(std::uint8_t code, const std::vector<ModeRecord>& modes) {
-  return std::none_of(modes.begin(), modes.end(), [&](const ModeRecord& mode) {
+  return std::ranges::none_of(modes, [code](const ModeRecord& mode) {
     return mode.hw_code == code && mode.color_source != ColorSource::ModeColors;
   });
 }
@@ -53,14 +43,14 @@ std::string ZoneText(const Panel::Zone& zone, const std::vector<ModeRecord>& mod
   return zone.on ? TextOf(zone.color) : "off";
 }
 
-/// Whether its zones differ in their colours at most.
+/// Whether all zones have the same brightness and effect.
 bool IsUniform(const Panel& panel) {
-  return std::all_of(panel.zones.begin(), panel.zones.end(), [&](const Panel::Zone& zone) {
+  return std::ranges::all_of(panel.zones, [&](const Panel::Zone& zone) {
     return zone.brightness == panel.zones.front().brightness && zone.effect == panel.zones.front().effect;
   });
 }
 
-/// Neighbours that are alike share a line only where there are more zones than these.
+/// With more zones than these, equal neighbours share a line.
 constexpr std::size_t kZonesOneByOne = 4;
 
 std::string ZoneLines(const Panel& panel, const std::vector<ModeRecord>& modes) {
@@ -109,8 +99,11 @@ std::string DrawnLights(const std::vector<Panel>& panels, const std::vector<Mode
 std::string DrawnPanel(const Panel& panel, double seconds) {
   std::string text;
   for (const LitKey& key : LitKeys(panel, seconds)) {
-    const bool first = key.left == 0;
-    text += (!first ? " " : text.empty() ? "" : "\033[0m\n") + DrawnKey(key);
+    const auto [red, green, blue] = ShownColor(key.light);
+    std::array<char, 32> color{};
+    std::snprintf(color.data(), color.size(), "\033[38;2;%d;%d;%dm", red, green, blue);
+    text.append(key.left > 0 ? " " : text.empty() ? "" : "\033[0m\n").append(color.data());
+    for (int i = 0; i < key.width; ++i) text += "▇";
   }
   return text + "\033[0m\n";
 }

@@ -14,7 +14,7 @@ namespace {
 using simulator::Color;
 using simulator::Effect;
 
-/// A place on the keyboard, from 0 to 1 each way, and a number of its own.
+/// A key's place on the keyboard, from 0 to 1 each way, and its number.
 struct Place {
   double x;
   double y;
@@ -40,7 +40,7 @@ Light Rainbow(double hue) {
   return {channel(0.0), channel(1.0 / 3), channel(2.0 / 3)};
 }
 
-/// A number from 0 to 1 that looks like chance and is the same for the same seeds.
+/// A number from 0 to 1 that looks random. The same seeds give the same number.
 double Chance(std::uint32_t a, std::uint32_t b) {
   std::uint32_t hash = a * 0x9E3779B1U ^ b * 0x85EBCA77U;
   hash = (hash ^ hash >> 15) * 0x2C1B3C6DU;
@@ -48,7 +48,7 @@ double Chance(std::uint32_t a, std::uint32_t b) {
   return (hash ^ hash >> 15) / 4294967295.0;
 }
 
-/// How far the effect has come when it reaches the place, from 0 to 1.
+/// How far the effect has to run to reach the place, from 0 to 1.
 double Travelled(const Effect& effect, const Place& place) {
   switch (effect.direction) {
     case 2:
@@ -66,7 +66,7 @@ double Travelled(const Effect& effect, const Place& place) {
   }
 }
 
-// The animations, by effect code. A cycle is one breath, one turn of the colours, one run across the keyboard.
+// The animations. A cycle is one breath, one turn of the colours, or one run across the keyboard.
 
 Light Static(const Effect& effect, const Place& /*place*/, double /*cycles*/) { return LightOf(effect.color); }
 
@@ -125,7 +125,7 @@ Light Combo(const Effect& effect, const Place& place, double cycles) {
                      : Disco(effect, place, cycles);
 }
 
-/// Sets its own pace: the mode has neither speed nor brightness.
+/// A mode without speed and brightness, so we give it a speed.
 constexpr std::uint8_t kOpMode = 34;
 constexpr std::uint8_t kOpModeSpeed = 4;
 
@@ -133,26 +133,22 @@ using Animation = Light (*)(const Effect&, const Place&, double cycles);
 constexpr std::array<Animation, 12> kAnimations{Static, Breathing, Neon,   Wave,  Shifting, Zoom,
                                                 Meteor, Twinkling, Ripple, Snake, Disco,    Combo};
 
-/// How many cycles a second each step of speed brings.
+/// Cycles per second for each step of speed.
 constexpr double kCyclesPerSpeed = 0.15;
-
-Light Animated(const Effect& effect, const Place& place, double seconds) {
-  const Animation animation = effect.code < kAnimations.size() ? kAnimations.at(effect.code) : Static;
-  return animation(effect, place, seconds * kCyclesPerSpeed * effect.speed);
-}
 
 Light Shining(const Panel& panel, const Place& place, double seconds) {
   if (panel.zones.empty()) return kDark;
   const Panel::Zone& zone = panel.zones[static_cast<std::size_t>(place.x * static_cast<double>(panel.zones.size()))];
-  if (zone.effect && zone.effect->code == kOpMode) {
-    return Breathing(*zone.effect, place, seconds * kCyclesPerSpeed * kOpModeSpeed);
-  }
   const double brightness = std::min(1.0, zone.brightness / 100.0);
-  if (zone.effect) return Animated(*zone.effect, place, seconds) * brightness;
-  return zone.on ? LightOf(zone.color) * brightness : kDark;
+  if (!zone.effect) return zone.on ? LightOf(zone.color) * brightness : kDark;
+  const Effect& effect = *zone.effect;
+  const double cycles = seconds * kCyclesPerSpeed;
+  if (effect.code == kOpMode) return Breathing(effect, place, cycles * kOpModeSpeed);
+  const Animation animation = effect.code < kAnimations.size() ? kAnimations.at(effect.code) : Static;
+  return animation(effect, place, cycles * effect.speed) * brightness;
 }
 
-/// The widths of the keys, row by row; with a blank between keys every row is as wide as the keyboard.
+/// The widths of the keys, row by row. With a blank between two keys each row is kKeyColumns wide.
 using Row = std::array<int, 15>;
 constexpr std::array<Row, 5> kKeyboardRows{{{3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3},
                                             {5, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 5},

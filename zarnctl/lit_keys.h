@@ -1,4 +1,4 @@
-/// The keys of a panel and how they shine at one moment: what the terminal and pictures draw.
+/// The keys of a panel and their light at one moment, for the terminal and for pictures.
 #pragma once
 
 #include <array>
@@ -25,12 +25,11 @@ struct LitKey {
 };
 inline constexpr int kKeyColumns = 59;
 
-/// Five rows of keys, or the one row of a bar, from left to right and from top to bottom, `seconds` after the effect
-/// began. The directions 1 to 6 of firmware and HID keyboards run right, left, up, down, outwards to both sides, and
-/// outwards up and down. Pure; any thread.
+/// Five rows of keys, or the one row of a bar, from the top left, `seconds` after the effect began. Directions 1 to 6
+/// run right, left, up, down, outwards to both sides, and outwards up and down. Pure; any thread.
 std::vector<LitKey> LitKeys(const Panel& panel, double seconds);
 
-/// The light on a screen, by channel. A dark key is still to be seen.
+/// The light on a screen, by channel. A dark key stays visible.
 std::array<std::uint8_t, 3> ShownColor(const Light& light);
 
 }  // namespace zarnctl

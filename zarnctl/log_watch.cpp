@@ -13,12 +13,6 @@ namespace zarnctl {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-constexpr std::uintmax_t kMostRead = std::uintmax_t{1} << 20;  // of all files, in bytes
-
-}  // namespace
-
 fs::path LogFolderPath() {
   std::string folder = platform::ReadableUtf8(LogFolder().value_or(L""));
   std::ranges::replace(folder, '\\', '/');
@@ -38,7 +32,7 @@ std::vector<std::string> FailuresIn(const std::vector<std::string>& lines) {
 
 std::vector<std::string> LogWatch::NewLines() const {
   std::vector<std::string> lines;
-  std::uintmax_t left = kMostRead;
+  std::uintmax_t left = std::uintmax_t{1} << 20;  // read no more than so many bytes of all files
   for (const auto& [path, end] : Ends()) {
     const auto before = ends_.find(path);
     const std::uintmax_t begin = before != ends_.end() ? before->second : 0;
@@ -58,7 +52,7 @@ std::map<fs::path, std::uintmax_t> LogWatch::Ends() {
   std::map<fs::path, std::uintmax_t> ends;
   std::error_code error;
   for (const fs::directory_entry& entry : fs::directory_iterator(LogFolderPath(), error)) {
-    if (!fs::is_regular_file(entry.symlink_status(error))) continue;  // nothing else is a log of the plug-in's
+    if (!fs::is_regular_file(entry.symlink_status(error))) continue;
     const std::uintmax_t size = entry.file_size(error);
     if (!error) ends[entry.path()] = size;
   }

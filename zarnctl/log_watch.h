@@ -1,4 +1,4 @@
-/// The plug-in's log as far as this process has just written it.
+/// What the plug-in has logged in this process.
 #pragma once
 
 #include <cstdint>
@@ -9,13 +9,13 @@
 
 namespace zarnctl {
 
-/// The folder of the log's files; empty when it cannot be told.
+/// The folder of the log's files. Empty when nobody knows it: the environment lacks what it is made from.
 std::filesystem::path LogFolderPath();
 
-/// What lines of the log tell of things that went wrong, without time and place, each once.
+/// The messages of those lines that tell of a failure, without time and place, each once.
 std::vector<std::string> FailuresIn(const std::vector<std::string>& lines);
 
-/// Remembers where the log ends when it is made.
+/// Remembers where the log ends when the watch is made.
 class LogWatch {
  public:
   LogWatch() : ends_(Ends()) {}

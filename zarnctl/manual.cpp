@@ -1,4 +1,4 @@
-/// Writes the manual page: what stands on stdin, with the table of commands in the place of lines like "@COMMANDS@".
+/// Writes the manual page: copies stdin and replaces lines like "@COMMANDS@" by parts of the table of commands.
 
 #include <cctype>
 #include <iostream>
@@ -11,7 +11,7 @@
 namespace zarnctl {
 namespace {
 
-/// With hyphens that roff does not turn into dashes.
+/// Escapes hyphens. roff would turn them into dashes, which nobody can paste into a shell.
 std::string Text(std::string_view text) {
   std::string roff;
   for (const char c : text) roff += c == '-' ? "\\-" : std::string(1, c);

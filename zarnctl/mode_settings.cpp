@@ -9,19 +9,9 @@
 namespace zarnctl {
 namespace {
 
-struct DirectionPair {
-  std::uint32_t capability;
-  std::uint32_t first;
-};
-constexpr std::array kDirectionPairs{DirectionPair{ModeCapability::DirectionSetA, 0},
-                                     DirectionPair{ModeCapability::DirectionSetB, 2},
-                                     DirectionPair{ModeCapability::DirectionSetC, 4}};
-
-Complaint Wrong(const std::string& line) { return {ExitCode::WrongCommandLine, line}; }
-
 bool Has(const ModeRecord& mode, std::uint32_t capability) { return (mode.capabilities & capability) != 0; }
 
-struct Setting {
+struct RangedSetting {
   const char* option;
   std::uint32_t capability;
   std::uint32_t ModeRecord::*lowest;
@@ -29,12 +19,12 @@ struct Setting {
   std::uint32_t ModeRecord::*value;
 };
 constexpr std::array kSettings{
-    Setting{"--speed", ModeCapability::SpeedAdjustable, &ModeRecord::speed_lowest, &ModeRecord::speed_highest,
-            &ModeRecord::speed_setting},
-    Setting{"--brightness", ModeCapability::BrightnessAdjustable, &ModeRecord::brightness_lowest,
-            &ModeRecord::brightness_highest, &ModeRecord::brightness_setting}};
+    RangedSetting{"--speed", ModeCapability::SpeedAdjustable, &ModeRecord::speed_lowest, &ModeRecord::speed_highest,
+                  &ModeRecord::speed_setting},
+    RangedSetting{"--brightness", ModeCapability::BrightnessAdjustable, &ModeRecord::brightness_lowest,
+                  &ModeRecord::brightness_highest, &ModeRecord::brightness_setting}};
 
-void Apply(ModeRecord& mode, const Setting& setting, const std::string& word) {
+void Apply(ModeRecord& mode, const RangedSetting& setting, const std::string& word) {
   const std::string option = setting.option;
   if (!Has(mode, setting.capability)) throw Wrong(option + ": " + mode.label + " has no " + option.substr(2));
   const std::uint32_t wanted = ReadNumber(option, word);
@@ -85,7 +75,7 @@ std::int32_t FindPerLedMode(const std::vector<ModeRecord>& modes) {
 }
 
 ModeRecord WithSettings(ModeRecord mode, const TypedValues& typed) {
-  for (const Setting& setting : kSettings) {
+  for (const RangedSetting& setting : kSettings) {
     if (const std::string* const word = typed.Find(setting.option)) Apply(mode, setting, *word);
   }
   if (const std::string* const word = typed.Find("--direction")) ApplyDirection(mode, *word);
@@ -95,10 +85,10 @@ ModeRecord WithSettings(ModeRecord mode, const TypedValues& typed) {
 
 std::vector<std::uint32_t> DirectionsOf(const ModeRecord& mode) {
   std::vector<std::uint32_t> directions;
-  for (const DirectionPair& pair : kDirectionPairs) {
-    if (!Has(mode, pair.capability)) continue;
-    directions.push_back(pair.first);
-    directions.push_back(pair.first + 1);
+  std::uint32_t first = 0;  // of two directions in each set
+  for (const auto set : {ModeCapability::DirectionSetA, ModeCapability::DirectionSetB, ModeCapability::DirectionSetC}) {
+    if (Has(mode, set)) directions.insert(directions.end(), {first, first + 1});
+    first += 2;
   }
   return directions;
 }

@@ -1,6 +1,6 @@
 /// Checks what a person asked for against a device's description, before anything is sent.
 ///
-/// Pure functions; any thread. All throw Complaint with what is wrong and what is allowed.
+/// Pure functions; any thread. They throw Complaint, which tells what is allowed.
 #pragma once
 
 #include <cstddef>
@@ -21,10 +21,10 @@ std::int32_t FindPerLedMode(const std::vector<ModeRecord>& modes);
 /// `mode` with what was typed for --speed, --brightness, --direction and --color; the rest stays as it is.
 ModeRecord WithSettings(ModeRecord mode, const TypedValues& typed);
 
-/// The values that `direction_setting` may take, in ascending order.
+/// The values that `direction_setting` may take, ascending. Does not throw Complaint.
 std::vector<std::uint32_t> DirectionsOf(const ModeRecord& mode);
 
-/// A colour for each of `led_total` LEDs, from as many colours or from one for all; `colors` is not empty.
+/// A colour for each of `led_total` LEDs. `colors` holds as many, or one for all.
 std::vector<PackedColor> ColorPerLed(const std::vector<PackedColor>& colors, std::size_t led_total);
 
 }  // namespace zarnctl

@@ -12,7 +12,7 @@
 
 namespace zarnctl {
 
-/// Loads the plug-in and asks it for its devices when a command first needs them. All may throw Complaint.
+/// Loads the plug-in and discovers devices when a command first needs them. All may throw Complaint.
 class Session {
  public:
   /// The hardware outlives the session. An empty path stands for our own plug-in.
@@ -20,17 +20,18 @@ class Session {
       : hardware_(hardware), plugin_file_(std::move(plugin_file)) {}
 
   Hardware& hardware() const { return hardware_; }
-  /// Whether firmware or keyboard refused something while a device was made, which then shows less than it might.
+  /// Whether firmware or a keyboard refused something while a device was made. The device then shows less than it
+  /// could.
   bool refused() const { return refused_; }
 
   const zarn::host::Discovery& Discovered();
   /// The devices, at least one.
   const std::vector<std::string>& Names();
-  /// The device's own name for one that is given in any case.
+  /// A device's name, from one typed in any case.
   const std::string& FindName(const std::string& wanted);
   zarn::host::Device Create(const std::string& name);
 
-  /// Sends the active mode, and complains of what failed. Says and draws what is lit unless `quietly`.
+  /// Sends the active mode and complains of failures. Prints the lights unless `quietly`.
   ExitCode Push(zarn::host::Device& device, const std::string& name, bool quietly = false);
   void Draw(const ControllerRecords& records) const;
 
@@ -44,8 +45,8 @@ class Session {
   bool refused_ = false;
 };
 
-/// Whether the device brings colours of its LEDs to light. The whole-device light runs effects alone, though its
-/// description has a LED and a mode for it.
+/// Whether the device shows colours per LED. The whole-device light runs effects alone, although its description has an
+/// LED and a per-LED mode.
 inline bool LightsLeds(const std::string& device) { return device != "ZarnECGlobal"; }
 
 }  // namespace zarnctl

@@ -1,4 +1,4 @@
-/// The plug-in's switches, for people.
+/// The plug-in's switches, in words.
 #pragma once
 
 #include <string>

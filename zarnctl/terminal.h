@@ -1,32 +1,15 @@
-/// The terminal: what was typed, colours, drawing in place.
+/// The terminal: colours, and drawings that replace each other.
 #pragma once
 
 #include <string>
-#include <vector>
 
 namespace zarnctl {
-
-/// The words of the command line behind the program's name, in UTF-8, from what main was given.
-std::vector<std::string> TypedWords(int argc, const char* const* argv);
-
-/// Makes the terminal take what is written for UTF-8 while it lives.
-class Utf8Terminal {
- public:
-  Utf8Terminal();
-  ~Utf8Terminal();  // NOLINT(performance-trivially-destructible): it is not on Windows
-  Utf8Terminal(const Utf8Terminal&) = delete;
-  Utf8Terminal& operator=(const Utf8Terminal&) = delete;
-
- private:
-  unsigned code_page_before_ = 0;  // on Windows
-};
 
 /// Whether stdout is a terminal that shows colours, and the person wants them (NO_COLOR is not set).
 bool StdoutShowsColors();
 
-/// Hides the cursor while it lives and shows it again at the end, be it the end of the process by a signal of
-/// those that a terminal or a user sends to end it. While the process is stopped, as by Ctrl-Z, the cursor is shown,
-/// too. One at a time.
+/// Hides the cursor while it lives. The cursor comes back at the end, also when a signal such as Ctrl-C's ends the
+/// process, and while a signal such as Ctrl-Z's stops it. One at a time.
 class LiveDrawing {
  public:
   LiveDrawing();
@@ -34,7 +17,7 @@ class LiveDrawing {
   LiveDrawing(const LiveDrawing&) = delete;
   LiveDrawing& operator=(const LiveDrawing&) = delete;
 
-  /// Draws `text`, whole lines, in place of the one before.
+  /// Draws `text`, whole lines, over the text before.
   void Show(const std::string& text);
 
  private:

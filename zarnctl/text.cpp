@@ -34,8 +34,7 @@ PackedColor ReadColor(std::string_view what, std::string_view text) {
   const std::string_view digits = text.starts_with('#') ? text.substr(1) : text;
   std::uint32_t rgb = 0;
   if (digits.size() != 6 || !ReadWhole(digits, 16, rgb)) {
-    throw Complaint(ExitCode::WrongCommandLine,
-                    std::string(what) + " " + std::string(text) + ": a colour is six hexadecimal digits, RRGGBB");
+    throw Wrong(std::string(what) + " " + std::string(text) + ": a colour is six hexadecimal digits, RRGGBB");
   }
   return (rgb >> 16 & 0xff) | (rgb & 0xff00) | (rgb & 0xff) << 16;
 }
@@ -46,11 +45,14 @@ std::string Hexadecimal(std::uint32_t number, int digits) {
   return text.data();
 }
 
+std::string HidDeviceName(const std::wstring& path, std::uint16_t vendor, std::uint16_t product) {
+  return platform::ReadableUtf8(path) + " (" + Hexadecimal(vendor, 4) + ":" + Hexadecimal(product, 4) + ")";
+}
+
 std::uint32_t ReadNumber(std::string_view what, std::string_view text) {
   std::uint32_t number = 0;
   if (!ReadWhole(text, 10, number)) {
-    throw Complaint(ExitCode::WrongCommandLine,
-                    std::string(what) + " " + std::string(text) + ": a whole number is needed");
+    throw Wrong(std::string(what) + " " + std::string(text) + ": a whole number is needed");
   }
   return number;
 }
@@ -83,7 +85,7 @@ std::string Harmless(std::string_view text) {
     char32_t character = units == 1 ? lead : lead & (0x7FU >> units);
     const std::string_view front = text.substr(0, units);
     for (const char unit : front.substr(1)) character = character << 6 | (static_cast<unsigned char>(unit) & 0x3F);
-    // A character that is encoded as it should be gives the same bytes again.
+    // Encoding it again gives the same bytes only when it was sound UTF-8.
     const platform::Utf8Character encoded = platform::EncodeUtf8(character);
     const bool sound = front == std::string_view(encoded.units, encoded.size);
     const bool control = character < ' ' || (character >= 0x7F && character < 0xA0);

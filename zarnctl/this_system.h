@@ -1,4 +1,4 @@
-/// What zarnctl is on one system beside what it is on all of them. Each system has its own; the build chooses.
+/// What zarnctl has on this system alone. The build takes the folder linux/ or windows/.
 #pragma once
 
 #include <memory>
@@ -11,13 +11,13 @@
 namespace zarnctl {
 
 struct SystemFeatures {
-  std::vector<Command> commands;
-  std::vector<Parameter> options;
-  std::string note;  // ends --help
+  std::vector<Command> commands = {};
+  std::vector<Parameter> options = {};
+  std::string note = {};  // ends --help
 };
 SystemFeatures ThisSystem();
 
-/// The hardware that the options name. Throws Complaint.
+/// The hardware that the options name. May throw.
 std::unique_ptr<Hardware> OpenHardware(const TypedValues& typed);
 
 }  // namespace zarnctl

@@ -10,11 +10,10 @@
 
 namespace simulator {
 
-/// The machine that answers for `notebook`. The clock and pauses are the computer's own, and so are environment
-/// variables that the profile does not set.
+/// A machine that is `notebook`, with the computer's clock, and its environment variables where the profile sets none.
 std::shared_ptr<platform::Machine> MakeMachine(std::shared_ptr<Notebook> notebook);
 
-/// A connection to one of its HID keyboards, under the number that HidKeyboard::Connect gave it.
+/// A connection to one of the notebook's HID keyboards. `connection` comes from HidKeyboard::Connect.
 std::shared_ptr<platform::HidConnection> MakeConnection(std::shared_ptr<Notebook> notebook, std::size_t keyboard,
                                                         std::uint64_t connection);
 

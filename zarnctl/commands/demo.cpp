@@ -26,7 +26,7 @@ constexpr milliseconds kAllHolds{25000};
 
 constexpr std::array<PackedColor, 6> kPalette{0x0000ff, 0x0080ff, 0x00ff40, 0xffc000, 0xff0040, 0xc000ff};
 
-/// `mode` with settings that differ from step to step, all within its ranges.
+/// `mode` with settings within its ranges that differ from one `number` to the next.
 ModeRecord Varied(ModeRecord mode, std::size_t number) {
   const auto value = static_cast<std::uint32_t>(number);
   const std::uint64_t speeds = std::uint64_t{mode.speed_highest} - mode.speed_lowest + 1;
@@ -45,20 +45,19 @@ std::vector<PackedColor> VariedColors(std::size_t led_total) {
   return colors;
 }
 
-/// Shows each mode for a while, on a terminal that shows colours as an animation.
+/// Shows each mode for a while. A terminal that shows colours gets an animation.
 class Stage {
  public:
   Stage(const Hardware& hardware, bool animated, std::size_t device_count)
       : hardware_(hardware), device_count_(device_count) {
-    // Where lights cannot be looked at from here, people look at them themselves.
-    has_panels_ = !hardware_.Panels().empty();
-    if (has_panels_ && animated) screen_.emplace();
+    if (animated && !hardware_.Panels().empty()) screen_.emplace();
   }
 
   void Show(const std::string& title, const std::vector<ModeRecord>& modes) {
     if (!screen_) {
-      std::cout << title << "\n" << PlainLights(hardware_.Panels(), modes) << std::flush;
-      std::this_thread::sleep_for(has_panels_ ? milliseconds(0) : kLongestHold);
+      const std::vector<Panel> panels = hardware_.Panels();
+      std::cout << title << "\n" << PlainLights(panels, modes) << std::flush;
+      if (panels.empty()) std::this_thread::sleep_for(kLongestHold);  // people look at the real lights
       return;
     }
     const auto began = Clock::now();
@@ -73,7 +72,6 @@ class Stage {
  private:
   const Hardware& hardware_;
   const std::size_t device_count_;
-  bool has_panels_ = false;
   std::optional<LiveDrawing> screen_;
 };
 

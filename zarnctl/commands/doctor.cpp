@@ -28,10 +28,6 @@ using zarn::WRV520::Lighting::kAttributeReport;
 using zarn::WRV520::Lighting::kKeyboardId;
 using zarn::WRV520::Lighting::kLightingUsagePage;
 
-bool Contains(const std::vector<std::string>& names, const std::string& name) {
-  return std::ranges::count(names, name) != 0;
-}
-
 class Examination {
  public:
   Examination(const Symptoms& symptoms, const Remedies& remedies) : symptoms_(symptoms), remedies_(remedies) {}
@@ -93,7 +89,7 @@ class Examination {
     InstancePath instance{};
     if (status >= 0) {
       FindInstancePath(connection, kFirmwareClass, kFirmwareInstances, instance);
-      status = connection.status;  // of its last step
+      status = connection.status;
     }
     if (instance.front() != 0) return Add(Kind::Fine, name + "there");
     if (status == static_cast<HRESULT>(WBEM_E_ACCESS_DENIED)) {
@@ -110,8 +106,8 @@ class Examination {
           "hybrid mode: with it, a HID keyboard is reported only beside those of the embedded controller",
           "set HybridMode to 0");
     }
-    if (announced_.light_bar && Contains(symptoms_.discovered, "ZarnECKeyboard") &&
-        !Contains(symptoms_.discovered, "ZarnECGlobal")) {
+    const auto reported = [this](const char* name) { return std::ranges::count(symptoms_.discovered, name) != 0; };
+    if (announced_.light_bar && reported("ZarnECKeyboard") && !reported("ZarnECGlobal")) {
       Add(Kind::Missing, "light bar: announced, but the firmware's answer to GetGamingLED does not confirm it");
     }
     std::string names;
@@ -137,7 +133,7 @@ class Examination {
   }
 
   void ExamineHidInterface(const std::wstring& path) {
-    // Without asking for rights, which nobody is denied.
+    // Opening without rights is allowed to everybody.
     const DeviceHandle looked_at = Open(path, 0);
     HIDD_ATTRIBUTES attributes{};
     attributes.Size = sizeof(attributes);
@@ -147,8 +143,7 @@ class Examination {
       return Add(Kind::Note, platform::ReadableUtf8(path) +
                                  ": does not tell what it is, it was just unplugged or belongs to the system");
     }
-    const std::string name = platform::ReadableUtf8(path) + " (" + Hexadecimal(attributes.VendorID, 4) + ":" +
-                             Hexadecimal(attributes.ProductID, 4) + ")";
+    const std::string name = HidDeviceName(path, attributes.VendorID, attributes.ProductID);
     if (caps.UsagePage != kLightingUsagePage) {
       return Add(Kind::Note,
                  name + ": no lighting device, its usage page is " + Hexadecimal(caps.UsagePage, 4) + ", not FF5A");
@@ -158,13 +153,13 @@ class Examination {
     const DeviceHandle device = Open(path, GENERIC_READ | GENERIC_WRITE);
     if (!device) return AddFailure(name, "cannot be opened");
     has_hid_keyboard_ = ServesKeyboard(name, device.Get(), caps) || has_hid_keyboard_;
-    // The plug-in finds a device again by these.
+    // By these the plug-in finds a device again.
     if (!identities_.insert({attributes.VendorID, attributes.ProductID, caps.Usage}).second) {
       Add(Kind::Note, name + ": the same vendor, product and usage as another one, which may get its reports");
     }
   }
 
-  /// Whether a keyboard is among the lighting device ids that the device answers to serve.
+  /// Whether the lighting device ids in the device's answer include a keyboard's.
   bool ServesKeyboard(const std::string& name, HANDLE device, const HIDP_CAPS& caps) {
     std::vector<std::uint8_t> report(caps.FeatureReportByteLength);
     report.front() = kAttributeReport;
@@ -183,7 +178,7 @@ class Examination {
     return keyboard;
   }
 
-  /// Right behind the call that failed.
+  /// Call it right after the call that failed: it reads the last error.
   void AddFailure(const std::string& name, const std::string& what) {
     const DWORD error = GetLastError();
     if (error == ERROR_ACCESS_DENIED) {
@@ -228,7 +223,7 @@ ExitCode RunDoctor(Session& session, const TypedValues& /*typed*/) {
   try {
     symptoms.discovered = session.Discovered().names;
   } catch (const Complaint& complaint) {
-    std::cout << LineOf({Finding::Kind::Missing, complaint.what(), ""}) << "\n";
+    std::cout << LineOf({Finding::Kind::Missing, complaint.what()}) << "\n";
   }
   symptoms.log = log.NewLines();
   session.hardware().LookAtDevices(symptoms);

@@ -1,4 +1,4 @@
-/// Why there is something to light, or nothing: everything discovery depends on, asked one after the other.
+/// Why discovery reports something to light, or nothing.
 #pragma once
 
 #include <string>
@@ -16,13 +16,12 @@ struct Finding {
     Missing  // something cannot be lit for this reason
   };
   Kind kind = Kind::Fine;
-  std::string answer;
-  std::string remedy;  // empty when nothing is to be done
+  std::string answer = {};
+  std::string remedy = {};  // empty when nothing is to be done
 };
 
-/// The switches, the log, the HID interfaces, the SMBIOS table and the firmware class, in this order; then what of it
-/// explains what was discovered. Asks the platform itself, and reads the attribute report of each lighting device that
-/// may be opened.
+/// Looks at the log, the switches, the HID interfaces, the SMBIOS table and the firmware class, in this order, then
+/// says what explains the discovery. Reads the attribute report of each lighting device that may be opened.
 std::vector<Finding> Examine(const Symptoms& symptoms, const Remedies& remedies);
 
 /// "missing  /dev/hidraw0: ...; plug it in again"

@@ -13,7 +13,7 @@ ExitCode RunLeds(Session& session, const TypedValues& typed) {
   const std::string& name = session.FindName(*typed.Find("DEVICE"));
   zarn::host::Device device = session.Create(name);
   if (!LightsLeds(name)) {
-    throw Complaint(ExitCode::WrongCommandLine, "leds: " + name + " has no colours per LED; use 'zarnctl set'");
+    throw Wrong("leds: " + name + " has no colours per LED; use 'zarnctl set'");
   }
   const ControllerRecords records = Describe(device);
   const std::int32_t index = FindPerLedMode(records.mode_list);

@@ -8,7 +8,6 @@
 
 #include "platform/standin/hid_interfaces.h"
 #include "platform/standin/report_descriptor.h"
-#include "platform/standin/text.h"
 #include "zarnctl/text.h"
 
 namespace zarnctl {
@@ -36,13 +35,13 @@ LayerHardware::~LayerHardware() { platform::SetJournal({}); }
 
 Exchanges LayerHardware::TakeExchanges(const std::string& /*device*/) {
   const std::lock_guard lock(lock_);
-  return {.none = std::exchange(none_, true), .failures = std::exchange(failures_, {}), .doubt = ""};
+  return {.none = std::exchange(none_, true), .failures = std::exchange(failures_, {})};
 }
 
 void LayerHardware::LookAtDevices(Symptoms& symptoms) const {
   for (const platform::HidDevice& device : platform::CurrentMachine()->HidDevices()) {
     const platform::ReportDescriptor descriptor = platform::ParseReportDescriptor(device.report_descriptor);
-    const std::string name = NameOf(device) + ": ";
+    const std::string name = HidDeviceName(device.path, device.vendor, device.product) + ": ";
     if (!descriptor.refusal.empty()) {
       symptoms.device_notes.push_back(name + "its report descriptor cannot be read, " + descriptor.refusal);
     }
@@ -52,11 +51,6 @@ void LayerHardware::LookAtDevices(Symptoms& symptoms) const {
                                       " are looked at; no keyboard has so many");
     }
   }
-}
-
-std::string LayerHardware::NameOf(const platform::HidDevice& device) {
-  return platform::ReadableUtf8(device.path) + " (" + Hexadecimal(device.vendor, 4) + ":" +
-         Hexadecimal(device.product, 4) + ")";
 }
 
 void LayerHardware::Note(const platform::JournalEntry& entry) {

@@ -1,6 +1,7 @@
-/// Hardware under our own platform layer, where all that crosses can be seen.
+/// Hardware under our own platform layer, whose journal shows all that crosses.
 #pragma once
 
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -11,21 +12,27 @@
 
 namespace zarnctl {
 
-/// One at a time, since the layer has one journal.
+// With `trace` every firmware call and every HID report goes to stderr, a line each. Any thread may call.
+
+/// This computer, as Linux shows it.
+std::unique_ptr<Hardware> UseThisComputer(bool trace);
+/// Puts the notebook of a profile, a TOML file or a shipped profile's name, under the platform layer until the process
+/// ends. Throws Complaint or simulator::ProfileError.
+std::unique_ptr<Hardware> SimulateNotebook(const std::string& profile, bool trace);
+
+/// What the two share. One at a time, since the layer has one journal.
 class LayerHardware : public Hardware {
  public:
-  /// With `trace` every firmware call and every HID report goes to stderr, a line each.
   explicit LayerHardware(bool trace);
   ~LayerHardware() override;
+  LayerHardware(const LayerHardware&) = delete;
+  LayerHardware& operator=(const LayerHardware&) = delete;
 
   Exchanges TakeExchanges(const std::string& device) override;
   std::vector<std::string> TakeRefusals() override { return TakeExchanges("").failures; }
   void LookAtDevices(Symptoms& symptoms) const override;
 
  protected:
-  /// "/dev/hidraw0 (1209:0001)"
-  static std::string NameOf(const platform::HidDevice& device);
-
   static constexpr const char* kNoLog =
       "the folder and those above it must be this user's or root's, with nobody else allowed to write there";
 

@@ -11,7 +11,7 @@ namespace zarnctl {
 void WriteNewFile(const std::filesystem::path& path, const std::string& text) {
   std::FILE* const file = std::fopen(path.string().c_str(), "wbx");
   if (file == nullptr && errno == EEXIST) {
-    throw Complaint(ExitCode::WrongCommandLine, path.string() + " is there already; give another name");
+    throw Wrong(path.string() + " is there already; give another name");
   }
   const bool written = file != nullptr && std::fwrite(text.data(), 1, text.size(), file) == text.size();
   if (file != nullptr && std::fclose(file) == 0 && written) return;

@@ -6,7 +6,7 @@
 
 namespace zarnctl {
 
-/// Writes a file that must not be there yet, whole or not at all. Throws Complaint.
+/// Writes a new file, whole or not at all. Throws Complaint, also when there is one already.
 void WriteNewFile(const std::filesystem::path& path, const std::string& text);
 
 }  // namespace zarnctl

@@ -7,7 +7,6 @@
 #include "zarnctl/commands.h"
 #include "zarnctl/description.h"
 #include "zarnctl/drawing.h"
-#include "zarnctl/linux/commands.h"
 #include "zarnctl/linux/new_file.h"
 #include "zarnctl/lit_keys.h"
 #include "zarnctl/session.h"
@@ -24,7 +23,7 @@ constexpr int kMargin = 24;
 constexpr int kTextHeight = 34;
 constexpr int kPictureWidth = kKeyColumns * kColumn + 2 * kMargin;
 
-/// The moment of an effect that is drawn: by then no two effects look alike.
+/// The moment of an effect that is drawn, in seconds. Any two effects look different by then.
 constexpr double kMoment = 1.5;
 
 std::string Escaped(std::string_view text) {
@@ -48,7 +47,7 @@ std::string Svg(const std::vector<Panel>& panels, const std::vector<ModeRecord>&
   std::string body;
   int top = kMargin;
   for (const Panel& panel : panels) {
-    body += "<text x=\"" + std::to_string(kMargin) + "\" y=\"" + std::to_string(top + 14) + "\">" +
+    body += R"(<text x=")" + std::to_string(kMargin) + R"(" y=")" + std::to_string(top + 14) + R"(">)" +
             Escaped(Headline(panel, modes)) + "</text>\n";
     top += kTextHeight;
     const std::vector<LitKey> keys = LitKeys(panel, kMoment);
@@ -56,23 +55,24 @@ std::string Svg(const std::vector<Panel>& panels, const std::vector<ModeRecord>&
     top += (keys.back().row + 1) * kRow + kMargin;
   }
   const std::string size = std::to_string(kPictureWidth) + " " + std::to_string(top);
-  return "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " + size +
-         "\" font-family=\"sans-serif\" font-size=\"16\" fill=\"#d0d0d0\">\n"
-         "<rect width=\"100%\" height=\"100%\" rx=\"12\" fill=\"#101014\"/>\n" +
-         body + "</svg>\n";
+  return R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 )" + size +
+         R"(" font-family="sans-serif" font-size="16" fill="#d0d0d0">
+<rect width="100%" height="100%" rx="12" fill="#101014"/>
+)" + body +
+         "</svg>\n";
 }
 
-/// What `set` or `leds` would do with what was typed, if anything of theirs was.
+/// Does what `set` or `leds` would, when a mode or colours were typed.
 ExitCode ChangeLights(Session& session, const TypedValues& typed) {
-  const auto settings = ModeOptions(false);
+  const auto settings = WithModeOptions({}, false);
   const bool mode =
       std::ranges::any_of(settings, [&](const auto& option) { return typed.Find(option.name) != nullptr; });
   const bool colors = typed.Find("COLOR") != nullptr;
   if (mode && colors) {
-    throw Complaint(ExitCode::WrongCommandLine, "picture: give a mode or colours for the LEDs, not both");
+    throw Wrong("picture: give a mode or colours for the LEDs, not both");
   }
   if (mode && (typed.Find("DEVICE") == nullptr || typed.Find("--mode") == nullptr)) {
-    throw Complaint(ExitCode::WrongCommandLine, "picture: settings need a DEVICE and its --mode");
+    throw Wrong("picture: settings need a DEVICE and its --mode");
   }
   return mode ? RunSet(session, typed) : colors ? RunLeds(session, typed) : ExitCode::Done;
 }

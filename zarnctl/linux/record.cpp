@@ -19,7 +19,7 @@
 #include "platform/standin/text.h"
 #include "simulator/hid_keyboard.h"
 #include "simulator/profile.h"
-#include "zarnctl/linux/commands.h"
+#include "zarnctl/commands.h"
 #include "zarnctl/linux/new_file.h"
 #include "zarnctl/session.h"
 #include "zarnctl/text.h"
@@ -32,10 +32,10 @@ using platform::HidCollection;
 using simulator::HidKeyboard;
 using namespace zarn::WRV520::Lighting;  // NOLINT(google-build-using-namespace): the reports' and fields' numbers
 
-constexpr std::size_t kMostIds = 63;    // of a profile; the plug-in reads no more either
+constexpr std::size_t kMostIds = 63;    // as many as a profile may have and the plug-in reads
 constexpr std::size_t kReportHead = 2;  // the report id, then a count or the lighting device id
 
-/// A number that is read as one in hexadecimal.
+/// A number that the profile shows in hexadecimal.
 toml::value<std::int64_t> Hexa(std::uint32_t number) {
   toml::value<std::int64_t> value(number);
   value.flags(toml::value_flags::format_as_hexadecimal);
@@ -48,7 +48,7 @@ toml::array Listed(std::span<const std::uint8_t> bytes) {
   return list;
 }
 
-/// A field of the collection's feature reports; of several declarations the last one counts. Null when there is none.
+/// A field of the collection's feature reports, as declared last. Null when there is none.
 const HIDP_VALUE_CAPS* FindField(const HidCollection& collection, std::uint8_t report_id, std::uint16_t usage) {
   const HIDP_VALUE_CAPS* field = nullptr;
   for (const HIDP_VALUE_CAPS& caps : collection.values) {
@@ -57,8 +57,8 @@ const HIDP_VALUE_CAPS* FindField(const HidCollection& collection, std::uint8_t r
   return field;
 }
 
-/// The fields of a report that the collection declares, in the report's order, as pairs of usage and bits; none when
-/// they do not fit into it.
+/// The declared fields of a report as pairs of usage and bits, in the report's order. None when they do not fit into
+/// it.
 toml::array DeclaredFields(const HidCollection& collection, std::uint8_t report_id,
                            std::span<const std::uint16_t> usages) {
   toml::array fields;
@@ -72,25 +72,23 @@ toml::array DeclaredFields(const HidCollection& collection, std::uint8_t report_
   return bits <= std::size_t{8} * collection.caps.FeatureReportByteLength ? fields : toml::array();
 }
 
-/// What the keyboard says of itself in report A3, as far as it declares it.
-struct BaseInfo {
+/// Records what the keyboard tells of itself in report A3, without what it does not declare.
+void RecordBaseInfo(const Bytes& reply, const HidCollection& collection, toml::table& keyboard) {
   std::uint32_t zones = 0;
   std::uint32_t effects = 0;
-  std::size_t length = kReportHead;  // of what is declared
-};
-
-BaseInfo ReadBaseInfo(const Bytes& reply, const HidCollection& collection) {
-  BaseInfo info;
+  std::size_t length = kReportHead;
   for (const std::uint16_t usage : HidKeyboard::kBaseInfoUsages) {
     const HIDP_VALUE_CAPS* const field = FindField(collection, kBaseInfoReply, usage);
     const std::size_t width = field == nullptr ? 0 : field->BitSize / 8;
-    if (width > sizeof(std::uint32_t) || info.length + width > reply.size()) break;  // what follows has no known place
-    const auto value = static_cast<std::uint32_t>(FromLittleEndian(std::span(reply).subspan(info.length, width)));
-    if (usage == 0x35) info.zones = value & 0xFFFF;  // the fields that HidKeyboard knows by these usages
-    if (usage == 0x31) info.effects = value;
-    info.length += width;
+    if (width > sizeof(std::uint32_t) || length + width > reply.size()) break;  // nobody knows where the rest stands
+    const auto value = static_cast<std::uint32_t>(FromLittleEndian(std::span(reply).subspan(length, width)));
+    if (usage == 0x35) zones = value & 0xFFFF;
+    if (usage == 0x31) effects = value;
+    length += width;
   }
-  return info;
+  keyboard.insert("base_info_reply", Listed(std::span(reply).first(length)));
+  keyboard.insert_or_assign("zones", zones);
+  keyboard.insert("effects", Hexa(effects));
 }
 
 /// A report read from the device; nothing when it does not answer.
@@ -100,13 +98,13 @@ std::optional<Bytes> Read(platform::HidConnection& connection, std::uint8_t repo
   return connection.GetFeature(report) == ERROR_SUCCESS ? std::optional(report) : std::nullopt;
 }
 
-/// Asks the machine itself. Of no answer it takes more than the plug-in understands, and nothing that names a person, a
-/// place or a piece: no user, no path, no serial number.
+/// Asks the machine itself. Takes no more of an answer than the plug-in understands. A record may be published, so it
+/// has no user, no path and no serial number.
 class Recorder {
  public:
   explicit Recorder(platform::Machine& machine) : machine_(machine) {}
 
-  /// A profile in TOML. Throws Complaint when it could not be played back.
+  /// A profile in TOML. Throws Complaint when the simulator would refuse it.
   std::string Record() {
     RecordFirmware();
     for (const platform::HidDevice& device : machine_.HidDevices()) RecordHidDevice(device);
@@ -125,7 +123,7 @@ class Recorder {
     return text.str();
   }
 
-  /// A line for each thing that could not be had.
+  /// A line for each thing that is not in the record.
   const std::vector<std::string>& omissions() const { return omissions_; }
 
  private:
@@ -137,8 +135,7 @@ class Recorder {
     if (data == nullptr) return Omit("the SMBIOS table, which cannot be read");
     const std::span<const std::uint8_t> structure = FindOemStructure(*data);
     stSMBiosType172 record;
-    // A notebook of another family has none.
-    if (!FindSMBiosType172(*data, record) || structure.size() < 6) return;
+    if (!FindSMBiosType172(*data, record) || structure.size() < 6) return;  // another family
     const std::uint16_t zones = FirstItem(record, kItemKeyboardZones).value_or(0);
     const bool has_methods = machine_.FindFirmwareClass().has_value();
     toml::table firmware{{"version", std::to_string(record.biosMajor) + "." + std::to_string(record.biosMinor)},
@@ -153,7 +150,7 @@ class Recorder {
     profile_.insert("light_bar", std::move(light_bar));
   }
 
-  /// What discovery asks the firmware when a light bar is announced.
+  /// Asks the firmware what discovery asks when a light bar is announced.
   void RecordLightBar(toml::table& light_bar) {
     std::array<std::uint8_t, 16> answer{};
     if (GetGamingLED(answer.data(), static_cast<std::int32_t>(answer.size())) == 0) {
@@ -177,7 +174,7 @@ class Recorder {
                          {"descriptor", Listed(device.report_descriptor)},
                          {"base_info", DeclaredFields(*lighting, kBaseInfoReply, HidKeyboard::kBaseInfoUsages)},
                          {"update", DeclaredFields(*lighting, kUpdateReport, HidKeyboard::kUpdateUsages)},
-                         {"zones", 0}};  // until it says how many
+                         {"zones", 0}};
     RecordAnswers(device, *lighting, name, keyboard);
     keyboards_.push_back(std::move(keyboard));
   }
@@ -194,7 +191,7 @@ class Recorder {
       return Omit(name + "'s answers: " +
                   (opened.error == ERROR_ACCESS_DENIED ? "this user may not open it" : "it does not answer report A1"));
     }
-    // Nobody knows what a device puts behind what it claims.
+    // Behind the ids that it claims a device could put a serial number.
     const auto claimed = std::span(*attributes).first(std::min(kReportHead + attributes->at(1), length));
     keyboard.insert("attribute_reply", Listed(claimed));
     const auto ids = claimed.subspan(kReportHead);
@@ -206,10 +203,7 @@ class Recorder {
     const bool asked = opened.connection->SetFeature(request) == ERROR_SUCCESS;
     const auto reply = asked ? Read(*opened.connection, kBaseInfoReply, length) : std::nullopt;
     if (!reply) return Omit(name + "'s zones and effects: it does not answer report A3");
-    const BaseInfo info = ReadBaseInfo(*reply, lighting);
-    keyboard.insert("base_info_reply", Listed(std::span(*reply).first(info.length)));
-    keyboard.insert_or_assign("zones", info.zones);
-    keyboard.insert("effects", Hexa(info.effects));
+    RecordBaseInfo(*reply, lighting, keyboard);
   }
 
   void RecordSwitch(const ServiceSwitch& service_switch) {
@@ -231,7 +225,7 @@ class Recorder {
 
 ExitCode RunRecord(Session& session, const TypedValues& typed) {
   const std::string& file = *typed.Find("FILE");
-  if (file.empty()) throw Complaint(ExitCode::WrongCommandLine, "record: the name of the file is empty");
+  if (file.empty()) throw Wrong("record: the name of the file is empty");
   Recorder recorder(*platform::CurrentMachine());
   WriteNewFile(PathFromUtf8(file), recorder.Record());
   session.hardware().TakeRefusals();  // the record tells what did not answer

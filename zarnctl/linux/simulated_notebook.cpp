@@ -1,5 +1,3 @@
-#include "zarnctl/linux/simulated_notebook.h"
-
 #include <algorithm>
 #include <filesystem>
 #include <string_view>
@@ -20,7 +18,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kExtension = ".toml";
 
-/// The folder of an installed program, or the source tree of one that is not installed.
+/// The source tree's, for a program that is not installed.
 fs::path ProfileFolder() {
   std::error_code error;
   const fs::path program = fs::read_symlink("/proc/self/exe", error);
@@ -38,7 +36,7 @@ std::string ShippedProfiles() {
   return names.empty() ? "none, " + ProfileFolder().string() + " is empty" : Alternatives(names);
 }
 
-/// A bare name is looked for among the shipped profiles first; everything else is a file.
+/// A bare name is first looked for among the shipped profiles.
 fs::path ProfileFile(const std::string& profile) {
   fs::path given(profile);
   const bool bare = !given.has_parent_path() && given.extension() != kExtension;
@@ -47,16 +45,7 @@ fs::path ProfileFile(const std::string& profile) {
   std::error_code error;
   if (fs::is_regular_file(shipped, error)) return shipped;
   if (fs::is_regular_file(given, error)) return given;
-  throw Complaint(ExitCode::WrongCommandLine,
-                  "--machine " + profile + ": no such file or profile; the shipped profiles are " + ShippedProfiles());
-}
-
-simulator::Profile ReadProfile(const fs::path& file) {
-  try {
-    return simulator::LoadProfile(file);
-  } catch (const simulator::ProfileError& error) {
-    throw Complaint(ExitCode::Failed, error.what());
-  }
+  throw Wrong("--machine " + profile + ": no such file or profile; the shipped profiles are " + ShippedProfiles());
 }
 
 std::string RefusalText(const simulator::WireRecord& record) {
@@ -77,10 +66,10 @@ class SimulatedNotebook final : public LayerHardware {
 
   std::vector<Panel> Panels() const override { return PanelsOf(*notebook_); }
 
-  /// By the wire, since the notebook says why it refuses.
+  /// From the notebook's wire: it tells why something was refused, which the journal does not.
   Exchanges TakeExchanges(const std::string& /*device*/) override {
     const std::vector<simulator::WireRecord> wire = notebook_->TakeWire();
-    Exchanges exchanges{.none = wire.empty(), .failures = {}, .doubt = ""};
+    Exchanges exchanges{.none = wire.empty()};
     for (const simulator::WireRecord& record : wire) {
       if (record.refusal.empty()) continue;
       std::string text = RefusalText(record);
@@ -90,13 +79,11 @@ class SimulatedNotebook final : public LayerHardware {
   }
 
   Remedies RemediesHere() const override {
-    Remedies remedies;
-    remedies.nothing_discovered = "'zarnctl doctor' tells why";
-    remedies.switches = "[log] and [registry] in the profile set it";
-    remedies.no_log = kNoLog;
-    remedies.no_table = "[firmware] in the profile makes one";
-    remedies.no_firmware_class = "[firmware] in the profile makes one, unless its instance is empty";
-    return remedies;
+    return {.nothing_discovered = "'zarnctl doctor' tells why",
+            .switches = "[log] and [registry] in the profile set it",
+            .no_log = kNoLog,
+            .no_table = "[firmware] in the profile makes one",
+            .no_firmware_class = "[firmware] in the profile makes one, unless its instance is empty"};
   }
 
  private:
@@ -106,7 +93,7 @@ class SimulatedNotebook final : public LayerHardware {
 }  // namespace
 
 std::unique_ptr<Hardware> SimulateNotebook(const std::string& profile, bool trace) {
-  return std::make_unique<SimulatedNotebook>(ReadProfile(ProfileFile(profile)), trace);
+  return std::make_unique<SimulatedNotebook>(simulator::LoadProfile(ProfileFile(profile)), trace);
 }
 
 }  // namespace zarnctl

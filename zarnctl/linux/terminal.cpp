@@ -13,21 +13,19 @@
 namespace zarnctl {
 namespace {
 
-// Without cursor and line wrap, and with both. Lines that wrap would be counted as one, and the next drawing would
-// begin too low.
+// Line wrap is off during a drawing. A wrapped line would count as one, so the next drawing would begin too low.
 constexpr std::string_view kHideCursor = "\033[?25l\033[?7l";
 constexpr std::string_view kShowCursor = "\033[0m\033[?7h\033[?25h";
 
-/// Set when the shell has written where the drawing was.
+/// Set when the shell may have written over the drawing.
 volatile std::sig_atomic_t g_drawing_is_gone = 0;
 
 extern "C" {
 
-/// For signals that end or stop the process. SA_RESETHAND has put their default back, so the shell sees which one it
-/// was.
+/// For signals that end or stop the process. SA_RESETHAND has restored the default, so raising the signal again obeys
+/// it, and the shell sees which one it was.
 void RestoreTerminalAndObey(int signal) {
-  const int code = errno;  // of what was interrupted
-  // Nothing can be done about a terminal that is gone.
+  const int code = errno;  // of the code that the signal interrupted
   [[maybe_unused]] const auto written = write(STDOUT_FILENO, kShowCursor.data(), kShowCursor.size());
   std::raise(signal);
   errno = code;
@@ -36,30 +34,22 @@ void RestoreTerminalAndObey(int signal) {
 void ResumeDrawing(int signal);
 }
 
-struct HandledSignal {
-  int signal;
-  void (*handler)(int);
-};
-constexpr std::array kSignals = {
-    HandledSignal{SIGHUP, RestoreTerminalAndObey},  HandledSignal{SIGINT, RestoreTerminalAndObey},
-    HandledSignal{SIGQUIT, RestoreTerminalAndObey}, HandledSignal{SIGTERM, RestoreTerminalAndObey},
-    HandledSignal{SIGTSTP, RestoreTerminalAndObey}, HandledSignal{SIGCONT, ResumeDrawing}};
-/// What they did before.
+constexpr std::array kSignals = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGTSTP, SIGCONT};
+/// What the signals did before.
 std::array<struct sigaction, kSignals.size()> g_dispositions;
 
-/// One that is ignored, as by nohup, neither ends nor stops the process.
-void Handle(const HandledSignal& handled, const struct sigaction& before) {
-  if (before.sa_handler == SIG_IGN) return;
+void Handle(int signal, const struct sigaction& before) {
+  if (before.sa_handler == SIG_IGN) return;  // as nohup sets it: the signal shall stay without effect
   struct sigaction action {};
-  action.sa_handler = handled.handler;
-  action.sa_flags = SA_RESTART | (handled.signal == SIGCONT ? 0 : static_cast<int>(SA_RESETHAND));
-  sigaction(handled.signal, &action, nullptr);
+  action.sa_handler = signal == SIGCONT ? ResumeDrawing : RestoreTerminalAndObey;
+  action.sa_flags = SA_RESTART | (signal == SIGCONT ? 0 : static_cast<int>(SA_RESETHAND));
+  sigaction(signal, &action, nullptr);
 }
 
 extern "C" void ResumeDrawing(int /*signal*/) {
-  const int code = errno;  // of what was interrupted
+  const int code = errno;
   for (std::size_t i = 0; i < kSignals.size(); ++i) Handle(kSignals[i], g_dispositions[i]);
-  // In the background the terminal is the shell's.
+  // In the background the terminal belongs to the shell.
   if (tcgetpgrp(STDOUT_FILENO) == getpgrp()) {
     [[maybe_unused]] const auto written = write(STDOUT_FILENO, kHideCursor.data(), kHideCursor.size());
   }
@@ -68,15 +58,6 @@ extern "C" void ResumeDrawing(int /*signal*/) {
 }
 
 }  // namespace
-
-std::vector<std::string> TypedWords(int argc, const char* const* argv) {
-  return argc > 0 ? std::vector<std::string>(argv + 1, argv + argc) : std::vector<std::string>();
-}
-
-// It does that by itself here.
-Utf8Terminal::Utf8Terminal() = default;
-
-Utf8Terminal::~Utf8Terminal() = default;
 
 bool StdoutShowsColors() {
   const char* const no_color = std::getenv("NO_COLOR");
@@ -87,14 +68,14 @@ bool StdoutShowsColors() {
 
 LiveDrawing::LiveDrawing() {
   for (std::size_t i = 0; i < kSignals.size(); ++i) {
-    sigaction(kSignals.at(i).signal, nullptr, &g_dispositions.at(i));
+    sigaction(kSignals.at(i), nullptr, &g_dispositions.at(i));
     Handle(kSignals.at(i), g_dispositions.at(i));
   }
   std::cout << kHideCursor << std::flush;
 }
 
 LiveDrawing::~LiveDrawing() {
-  for (std::size_t i = kSignals.size(); i-- > 0;) sigaction(kSignals.at(i).signal, &g_dispositions.at(i), nullptr);
+  for (std::size_t i = kSignals.size(); i-- > 0;) sigaction(kSignals.at(i), &g_dispositions.at(i), nullptr);
   std::cout << kShowCursor << std::flush;
 }
 

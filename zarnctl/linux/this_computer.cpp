@@ -1,6 +1,3 @@
-#include "zarnctl/linux/this_computer.h"
-
-#include <array>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -20,15 +17,6 @@ namespace {
 
 using platform::SettingsFile;
 
-constexpr std::array kSwitches = {kLogSwitch, kHybridSwitch};
-
-/// How many values of the file are switches.
-std::size_t KnownValues(const SettingsFile& file) {
-  std::size_t known = 0;
-  for (const ServiceSwitch& each : kSwitches) known += platform::FindValue(file.values, each.key, each.value) ? 1 : 0;
-  return known;
-}
-
 /// "/etc/zarn/settings.toml: 2 values"
 std::string Described(const SettingsFile& file) {
   if (!file.complaint.empty()) return file.complaint + "; nothing in it counts";
@@ -36,7 +24,10 @@ std::string Described(const SettingsFile& file) {
   if (file.state == SettingsFile::State::NotThere) return name + "not there";
   std::size_t values = 0;
   for (const auto& [key, entries] : file.values) values += entries.size();
-  const std::size_t unknown = values - KnownValues(file);
+  std::size_t unknown = values;
+  for (const auto& [key, value] : {kLogSwitch, kHybridSwitch}) {
+    if (platform::FindValue(file.values, key, value)) --unknown;
+  }
   return name + Counted(values, "value") + (unknown != 0 ? ", of which " + std::to_string(unknown) + " not known" : "");
 }
 
@@ -52,7 +43,7 @@ class ThisComputer final : public LayerHardware {
   std::string Name() const override { return "this computer"; }
 
   SettingsPlaces Settings() const override {
-    SettingsPlaces places{.text = "settings files, of which a later one takes precedence:\n", .complaints = {}};
+    SettingsPlaces places{.text = "settings files, of which a later one takes precedence:\n"};
     for (const std::filesystem::path& path : platform::SettingsPaths()) {
       const SettingsFile file = platform::ReadSettingsFile(path);
       places.text += "  " + Harmless(Described(file)) + "\n";
@@ -93,7 +84,7 @@ class ThisComputer final : public LayerHardware {
       if (access != platform::LightingAccess::LightsAndKeys) continue;
       symptoms.devices_with_keys.push_back(platform::ReadableUtf8(device.path));
       if (platform::KeyboardsAreShared()) {
-        symptoms.device_notes.push_back(NameOf(device) +
+        symptoms.device_notes.push_back(HidDeviceName(device.path, device.vendor, device.product) +
                                         ": whoever sits at this computer can also read what is typed on it, as " +
                                         platform::kSharedKeyboards + " allows");
       }

@@ -12,7 +12,7 @@ std::string Example(const ServiceSwitch& service_switch) {
          platform::ReadableUtf8(service_switch.value) + " = 1\n";
 }
 
-/// What is exchanged cannot be seen from outside the plug-in here, but the plug-in logs what fails of it, if not all.
+/// Nothing outside the plug-in sees what it exchanges. Its log tells of failures, but not of all.
 class ThisComputer final : public Hardware {
  public:
   std::string Name() const override { return "this computer"; }
@@ -20,7 +20,7 @@ class ThisComputer final : public Hardware {
   Exchanges TakeExchanges(const std::string& device) override {
     const std::vector<std::string> lines = log_.NewLines();
     log_ = {};
-    Exchanges exchanges{.none = false, .failures = FailuresIn(lines), .doubt = ""};
+    Exchanges exchanges{.failures = FailuresIn(lines)};
     if (!IsOn(kLogSwitch)) {
       exchanges.doubt = "whose log would tell what came of it, but is off: see 'zarnctl config'";
     } else if (lines.empty()) {
@@ -31,27 +31,24 @@ class ThisComputer final : public Hardware {
     return exchanges;
   }
 
-  /// The log also calls a failure what a notebook just does not have.
+  /// None: the log also calls it a failure when the notebook lacks a part.
   std::vector<std::string> TakeRefusals() override {
     log_ = {};
     return {};
   }
 
   SettingsPlaces Settings() const override {
-    return {
-        .text = "to turn logging on, set in the registry:\n" + Example(kLogSwitch) +
+    return {.text =
+                "to turn logging on, set in the registry:\n" + Example(kLogSwitch) +
                 "to have a HID keyboard reported beside the embedded controller's devices, and not without them:\n" +
-                Example(kHybridSwitch),
-        .complaints = {}};
+                Example(kHybridSwitch)};
   }
 
   Remedies RemediesHere() const override {
     return {.nothing_discovered = "'zarnctl doctor' tells why",
             .switches = "'zarnctl config' shows where it is set",
-            .no_log = "",
             .no_hid_devices = "plug the keyboard in",
             .may_not_open = "run as administrator",
-            .may_not_open_keys = "",
             .no_node = "plug it in again",
             .no_answer = "plug it in again",
             .no_table = "run as administrator",
@@ -66,9 +63,7 @@ class ThisComputer final : public Hardware {
 }  // namespace
 
 SystemFeatures ThisSystem() {
-  return {.commands = {},
-          .options = {},
-          .note =
+  return {.note =
               "Here it drives this computer alone. zarnctl on Linux also simulates notebooks (--machine), traces\n"
               "exchanges (--trace), records machines (record) and draws lights (picture).\n"
               "What was refused shows in the plug-in's log alone, and not all of it does."};
