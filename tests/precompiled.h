@@ -1,5 +1,5 @@
-/// What nearly every test includes, compiled once. Tests include what they use all the same: preset `clang` is without
-/// this header, and scripts/lint reads them so.
+/// What nearly every test includes, compiled once. Preset `clang` and scripts/lint do without it, so tests include what
+/// they use as well.
 
 #include <gtest/gtest.h>
 

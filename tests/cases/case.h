@@ -1,5 +1,4 @@
-/// The fixture of the cases: what a host and a person do with a notebook, and what they expect to see. Nothing here
-/// knows by which road the notebook gets under the plug-in.
+/// The fixture of the cases: what a host and a person do with a notebook, and what they expect to see, on any road.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,7 +12,6 @@
 #include <thread>
 #include <vector>
 
-#include "controller/description_format.h"
 #include "controller/packet_formats.h"
 #include "simulator/profile.h"
 #include "tests/cases/road.h"
@@ -46,7 +44,7 @@ class Case : public ::testing::Test {
     return simulator::LoadProfile(std::string(ZARN_PROFILE_DIR) + "/" + name + ".toml");
   }
 
-  /// A notebook that starts anew, and a host with the plug-in freshly loaded on it, logging.
+  /// Starts a notebook and loads a fresh copy of the plug-in on it, with logging on.
   void Start(simulator::Profile profile) {
     TakeAway();
     profile.registry[L"SOFTWARE\\OEM\\ZarnLightingService\\Log"][L"ZarnLightingService"] = {1, 0, 0, 0};
@@ -65,19 +63,14 @@ class Case : public ::testing::Test {
   using Device = std::unique_ptr<RGBControllerInterface>;
   Device Create(const std::string& name) const { return plugin_->Create(name); }
 
-  static ControllerRecords Describe(const Device& device) {
-    ControllerRecords records;
-    EXPECT_TRUE(UnpackDescription(records, Take(device->PackDescription(3)), 3));
-    return records;
-  }
+  static ControllerRecords Describe(const Device& device) { return DescriptionOf(*device); }
   static Lines ModesOf(const Device& device) {
     Lines labels;
     for (const ModeRecord& mode : Describe(device).mode_list) labels.push_back(mode.label);
     return labels;
   }
 
-  /// Label, code, capabilities, ranges of speed, brightness and colours, the settings, the colour source and the
-  /// colours.
+  /// Label, code, capabilities, ranges of speed, brightness and colours, settings, colour source, colours.
   static Lines ModesInNumbers(const Device& device) {
     Lines lines;
     for (const ModeRecord& mode : Describe(device).mode_list) {
@@ -114,8 +107,8 @@ class Case : public ::testing::Test {
     device->WriteModeToDevice();
   }
 
-  /// What crossed the wires since the last call: "SetGamingKBBacklight 02 05", "SetFeature 0 a4 21", without zeros at
-  /// the end, and what was refused behind it.
+  /// What crossed the wires since the last call, without zeros at the end: "SetGamingKBBacklight 02 05", or with the
+  /// reason of a refusal "SetFeature 0 a4 22: the report is ...".
   Lines Wire() const {
     Lines lines;
     for (const simulator::WireRecord& record : notebook->TakeWire()) {
@@ -171,7 +164,7 @@ class Case : public ::testing::Test {
     return profile;
   }
 
-  /// Waits for what the worker does in its own time; the test's time limit ends it if that never comes.
+  /// Waits for the worker. The test's time limit ends a wait in vain.
   template <typename Condition>
   static void Await(const Condition& condition) {
     while (!condition()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -186,7 +179,7 @@ class Case : public ::testing::Test {
     TheRoad().TakeAway();
   }
 
-  /// It stays loaded, as a host that logs keeps it.
+  /// The copy stays loaded, because the log that it opens lives until the process ends.
   static Plugin* LoadPlugin() {
     static auto& loaded = *new std::vector<std::unique_ptr<FreshPlugin>>;
     return loaded.emplace_back(std::make_unique<FreshPlugin>())->operator->();
@@ -219,7 +212,7 @@ class Case : public ::testing::Test {
   const Plugin* plugin_ = nullptr;
 };
 
-/// Leaves out a case that this program's road cannot carry.
+/// Skips a case that this program's road cannot carry.
 #define NEEDS(need) \
   if (const std::string reason = TheRoad().WhyNot(need); !reason.empty()) GTEST_SKIP() << reason
 

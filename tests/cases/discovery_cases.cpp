@@ -7,7 +7,7 @@ namespace {
 
 constexpr wchar_t kServiceKey[] = L"SOFTWARE\\OEM\\ZarnLightingService";
 
-/// What a notebook has, by the sources of the decision.
+/// What discovery decides by.
 struct Sources {
   bool hid = false;
   bool hybrid = false;
@@ -28,7 +28,7 @@ class DiscoveryCase : public Case {
     return profile;
   }
 
-  /// Discovery of a notebook whose firmware of this version tells this of its lights.
+  /// The count on firmware of this version that gives this answer about its lights.
   std::int32_t CountWith(simulator::FirmwareVersion version, std::uint8_t gm_return, std::vector<std::uint8_t> output) {
     simulator::Profile profile = ProfileWith({.ec = true, .bar = true});
     profile.ec.version = version;

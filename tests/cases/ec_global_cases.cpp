@@ -32,7 +32,7 @@ TEST_F(EcGlobalCase, DescribesOneLightWithTheModesOfTheEcKeyboard) {
   EXPECT_TRUE(records.zone_list[0].led_total_min == 1 && records.zone_list[0].led_total_max == 1);
   EXPECT_EQ(records.led_list[0].label, "Global Backlight zone 1");
 
-  // But for two rows the modes are those of the EC keyboard.
+  // The EC keyboard's modes, but for two rows.
   Lines modes = ModesInNumbers(Create("ZarnECKeyboard"));
   modes[0] = "Direct 255 32 0 0 0 0 0 0 0 0 0 1";
   modes[4] = "WAVE 3 19 1 9 0 100 0 0 5 50 0 0";

@@ -1,4 +1,4 @@
-/// The program of cases. With --matrix it ends with its column: case and outcome.
+/// The program of cases. With --matrix it ends with a line for each case and its outcome.
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,6 @@
 namespace test {
 namespace {
 
-/// Prints what became of each case.
 class Matrix final : public ::testing::EmptyTestEventListener {
  public:
   void OnTestProgramEnd(const ::testing::UnitTest& program) override {

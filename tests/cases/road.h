@@ -1,4 +1,4 @@
-/// The ways by which a simulated notebook gets under the plug-in. Each program of cases runs on one of them.
+/// A road puts a simulated notebook under the plug-in. Each program of cases has one.
 #pragma once
 
 #include <memory>
@@ -11,7 +11,7 @@ namespace test {
 /// What a case needs that not every road can carry.
 enum class Need {
   Firmware,     // methods, and a record of the notebook's own
-  ShortStalls,  // requests that end without an answer as soon as the keyboard is told to end them
+  ShortStalls,  // a keyboard that leaves a request unanswered for as short a time as the case wants
 };
 
 class Road {
@@ -19,13 +19,13 @@ class Road {
   virtual ~Road() = default;
 
   virtual std::string Name() const = 0;
-  /// Why this road cannot carry it; empty when it can.
+  /// Why this road cannot carry a case with that need. Empty when it can.
   virtual std::string WhyNot(Need need) const = 0;
-  /// Puts a notebook under whatever the process loads from now on.
+  /// Puts a notebook under the plug-ins that the process loads from now on.
   virtual void Place(const std::shared_ptr<simulator::Notebook>& notebook) = 0;
-  /// Waits until what was plugged and unplugged is seen by the system above it.
+  /// Waits until the system has noticed what was plugged and unplugged.
   virtual void Settle() = 0;
-  /// Takes it away again, after checking that nothing of it is still held.
+  /// Takes the notebook away, and checks that nobody still holds anything of it.
   virtual void TakeAway() = 0;
 };
 

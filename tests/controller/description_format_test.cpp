@@ -11,8 +11,7 @@
 namespace test {
 namespace {
 
-/// The example's bytes: `size`, then what every version carries, with the maker's name and the brightness fields where
-/// the version has them.
+/// The example's bytes, with the maker's name and the brightness fields where a version has them.
 Bytes ExampleBytes(const std::string& size, bool maker, bool brightness) {
   const std::string low_high = brightness ? "00 00 00 00 64 00 00 00 " : "";
   return Hex(size + " 00 00 00 05 00 00 00 03 00 41 42 00 " + (maker ? "02 00 5a 00 " : "") +
@@ -28,7 +27,7 @@ Bytes Packed(const ControllerRecords& records, std::uint32_t version) {
   return Copy(PackDescription(records, version));
 }
 
-/// A buffer whose first field claims what it holds, if it has room to.
+/// The bytes with their size in the first field, if there is room for it.
 Bytes Sized(Bytes bytes) {
   const std::size_t size = bytes.size();
   for (std::size_t i = 0; i < 4 && size >= 4; ++i) bytes[i] = static_cast<std::uint8_t>(size >> (8 * i));
@@ -117,7 +116,7 @@ TEST(DescriptionFormat, EveryTruncationIsRefusedWholeAndBytesBehindTheLastFieldA
     while (!cut.empty()) {
       cut.pop_back();
       ControllerRecords records = TwoZones();
-      for (const Bytes& bytes : {cut, Sized(cut)}) {  // and when it does not even claim more
+      for (const Bytes& bytes : {cut, Sized(cut)}) {  // with the old size in front, and with its own
         EXPECT_FALSE(UnpackDescription(records, ExactBlock(bytes).view(), version)) << cut.size();
       }
       EXPECT_EQ(Snapshot(records), Snapshot(TwoZones()));
@@ -131,7 +130,7 @@ TEST(DescriptionFormat, NulDecidesTheTextAndLengthMovesTheCursor) {
       Hex("00 00 00 00 05 00 00 00 01 00 41 42 00 04 00 43 00 99 99 01 00 00 01 00 00 01 00 00 "
           "00 00 00 00 00 00 00 00 00 00 00 00");
   ControllerRecords records;
-  // The cursor stands behind the A: the next length is 42 00, which the buffer cannot hold.
+  // The next length is read behind the A: 42 00, more than the buffer holds.
   EXPECT_FALSE(UnpackDescription(records, Sized(bytes), 0));
   bytes.erase(bytes.begin() + 11, bytes.begin() + 13);
   ASSERT_TRUE(UnpackDescription(records, Sized(bytes), 0));
@@ -157,7 +156,7 @@ TEST(DescriptionFormat, WhatCouldNotBeWrittenAgainIsRefusedWhole) {
   ControllerRecords records;
   EXPECT_TRUE(UnpackDescription(records, Description(led_total + "ff ff 00 00" + no_leds), 3));
   refused(ControllerRecords(), Description(led_total + "00 00 01 00" + no_leds));
-  // Eight zones are there with one LED too many in all; and a sum that wraps to little.
+  // With the eight LEDs that are there, one too many; and a sum that wraps.
   refused(TwoZones(), Description(led_total + "f8 ff 00 00" + no_leds));
   refused(TwoZones(), Description(led_total + "f9 ff ff ff" + no_leds));
 
@@ -194,7 +193,7 @@ TEST(DescriptionFormat, SmallBufferCannotAskForMuchMemory) {
     DisarmAllocationFaults();
     EXPECT_LE(BytesRequestedWhileArmed(), 16 * bytes.size() + 262144);
   };
-  // Counts without entries behind them; and a zone that needs all colours there can be.
+  // Counts without entries; and a zone that needs as many colours as there can be.
   requested_for(Description("ff ff"), false);
   requested_for(Description("00 00 ff ff"), false);
   requested_for(Description("01 00 01 00 00 01 00 00 00 00 00 00 00 00 00 00 00 ff ff 00 00 00 00 00 00 00 00"), true);

@@ -12,7 +12,7 @@
 namespace test {
 namespace {
 
-/// A second mode for TwoZones, every number of which is different.
+/// A second mode for TwoZones. All its numbers differ, so that no two fields can be mixed up.
 ModeRecord Numbered() {
   ModeRecord mode;
   mode.label = "Mo";

@@ -16,7 +16,7 @@
 namespace test {
 namespace {
 
-/// A device that writes down which hardware operations run, and can be held inside one.
+/// A device that records its hardware operations, and can be held inside one.
 class Device final : public RGBController {
  public:
   explicit Device(const std::vector<std::uint32_t>& zone_leds = {}) {
@@ -52,8 +52,8 @@ class Device final : public RGBController {
   /// Waits until `count` operations have begun, and answers which.
   std::string AwaitBegun(std::size_t count) {
     std::unique_lock lock(lock_);
-    changed_.wait(lock, [&] { return begun_.size() >= count; });
-    return Joined();
+    changed_.wait(lock, [&] { return count_ >= count; });
+    return begun_;
   }
   /// All operations that ever ran, once the worker has ended.
   std::string AfterStop() {
@@ -67,26 +67,23 @@ class Device final : public RGBController {
   void Operate(const char* name) {
     {
       std::unique_lock lock(lock_);
-      begun_.emplace_back(name);
+      begun_.append(count_++ > 0 ? " " : "").append(name);
       changed_.notify_all();
       changed_.wait(lock, [&] { return !held_; });
     }
     during_operation();
   }
-  std::string Joined() const {
-    std::string all;
-    for (const std::string& name : begun_) all += (all.empty() ? "" : " ") + name;
-    return all;
-  }
 
   std::mutex lock_;
   std::condition_variable changed_;
-  bool held_ = false;               // guarded by lock_
-  std::vector<std::string> begun_;  // guarded by lock_
+  // Guarded by lock_.
+  bool held_ = false;
+  std::size_t count_ = 0;
+  std::string begun_;
 };
 
 TEST(UpdateWorker, ModeGoesBeforeColoursInOnePass) {
-  // Most rounds find the worker still asleep when both are there; none may ever show more than one push of a kind.
+  // In most rounds both requests are there before the worker wakes. No round may show a push twice.
   int in_one_pass = 0;
   for (int i = 0; i < 200; ++i) {
     Device device;
@@ -105,7 +102,7 @@ TEST(UpdateWorker, RequestsDuringAnOperationOfTheirKindAreAbsorbedAndOthersCoale
   device.RequestColorPush();
   device.AwaitBegun(1);
   device.RequestColorPush();
-  device.RequestModePush();  // brings another pass, in which the colours would be sent if they were still pending
+  device.RequestModePush();  // brings another pass, which would show colours that are still pending
   device.RequestModePush();
   device.Release();
   device.AwaitBegun(2);
@@ -164,7 +161,7 @@ TEST(RgbController, ColoursFollowTheZonesAndIndexesBeyondTheListsAndNullBuffersA
   device.UnpackColorTablePacket(nullptr);
   device.UnpackZoneColorsPacket(nullptr);
   device.UnpackOneColorPacket(nullptr);
-  EXPECT_EQ(device.AfterStop(), "");  // none of it asks for a push
+  EXPECT_EQ(device.AfterStop(), "");  // no push was requested
 }
 
 TEST(RgbController, ListenersAreCalledInOrderEachWithItsContext) {
@@ -191,7 +188,7 @@ TEST(RgbController, ListenersAreCalledInOrderEachWithItsContext) {
   EXPECT_EQ(heard, "Babab");
 }
 
-/// A clock that only naps move on.
+/// A clock that only naps advance.
 struct SteppedClock {
   using duration = std::chrono::nanoseconds;
   using rep = duration::rep;

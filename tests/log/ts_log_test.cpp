@@ -17,7 +17,7 @@ namespace {
 
 using zarn::WRV520::Logger;
 
-/// A process keeps its log for ever, so each case that may create one runs in a process of its own. Logging is on.
+/// Logging is on. A process keeps its log for ever, so each test that may create one runs in a process of its own.
 class TsLogTest : public MachineTest {
  protected:
   TsLogTest() { SwitchLogOn(); }
@@ -160,7 +160,7 @@ TEST(Logger, DefaultPrintsMessagesUntilItIsReplacedAndUsersKeepTheirs) {
   zarn::WRV520::ReplaceLogger(std::make_shared<zarn::WRV520::TsLogAdapter>(nullptr));
   zarn::WRV520::CurrentLogger()->Log(Logger::Info, L"tag", L"dropped");
   std::wcout.rdbuf(usual);
-  EXPECT_EQ(console.str(), L"\nmessage\n");  // what was lost still ends its line
+  EXPECT_EQ(console.str(), L"\nmessage\n");  // of the lost message the line's end is left
   EXPECT_EQ(by_default.use_count(), 1);
   zarn::WRV520::ReplaceLogger(by_default);
 }

@@ -40,7 +40,7 @@ class LinuxMachineTest : public ::testing::Test {
     return words.str();
   }
   platform::OpenedHidDevice Open(const fs::path& path) { return OpenHidrawDevice(places, path.wstring(), resting); }
-  /// The error of exchanges over a new connection or this one; they open the node only to have it refuse them.
+  /// The error of exchanges over `connection`, or a new one. Only an exchange that the node itself refuses opens it.
   LONG Exchange(const fs::path& path, std::shared_ptr<platform::HidConnection> connection = nullptr) {
     const int events = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
     EXPECT_GE(inotify_add_watch(events, path.c_str(), IN_OPEN), 0);
@@ -87,7 +87,7 @@ TEST_F(LinuxMachineTest, OnlyNodesThatAreThereAndAllowedAreOpened) {
   EXPECT_EQ(machine.OpenHidDevice(node.wstring()).device.report_descriptor, Hex("06 5A FF"));
   fs::permissions(folder, fs::perms::all);
   fs::permissions(node, fs::perms::none);
-  std::ignore = seteuid(65534);  // root may read everything, and others stay who they are
+  std::ignore = seteuid(65534);  // root may read everything; for others this fails and changes nothing
   EXPECT_EQ(Open(node).error, ERROR_ACCESS_DENIED);
   std::ignore = seteuid(getuid());
 }

@@ -17,12 +17,12 @@ platform::ReportDescriptor Parsed(const std::string& hex) {
   return parsed;
 }
 
-/// Its values as "id page:usage bits x count @data index", all in hexadecimal, behind page, usage and report length.
+/// "page:usage of report length", then each value as "id page:usage bits x count @data index", in hexadecimal.
 Lines Read(const platform::HidCollection& collection) {
   const auto indexes = [](USHORT first, USHORT last, bool range) {
     std::ostringstream text;
     text << std::hex << first;
-    if (range || last != 0) text << '-' << last;  // what is reserved shows when it is not 0
+    if (range || last != 0) text << '-' << last;  // without a range it is reserved, and must be 0
     return text.str();
   };
   EXPECT_EQ(collection.caps.NumberFeatureValueCaps, collection.values.size());

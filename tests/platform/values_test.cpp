@@ -10,7 +10,6 @@ using platform::Bytes;
 using platform::Value;
 using ValuesTest = test::MachineTest;
 
-/// Clears what it holds at its end.
 struct OwnedVariant : VARIANT {
   explicit OwnedVariant(const Value& value = {}) : VARIANT(platform::VariantOf(value)) {}
   OwnedVariant(const OwnedVariant&) = delete;

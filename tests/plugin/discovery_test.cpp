@@ -1,4 +1,4 @@
-/// Discovery where a profile cannot lead: odd records, failing platform calls, memory running out.
+/// Discovery where no profile leads: odd records, failing platform calls, memory running out.
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 namespace test {
 namespace {
 
-/// On firmware that confirms a light bar whenever it is asked.
+/// The firmware confirms a light bar.
 class Discovery : public PluginTest {
  protected:
   Discovery() {
@@ -39,9 +39,9 @@ TEST_F(Discovery, ItemsCountInTheirOrderUpToTheFirstLightBar) {
 
 TEST_F(Discovery, FailuresShowInTheCountAloneAndLeaveNothingOpen) {
   ScriptedHid& keyboard = machine->Plug(VendorCollection(0xFF5A, {{0xA4, 0x41, 8}}));
-  keyboard.answers[0xA1] = {0xA1, 1, 0x22};  // not the keyboard: the embedded controller is asked, too
+  keyboard.answers[0xA1] = {0xA1, 1, 0x22};  // no keyboard, so discovery goes on to the firmware
   machine->SetSmbios(TableWithItems(2, 91, {{8, 1}, {10, 2}, {23, 1}}));
-  // Once the list holds a device it is not built again, so every run begins with a plug-in that has just been loaded.
+  // A list that holds a device is never built again, so every run needs a fresh plug-in.
   auto fresh = std::make_unique<FreshPlugin>();
   Discovered found;
   ::testing::internal::CaptureStderr();

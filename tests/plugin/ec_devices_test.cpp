@@ -1,4 +1,4 @@
-/// The EC devices where a profile cannot lead: odd records, odd answers, firmware that holds a call.
+/// The EC devices where no profile leads: odd records, odd answers, firmware that holds a call.
 
 #include <gtest/gtest.h>
 
@@ -22,12 +22,6 @@ class EcKeyboard : public PluginTest {
     machine->SetSmbios(TableWithItems(major, minor, items));
     keyboard = plugin().Create("ZarnECKeyboard");
   }
-  ControllerRecords Describe() const {
-    ControllerRecords records;
-    EXPECT_TRUE(UnpackDescription(records, Take(keyboard->PackDescription(3)), 3));
-    return records;
-  }
-
   std::unique_ptr<RGBControllerInterface> keyboard;
 };
 
@@ -39,8 +33,8 @@ TEST_F(EcKeyboard, ZonesFollowTheFirmwaresRecord) {
       {{}, 0}};
   for (const auto& [items, leds] : cases) {
     UseFirmware(3, 0, items);
-    EXPECT_EQ(Describe().zone_list.size(), 1U);
-    EXPECT_EQ(Describe().led_list.size(), leds);
+    EXPECT_EQ(DescriptionOf(*keyboard).zone_list.size(), 1U);
+    EXPECT_EQ(DescriptionOf(*keyboard).led_list.size(), leds);
   }
 }
 
@@ -58,7 +52,7 @@ TEST_F(EcKeyboard, RecordsMayBeChangedWhileTheFirmwareHoldsAPush) {
   keyboard->StoreLedColor(0, 5);
   keyboard->UnpackDescription(Take(keyboard->PackDescription(3)).data(), 3);
   keyboard->SelectFirstMode();
-  EXPECT_EQ(Describe().mode_list.size(), 18U);
+  EXPECT_EQ(DescriptionOf(*keyboard).mode_list.size(), 18U);
   go_on.count_down();
   host.join();
 }

@@ -1,4 +1,4 @@
-/// What the plug-in does when the platform or memory fails under it, call by call.
+/// The plug-in when the platform or memory fails, call by call.
 
 #include <gtest/gtest.h>
 
@@ -29,12 +29,12 @@ TEST_F(Faults, DevicesThatCannotBeBuiltLeaveTheirControllersWithTheHost) {
                  device.reset();
                  if (!run.met) controller = plugin().CreateController(name);
                });
-    EXPECT_NE(plugin().CreateAround(name, controller), nullptr);  // and it is still sound
+    EXPECT_NE(plugin().CreateAround(name, controller), nullptr);
   }
 }
 
 TEST_F(Faults, PushesUnderFaultsReturnAndLeaveTheRecordsAsTheyWere) {
-  SwitchLogOn();  // so that the log's calls fail in turn as well
+  SwitchLogOn();  // its calls fail in turn, too
   const auto keyboard = plugin().Create("ZarnECKeyboard");
   keyboard->StoreLedColor(2, 0x00FF00);
   const auto before = Take(keyboard->PackDescription(3));
@@ -72,7 +72,7 @@ class HidFaults : public MachineTest {
     return fresh->CreateAround("ZarnHIDKeyboard", controller);
   }
   std::unique_ptr<RGBControllerInterface> Create() { return CreateAround(CreateController()); }
-  /// Takes all keyboards out after so many platform calls of `operation`, or at its end.
+  /// Unplugs all keyboards after so many platform calls of `operation`, or at its end.
   void UnplugAfter(std::uint64_t calls, const std::function<void()>& operation) {
     platform::SetJournal([this, &calls](const platform::JournalEntry&) {
       if (calls-- == 0) machine->hid_devices.clear();
@@ -93,12 +93,10 @@ TEST_F(HidFaults, AKeyboardIsCreatedOrLeavesNothingBehind) {
                EXPECT_TRUE(!run.threw_bad_alloc || run.fault.source == Fault::Source::Memory);
                if (!run.threw_bad_alloc) {
                  const auto device = CreateAround(std::exchange(controller, nullptr));
-                 ControllerRecords records;
-                 UnpackDescription(records, Take(device->PackDescription(3)), 3);
-                 // Asked up to five times, so that a call that fails once costs nothing.
-                 EXPECT_TRUE(records.led_list.size() == 1 || (run.met && run.fault.for_ever));
+                 // It is asked up to five times, so a call that fails once costs nothing.
+                 EXPECT_TRUE(DescriptionOf(*device).led_list.size() == 1 || (run.met && run.fault.for_ever));
                }
-               Create();  // closes what a controller that was not to be has left to the list
+               Create();  // closes what a failed controller left open in the list
              });
 }
 
@@ -110,7 +108,7 @@ TEST_F(HidFaults, PushesUnderFaultsReturnAndReachTheKeyboardOnceThereAreNone) {
   report.resize(65);
   const auto check = [&](const FaultRun& run) {
     EXPECT_FALSE(run.threw_bad_alloc);
-    // What fails once costs an attempt, or memory the whole push.
+    // A call that fails once costs one attempt of five. Memory that runs out once costs the push.
     const bool may_be_lost = run.met && (run.fault.for_ever || run.fault.source == Fault::Source::Memory);
     EXPECT_TRUE(keyboard.TakeReports() == std::vector<Bytes>{report} || may_be_lost);
     Create();  // closes the list's handles

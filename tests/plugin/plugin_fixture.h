@@ -14,13 +14,13 @@ namespace test {
 
 class PluginTest : public MachineTest {
  protected:
-  /// Loaded once and for all: the log it may create lives as long as the process.
+  /// Loaded once: its log lives as long as the process.
   static Plugin& plugin() {
     static auto& loaded = *new Plugin;
     return loaded;
   }
 
-  /// Turns logging on, for the rest of the process, into a file of the process's own.
+  /// Turns logging on for the rest of the process.
   void SwitchLogOn() {
     machine->SwitchLogOn(LogFolder().path().string());
     NewLog();

@@ -52,7 +52,7 @@ TEST(Exports, AreTheSevenAndNothingElse) {
 class Loading : public MachineTest {};
 
 TEST_F(Loading, RunsNothingAndUnloadingLeavesNothing) {
-  const TemporaryFolder folder;  // a copy is a library of its own, whatever else this process has loaded
+  const TemporaryFolder folder;  // a copy counts as another library than the one that this process has loaded
   const std::string path = folder.path() / "copy.so";
   std::filesystem::copy(ZARN_LIGHTING_PATH, path);
   int calls = 0;
@@ -66,7 +66,7 @@ TEST_F(Loading, RunsNothingAndUnloadingLeavesNothing) {
     plugin.Create("ZarnECKeyboard")->RequestColorPush();
   }
   platform::SetJournal(nullptr);
-  // Gone from the process means that its destructors have run; what they had left would be found as a leak.
+  // The destructors have run by then, and LeakSanitizer would find what they left.
   EXPECT_FALSE(IsLoaded(path));
 }
 
@@ -103,15 +103,14 @@ TEST_F(Slots, AnswerAtTheirPositions) {
   EXPECT_EQ(CallSlot<std::int32_t>(keyboard, 5), 0);
   unpack(8, pack(7, std::uint32_t{3}), std::uint32_t{3});
   CallSlot(keyboard, 25);
-  ControllerRecords twice;
-  EXPECT_TRUE(UnpackDescription(twice, pack(7, std::uint32_t{3}), 3));
+  const ControllerRecords twice = DescriptionOf(*keyboard);
   EXPECT_EQ(twice.mode_list.size(), 18U);
   EXPECT_EQ(twice.led_list.size(), 12U);
 
-  for (const std::size_t nothing : {23U, 24U, 26U, 31U}) CallSlot(keyboard, nothing);  // the worker has slot 24 already
+  for (const std::size_t nothing : {23U, 24U, 26U, 31U}) CallSlot(keyboard, nothing);  // 24: the worker's own
   EXPECT_EQ(machine->TakeCalls().size(), 0U);
   CallSlot(keyboard, 6, std::int32_t{4});  // calls slot 22
-  CallSlot(keyboard, 34);                  // the deleting twin of slot 33; what is pending is carried out first
+  CallSlot(keyboard, 34);                  // slot 33 that also frees; the pending push runs first
   EXPECT_EQ(machine->TakeCalls().size(), 1U);
 }
 

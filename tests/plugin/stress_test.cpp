@@ -38,7 +38,7 @@ TEST_F(Stress, CreatedDrivenAndDestroyedOverAndOverEveryFirstRequestIsCarriedOut
     const auto keyboard = plugin().Create("ZarnECKeyboard");
     keyboard->RequestColorPush();
     if (i % 2 == 0) continue;
-    // Of what is requested from here on some may be absorbed, or die with its controller.
+    // From here on a request may be absorbed by a running one, or end with its controller.
     keyboard->ChooseMode(2 + i % 7);
     keyboard->PaintAllZones(static_cast<PackedColor>(i));
     keyboard->WriteModeToDevice();
@@ -73,11 +73,11 @@ TEST_F(Stress, RecordsMayBeChangedFromManyThreadsWhilePushesRun) {
   hosts.reserve(4);
   for (int i = 0; i < 4; ++i) hosts.emplace_back(work, 100);
   for (std::thread& host : hosts) host.join();
-  // The hosts may have been done before the worker began.
+  // The hosts may be done before the worker begins.
   while (color_pushes == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
-/// Lighting traffic of two controllers' workers and a host's thread, while the log is written.
+/// Two controllers' workers and a host's thread, with the log on.
 TEST_F(Stress, HidKeyboardsAreDrivenFromManyThreads) {
   SwitchLogOn();
   ScriptedHid& hid = machine->Plug(VendorCollection(0xFF5A, {{0xA3, 0x35, 8}, {0xA4, 0x41, 8}, {0xA4, 0x48, 16}}));

@@ -115,7 +115,7 @@ TEST_F(ProfileTest, EveryMistakeIsNamedWithItsLineAndRemedy) {
       {title + "[registry.'K']\nV = 4294967296\n", "3: V must be a whole number from 0 to 4294967295"},
   };
   for (const auto& [text, complaint] : cases) EXPECT_EQ(Complaint(File(text)), complaint) << text;
-  // The parser's own words about the language are not ours to promise, only the place.
+  // The words are the parser's own, so only the place is tested.
   EXPECT_TRUE(Complaint(File(title + "[log]\nenabled = tr\n")).starts_with("3: "));
   EXPECT_TRUE(Complaint(File("title = '\xFF'\n")).starts_with("1: "));
 }

@@ -23,7 +23,7 @@ std::atomic<std::uint64_t> bytes_requested = 0;
 
 }  // namespace
 
-// ThreadSanitizer's library will not have its operator new replaced; there allocations do not fail on demand.
+// ThreadSanitizer needs its own operator new, so there no allocation fails on demand.
 #if defined(__has_feature)
 #if __has_feature(thread_sanitizer)
 #define ZARN_KEEP_OPERATOR_NEW
@@ -31,8 +31,7 @@ std::atomic<std::uint64_t> bytes_requested = 0;
 #endif
 
 #ifndef ZARN_KEEP_OPERATOR_NEW
-// The operators themselves cannot but manage memory by hand.
-// NOLINTBEGIN(cppcoreguidelines-no-malloc)
+// NOLINTBEGIN(cppcoreguidelines-no-malloc): these operators are what others use instead
 void* operator new(std::size_t size) {
   if (!FailsNow(size)) {
     if (void* const block = std::malloc(size == 0 ? 1 : size)) return block;

@@ -1,16 +1,16 @@
-/// Lets memory run out on demand, in the whole process: the test program's operator new counts and fails.
+/// Lets memory run out on demand, in the whole process, through the test program's own operator new.
 #pragma once
 
 #include <cstdint>
 
 namespace test {
 
-/// Lets the n-th allocation from now on fail, counted from 1, and those behind it as well when `and_after`.
+/// The n-th allocation from now on fails, counted from 1. With `and_after` all later ones fail, too.
 void ArmAllocationFaults(std::uint64_t n, bool and_after);
-/// Ends it; how many allocations were made to fail.
+/// Ends that. Returns how many allocations failed.
 std::uint64_t DisarmAllocationFaults();
 
-/// What all allocations since the last arming asked for together, in bytes.
+/// The bytes that all allocations since the last arming asked for.
 std::uint64_t BytesRequestedWhileArmed();
 
 }  // namespace test

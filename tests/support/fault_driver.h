@@ -12,7 +12,7 @@
 
 namespace test {
 
-/// One fault: what fails, whether all that follows fails too, and which one it is.
+/// The n-th call or allocation fails, alone or with all that follow.
 struct Fault {
   enum class Source {
     PlatformCall,
@@ -29,7 +29,7 @@ struct Fault {
   }
 };
 
-/// How a run ended: whether the fault was met at all, and whether the out-of-memory exception left the operation.
+/// How a run ended. `met`: the operation got as far as the fault. `threw_bad_alloc`: std::bad_alloc left it.
 struct FaultRun {
   Fault fault;
   bool met;
@@ -43,9 +43,8 @@ inline void Arm(const Fault& fault) {
                        fault.source == Fault::Source::EmptyResult ? Plan::Kind::EmptySuccess : Plan::Kind::Failure});
 }
 
-/// Runs `operation` with the first, second, ... fault of every kind until a run meets none. After each run `check` gets
-/// how it went; and nothing that the platform handed out may be alive, whatever failed. Only std::bad_alloc may leave
-/// the operation.
+/// Runs `operation` with the first, second, ... fault of every kind until a run meets none. Only std::bad_alloc may
+/// leave it. After each run `check` gets the outcome, and nothing of the platform's may be alive.
 template <typename Operation, typename Check>
 void FailInTurn(Operation operation, Check check) {
   for (const auto source : {Fault::Source::PlatformCall, Fault::Source::EmptyResult, Fault::Source::Memory}) {

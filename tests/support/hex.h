@@ -1,4 +1,4 @@
-/// Bytes spelled as hexadecimal text, and bytes in blocks that end exactly where they do.
+/// Bytes spelled as hexadecimal text, padded, or in a block of their exact size.
 #pragma once
 
 #include <algorithm>
@@ -18,7 +18,12 @@ inline std::vector<std::uint8_t> Hex(const std::string& text) {
   return bytes;
 }
 
-/// A heap block of exactly these bytes, so that a stray read beyond them is seen.
+inline std::vector<std::uint8_t> Padded(std::vector<std::uint8_t> bytes, std::size_t length) {
+  bytes.resize(length);
+  return bytes;
+}
+
+/// A heap block of exactly these bytes. A sanitizer sees a read beyond them.
 class ExactBlock {
  public:
   explicit ExactBlock(std::span<const std::uint8_t> bytes)

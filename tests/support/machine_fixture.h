@@ -1,4 +1,4 @@
-/// A fixture with a scripted machine under the layer that ends with nothing left alive and nothing to complain of.
+/// A fixture with a scripted machine under the layer. At its end nothing of the platform's may be alive.
 #pragma once
 
 #include <gtest/gtest.h>

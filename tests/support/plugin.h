@@ -1,6 +1,8 @@
 /// The plug-in as a host has it: loaded, its exports found by name, its controllers' slots called by position.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -8,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "controller/description_format.h"
 #include "host/library.h"
 #include "tests/support/temporary_folder.h"
 #include "zarn_lighting/rgb_controller_interface.h"
@@ -18,7 +21,7 @@ class ZarnHIDKeyboardController;
 
 namespace test {
 
-/// What discovery answered, and before it did.
+/// What discovery answered. The initial values show what it left alone.
 struct Discovered {
   std::int32_t count = 0;
   std::wstring names = L"as it was";
@@ -49,7 +52,7 @@ class Plugin {
     return found;
   }
 
-  /// By the device names that discovery answers. What passes between the two factories is nothing to a host.
+  /// By the device names that discovery answers.
   void* CreateController(const std::string& name) const {
     if (name == "ZarnECKeyboard") return MakeController<ZarnECKeyboardController>(name);
     if (name == "ZarnECGlobal") return MakeController<ZarnECGlobalController>(name);
@@ -85,7 +88,7 @@ class FreshPlugin {
 
  private:
   static Plugin LoadCopy() {
-    const TemporaryFolder folder;  // which a file that was loaded does not need any more, or goes with Wine's prefix
+    const TemporaryFolder folder;  // a loaded file may be removed; Wine keeps it until its prefix goes
     const std::filesystem::path original = ZARN_LIGHTING_PATH;
     const std::filesystem::path copy = folder.path() / original.filename();
     std::filesystem::copy_file(original, copy);
@@ -103,12 +106,18 @@ Result CallSlot(RGBControllerInterface* controller, std::size_t slot, Arguments.
   return table[slot](controller, arguments...);
 }
 
-/// Takes a buffer over that a slot handed out; its first four bytes tell its size.
+/// Takes over a buffer from a slot. Its first four bytes tell its size.
 inline std::vector<std::uint8_t> Take(std::uint8_t* buffer) {
   const std::unique_ptr<std::uint8_t[]> owner(buffer);
   std::size_t size = 0;
   for (std::size_t i = 4; i-- > 0;) size = size << 8 | buffer[i];
   return {buffer, buffer + size};
+}
+
+inline ControllerRecords DescriptionOf(RGBControllerInterface& controller) {
+  ControllerRecords records;
+  EXPECT_TRUE(UnpackDescription(records, Take(controller.PackDescription(3)), 3));
+  return records;
 }
 
 }  // namespace test

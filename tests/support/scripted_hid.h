@@ -1,4 +1,4 @@
-/// A HID device for tests: declares what the case needs, answers as it is told, records what it was sent.
+/// A HID device for tests: it answers as a test tells it, and records what it was sent.
 #pragma once
 
 #include <algorithm>
@@ -24,7 +24,7 @@ struct DeclaredField {
   std::uint8_t count = 1;
 };
 
-/// A vendor's collection with these fields, and one constant report that makes feature reports `data_bytes` long.
+/// A vendor's collection with these fields. A constant report makes its feature reports `data_bytes` long.
 inline platform::Bytes VendorCollection(std::uint16_t usage_page, const std::vector<DeclaredField>& fields,
                                         std::uint8_t data_bytes = 64, std::uint8_t usage = 1) {
   platform::Bytes bytes = {
@@ -44,7 +44,7 @@ class ScriptedHid {
   LONG open_error = ERROR_SUCCESS;
   /// What is read of each report, with the id in front.
   std::map<std::uint8_t, platform::Bytes> answers;
-  /// The error code of an exchange, called before it; `report` as the device gets it.
+  /// Gives the error code of the exchange that is about to run. `report` is what the device gets.
   std::function<LONG(std::span<const std::uint8_t> report)> fail = [](auto) { return ERROR_SUCCESS; };
 
   explicit ScriptedHid(platform::Bytes descriptor) { device.report_descriptor = std::move(descriptor); }
@@ -74,7 +74,7 @@ class ScriptedHid {
   std::vector<platform::Bytes> reports_;  // guarded by lock_
 };
 
-/// A connection that dies with the unplugging of its device: when `device` is not the machine's any more.
+/// A connection that ends when the machine drops its device, which means an unplug.
 class ScriptedConnection final : public platform::HidConnection {
  public:
   explicit ScriptedConnection(const std::shared_ptr<ScriptedHid>& device) : device_(device) {}

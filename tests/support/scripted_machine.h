@@ -1,4 +1,4 @@
-/// A machine for tests of the product: settable, recording, with a clock of its own.
+/// A machine for tests: settable, recording, with a clock of its own.
 #pragma once
 
 #include <functional>
@@ -33,7 +33,7 @@ class ScriptedMachine : public platform::Machine {
   ScriptedMachine() {
     firmware.methods = {{L"SetGamingLED"}, {L"GetGamingLED"}, {L"SetGamingKBBacklight"}, {L"SetGamingRgbKb"}};
     firmware.instance_names = {L"ACPI\\ZARN\\0_0"};
-    sleeps_.reserve(64);  // a pause must not be lost because memory runs out while it is noted
+    sleeps_.reserve(64);  // memory may be made to run out during a pause
   }
 
   // Set before use, or by the thread that alone uses the machine.
@@ -43,11 +43,10 @@ class ScriptedMachine : public platform::Machine {
   std::optional<platform::SmbiosTable> smbios;
   platform::FirmwareClass firmware;
   bool has_firmware = true;
-  /// What the firmware answers; the default is success with gmOutput 0.
   std::function<FirmwareAnswer(const FirmwareCall&)> answer = [](const FirmwareCall&) {
     return FirmwareAnswer{S_OK, {{L"gmOutput", std::uint32_t{0}}}};
   };
-  /// Those that are plugged in. One that is taken out, and not held by the test, is gone for its open handles, too.
+  /// The devices plugged in. Taking one out unplugs it, also for handles that are open.
   std::vector<std::shared_ptr<ScriptedHid>> hid_devices;
   SYSTEMTIME now = {2024, 1, 3, 31, 14, 5, 9, 42};
 
@@ -61,14 +60,10 @@ class ScriptedMachine : public platform::Machine {
     const std::lock_guard lock(lock_);
     return std::exchange(calls_, {});
   }
-  std::size_t CallCount() {
-    const std::lock_guard lock(lock_);
-    return calls_.size();
-  }
   std::vector<std::uint32_t> TakeSleeps() {
     const std::lock_guard lock(lock_);
     std::vector<std::uint32_t> taken = sleeps_;
-    sleeps_.clear();
+    sleeps_.clear();  // keeps what is reserved
     return taken;
   }
 

@@ -1,4 +1,4 @@
-/// A folder of its own for a test, removed with everything in it; and what is in files.
+/// A new folder for a test, removed at the end; and the content of files.
 #pragma once
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-/// What shows on a real kernel alone: rights, time limits, the computer's own SMBIOS table.
+/// What only a real kernel shows: rights, time limits, the computer's own SMBIOS table.
 
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -25,7 +25,7 @@ using Clock = std::chrono::steady_clock;
 
 class KernelCase : public Case {
  protected:
-  /// What a command of a process of its own prints, as root or as somebody who is nobody.
+  /// What a command prints, and its exit code, in a process of its own that runs as `user`.
   static std::string Run(const std::string& command, uid_t user = 0) {
     const TemporaryFolder folder;
     const std::string out = folder.path() / "out";
@@ -42,7 +42,7 @@ class KernelCase : public Case {
   static std::string Zarnctl(const std::string& arguments, uid_t user = 0) {
     return Run(std::string(ZARNCTL_PATH) + " " + arguments, user);
   }
-  /// The line about the node of the keyboard, whichever number it has.
+  /// The line about the keyboard's node, with N for the node's number.
   static std::string LineAboutTheNode(const std::string& text) {
     const std::string named = std::regex_replace(text, std::regex("hidraw[0-9]+"), "hidrawN");
     std::smatch line;
@@ -50,13 +50,12 @@ class KernelCase : public Case {
     return line.str();
   }
 
-  /// So many keyboards, which hang while this thread and the worker push to them, and in the teardown; the wire begins
-  /// there.
+  /// Pushes to hung keyboards from this thread and the worker, and tears down. The wire has that alone.
   void PushAndTearDown(std::uint16_t keyboards) {
     simulator::Profile profile = HidProfile(1, 0);
     while (profile.hid_keyboards.size() < keyboards) {
       profile.hid_keyboards.push_back(profile.hid_keyboards.back());
-      ++profile.hid_keyboards.back().product;  // or the first would get the reports of both
+      ++profile.hid_keyboards.back().product;  // of equal keyboards the first one gets all reports
     }
     Start(profile);
     EXPECT_EQ(Discover().count, 1);
@@ -78,8 +77,8 @@ class KernelCase : public Case {
     EXPECT_EQ(stat(node.c_str(), &entry), 0);
     return "/run/udev/data/c" + std::to_string(major(entry.st_rdev)) + ":" + std::to_string(minor(entry.st_rdev));
   }
-  /// What udev does for a node with the tag uaccess when that user logs in: a right in the node's access list, and the
-  /// tags in its database.
+  /// Does what udev does for a node with the tag uaccess when user 65534 logs in: puts a right into the node's access
+  /// list, and the tags into its database.
   static void GiveToNobody(const std::string& node, const std::string& tags) {
     struct Entry {
       std::uint16_t tag, rights;
@@ -100,7 +99,7 @@ class KernelCase : public Case {
   }
 };
 
-/// What the computer's table holds: version 2.91, four RGB zones, a light bar.
+/// The emulated computer's table has version 2.91, four RGB zones and a light bar.
 TEST_F(KernelCase, TheRecordComesFromTheComputersOwnTable) {
   Start("four-zone");
   EXPECT_EQ(Discover(), (Discovered{1, L"ZarnECKeyboard", 3, L"", L""}));
@@ -165,7 +164,7 @@ TEST_F(KernelCase, AnAnswerOfNoBytesOrOfAnotherReportIsNone) {
   settings.attribute_reply = {0xA3, 1, 0x21};
   expect_no_answer(settings);
   settings.descriptor = HidKeyboard(settings).report_descriptor();
-  settings.report_length = 0;  // of what it answers, whatever its descriptor says
+  settings.report_length = 0;  // it answers no bytes, against its descriptor
   expect_no_answer(settings);
 }
 
@@ -203,8 +202,8 @@ TEST_F(KernelCase, UdevGivesNodesWithLightsToTheUserAtTheMachineAndThoseWithKeys
   EXPECT_EQ(Run("rm -r /etc/zarn"), "exit code 0\n");
 }
 
-/// The package's scripts, with udev's own tool, but for the daemon's part: when they wait for it, the node that follows
-/// has lost its tags.
+/// Runs the package's scripts with udev's own tool. No daemon runs here, so the wait for it takes the tags from one
+/// node as the daemon would.
 TEST_F(KernelCase, ThePackageTakesBackWhatItsRuleHadGiven) {
   HidKeyboard::Settings combined = HidSettings(4, 0);
   combined.other_collection = true;
@@ -239,7 +238,7 @@ TEST_F(KernelCase, ThePackageTakesBackWhatItsRuleHadGiven) {
   EXPECT_EQ(usable(), (std::vector{false, true})) << "the second one is another rule's, too";
 }
 
-/// Each of its many lighting collections tells all about itself, and then refuses every update.
+/// Each of many lighting collections answers every question, and then refuses every update.
 TEST_F(KernelCase, AHostileKeyboardCostsNoMoreThanItsPatience) {
   HidKeyboard::Settings hostile = HidSettings(16, 0);
   const std::vector<std::uint8_t> one = HidKeyboard(hostile).report_descriptor();

@@ -1,4 +1,4 @@
-/// The cases over this computer's own kernel: keyboards through uhid, the SMBIOS table from firmware.
+/// The cases over this computer's kernel: keyboards through uhid, the SMBIOS table from the firmware.
 
 #include <gtest/gtest.h>
 

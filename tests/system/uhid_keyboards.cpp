@@ -46,8 +46,8 @@ bool HasOpenableNode(const std::string& unique) {
 
 }  // namespace
 
-/// One keyboard's device, served by a thread of its own. Each request gets a thread too: while the keyboard thinks
-/// about one, the kernel may give it up and send the next.
+/// One keyboard's device, served by a thread of its own. Each request has a thread as well: the kernel may give up a
+/// slow one and send the next.
 class UhidKeyboard {
  public:
   UhidKeyboard(std::shared_ptr<simulator::Notebook> notebook, std::size_t index)
@@ -91,7 +91,7 @@ class UhidKeyboard {
     if (served_ != 0) Destroy();
   }
 
-  /// Makes the kernel's device what the simulated keyboard is: plugged in or not.
+  /// Plugs the kernel's device in and out as the simulated keyboard is.
   void Follow() {
     const std::uint64_t connection = keyboard_.Connect().value_or(0);
     if (connection == served_) return;
@@ -135,7 +135,7 @@ class UhidKeyboard {
     }));
   }
 
-  /// An answer that comes too late is dropped by the kernel.
+  /// The kernel drops an answer that comes too late.
   void AnswerGet(const uhid_get_report_req& request, std::uint64_t connection) {
     const auto answer = notebook_->GetFeature(index_, connection, request.rnum);
     uhid_event event{};
@@ -163,7 +163,7 @@ class UhidKeyboard {
     return answer.result == HidKeyboard::Result::Done ? 0 : EIO;
   }
 
-  /// The kernel takes an event whole, or none of it: then the device that it was for is gone.
+  /// The kernel refuses an event for a device that is gone, which does no harm.
   void Send(const uhid_event& event) const {
     [[maybe_unused]] const ssize_t written = write(fd_, &event, sizeof(event));
   }
@@ -173,8 +173,8 @@ class UhidKeyboard {
   HidKeyboard& keyboard_;
   const int fd_;
   std::atomic<bool> ends_ = false;
-  std::atomic<std::uint64_t> served_ = 0;    // the connection that the kernel's device stands for; 0: there is none
-  std::atomic<std::uint64_t> last_ = 0;      // the one of the last device there was
+  std::atomic<std::uint64_t> served_ = 0;    // the connection of the kernel's device; 0 without a device
+  std::atomic<std::uint64_t> last_ = 0;      // the connection of the last device
   std::vector<std::future<void>> requests_;  // the server's
   std::thread server_;
 };
@@ -182,7 +182,7 @@ class UhidKeyboard {
 UhidKeyboards::UhidKeyboards(const std::shared_ptr<simulator::Notebook>& notebook) {
   for (std::size_t i = 0; i < notebook->HidKeyboardCount(); ++i) {
     keyboards_.push_back(std::make_unique<UhidKeyboard>(notebook, i));
-    keyboards_.back()->Settle();  // so that the nodes are in the order of the keyboards
+    keyboards_.back()->Settle();  // one after the other: nodes get the order of the keyboards
   }
 }
 

@@ -10,8 +10,7 @@ namespace test {
 
 class UhidKeyboard;
 
-/// From its construction to its destruction, which unplugs them; each follows its simulated keyboard when that one is
-/// plugged and unplugged.
+/// Each device is plugged in and out as its simulated keyboard is. Destruction unplugs all.
 class UhidKeyboards {
  public:
   explicit UhidKeyboards(const std::shared_ptr<simulator::Notebook>& notebook);

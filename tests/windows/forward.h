@@ -1,5 +1,5 @@
-/// DLLs of the system's names that hand every call on to the program, which exports functions of the same names: so the
-/// plug-in's imports reach the notebook that the program holds.
+/// For DLLs with names of the system's. They pass each call on to the function of that name that the program exports,
+/// so the plug-in's imports reach the program's notebook.
 #pragma once
 
 #include "platform/hid.h"

@@ -1,5 +1,4 @@
-/// What the layer's objects stand on where the platform itself is there: its texts and arrays, its last error, its file
-/// handles and its COM.
+/// On Windows the layer's objects use the platform's own texts, arrays, last error, file handles and COM.
 
 #include <climits>
 #include <cstring>
@@ -15,7 +14,7 @@
 namespace platform {
 namespace {
 
-/// What the system's CoSetProxyBlanket hands its arguments to.
+/// The system's CoSetProxyBlanket passes its arguments to this interface.
 class ClientSecurity final : public ComObject<ClientSecurity, IClientSecurity> {
  public:
   static constexpr IID kIid = {0x0000013D, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
@@ -30,7 +29,7 @@ class ClientSecurity final : public ComObject<ClientSecurity, IClientSecurity> {
   }
 };
 
-/// The path that a handle was opened by; empty when it is not open.
+/// The path of an open handle; empty when it is not open.
 std::wstring PathOf(HANDLE handle) {
   std::vector<wchar_t> path(MAX_PATH);
   const DWORD length = GetFinalPathNameByHandleW(handle, path.data(), static_cast<DWORD>(path.size()), 0);

@@ -7,7 +7,7 @@
 namespace platform {
 namespace {
 
-/// Lives as long as the process, so that its references count nothing.
+/// Lives as long as the process, so it counts no references.
 class LocatorFactory final : public IClassFactory {
  public:
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {

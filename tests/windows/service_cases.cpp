@@ -1,4 +1,4 @@
-/// What shows on the platform itself alone: apartments, how calls through a proxy authenticate, handles.
+/// What only the platform itself shows: apartments, how calls through a proxy authenticate, handles.
 
 #include "platform/standin/instruments.h"
 #include "platform/wmi.h"
@@ -9,20 +9,16 @@ namespace test {
 namespace {
 
 class ServiceCase : public Case {
- public:
-  ServiceCase(const ServiceCase&) = delete;
-  ServiceCase& operator=(const ServiceCase&) = delete;
-
  protected:
-  /// What the service's proxies were told, a line for each time.
-  Lines blankets;
-
-  ServiceCase() {
+  void SetUp() override {
     platform::SetJournal([this](const platform::JournalEntry& entry) {
       if (entry.call == "CoSetProxyBlanket") blankets.push_back(entry.arguments);
     });
   }
-  ~ServiceCase() override { platform::SetJournal({}); }
+  void TearDown() override { platform::SetJournal({}); }
+
+  /// The arguments of each CoSetProxyBlanket.
+  Lines blankets;
 };
 
 TEST_F(ServiceCase, CallsAuthenticateAsTheCallerAtCallLevel) {
@@ -63,7 +59,7 @@ TEST_F(ServiceCase, UseLeavesNoHandleOfThePlatformOpen) {
     EXPECT_TRUE(GetProcessHandleCount(GetCurrentProcess(), &handles));
     return handles;
   };
-  use();  // what the platform keeps for itself is there from here on
+  use();  // lets the platform open what it keeps for itself
   const DWORD before = use();
   for (int i = 0; i < 10; ++i) use();
   EXPECT_EQ(use(), before);

@@ -1,5 +1,5 @@
-/// The cases over the platform itself: its registry, files and COM, with the layer's objects in the place of its
-/// management service, and its HID functions over the notebook. See forward.h for how the plug-in gets to those.
+/// The cases over the platform's registry, files and COM. Management service and HID devices come from the layer:
+/// forward.h says how the plug-in reaches them.
 
 #include <gtest/gtest.h>
 
@@ -22,9 +22,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The notebook as far as the platform does not have it itself. Its HID devices are files, so that the platform's own
-/// calls open and close them: one for each interface and each time that a keyboard is plugged in, "2-5" for the third
-/// keyboard's fifth connection.
+/// The notebook's firmware, SMBIOS table and HID devices. The devices are files, so that the platform's own calls open
+/// and close them. Each plugging in makes new files, one for each interface: "2-5" is the third keyboard's fifth.
 class NotebookInFiles final : public platform::Machine {
  public:
   explicit NotebookInFiles(std::shared_ptr<simulator::Notebook> notebook)
@@ -60,7 +59,7 @@ class NotebookInFiles final : public platform::Machine {
   }
 
  private:
-  /// Windows' service has signed numbers for unsigned ones of 32 bits, and text for those of 64.
+  /// Windows' service gives unsigned numbers of 32 bits as signed ones, and numbers of 64 bits as text.
   static platform::Value AsTheServiceHasIt(platform::Value value) {
     if (const auto* const number = std::get_if<std::uint32_t>(&value)) return static_cast<std::int32_t>(*number);
     if (const auto* const number = std::get_if<std::uint64_t>(&value)) return std::to_wstring(*number);

@@ -31,10 +31,9 @@ Said Zarnctl(std::vector<std::string> words) {
   return {code, out.str() + errors.str()};
 }
 
-class ZarnctlCase : public Case {
- protected:
-  static Said SetRed() { return Zarnctl({"set", "zarnhidkeyboard", "--mode", "static", "--color", "ff0000"}); }
-};
+Said SetRed() { return Zarnctl({"set", "zarnhidkeyboard", "--mode", "static", "--color", "ff0000"}); }
+
+using ZarnctlCase = Case;
 
 TEST_F(ZarnctlCase, DrivesKeyboardsAndTellsWhatTheLogKnows) {
   Start("hybrid");

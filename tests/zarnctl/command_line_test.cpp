@@ -63,9 +63,7 @@ TEST_F(CommandLine, WrongOnesGetOneLineAndExitWithTwo) {
   ExpectComplaint("devices show X", 2, "show: not expected here" + help);
   ExpectComplaint("--plugin a --plugin b devices", 2, "--plugin: given more than once" + help);
   ExpectComplaint("record ''", 2, "record: the name of the file is empty");
-  ExpectComplaint("set ZarnECKeyboard --mode WAVE --speed 12 --machine four-zone", 2, "--speed 12: WAVE takes 1 to 9");
-  ExpectComplaint("set zarneckeyboard --mode wave --speed 99999999999 --machine four-zone", 2,
-                  "--speed 4294967295: WAVE takes 1 to 9");
+  ExpectComplaint("set zarneckeyboard --mode wave --speed 12 --machine four-zone", 2, "--speed 12: WAVE takes 1 to 9");
   ExpectComplaint("leds ZarnECKeyboard ff0000 00ff00 --machine three-zone", 2,
                   "leds: 2 colours given; give one for all, or 3, one for each LED");
 }
@@ -272,7 +270,7 @@ TEST_F(CommandLine, ARecordPlaysBackWhatTheMachineWas) {
 }
 
 TEST_F(CommandLine, ARecordHoldsNoMoreThanThePlugInUnderstands) {
-  // Behind the ids and the declared fields stands what could be a serial number.
+  // Behind the ids and the declared fields a device could put a serial number.
   std::string tail;
   for (int i = 0; i < 40; ++i) tail += ", 0x53";
   const std::string machine = WriteProfile(
@@ -310,19 +308,19 @@ TEST(Terminal, CursorIsShownWhileTheDemoIsStoppedAndWhenASignalEndsIt) {
   const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
   if (child == 0) {
     unsetenv("NO_COLOR");
-    std::signal(SIGINT, SIG_DFL);  // ignored in what a shell starts in the background
+    std::signal(SIGINT, SIG_DFL);  // a shell makes its background jobs ignore it
     execl("/bin/sh", "sh", "-mc", "'" ZARNCTL_PATH "' demo --machine four-zone; echo prompt; fg", nullptr);
     _exit(127);
   }
   if (child < 0) GTEST_SKIP() << "there are no pseudo-terminals here";
-  // What the terminal shows, one behind the other, and the key that is pressed then: Ctrl-Z, Ctrl-C.
+  // Pairs: what the terminal shows next, and the key that is pressed then, Ctrl-Z or Ctrl-C.
   static constexpr std::pair<const char*, const char*> kSteps[] = {
       {"\033[?25l", ""}, {"▇", "\x1A"}, {"\033[?25h", ""}, {"prompt", ""},
       {"\033[?25l", ""}, {"▇", "\x03"}, {"\033[?25h", ""}};
   const auto* step = std::begin(kSteps);
   std::string screen;
   std::array<char, 4096> block{};
-  // The terminal of a process that has ended answers with an error.
+  // When the process has ended, reading its terminal fails.
   for (ssize_t got = 0; (got = read(terminal, block.data(), block.size())) > 0;) {
     screen.append(block.data(), static_cast<std::size_t>(got));
     for (std::size_t place = 0; step != std::end(kSteps) && (place = screen.find(step->first)) != std::string::npos;

@@ -48,7 +48,6 @@ TEST(PlainLights, NameEffectsAndTellZoneByZoneWhatTheZonesDoNotShare) {
   EXPECT_EQ(PlainLights({panel}, Modes()), "keyboard: no zones\n");
 }
 
-/// A notebook with the lighting keyboards of `keyboards` and no firmware.
 simulator::Notebook WithHidKeyboards(std::vector<HidKeyboard::Settings> keyboards) {
   simulator::Profile profile;
   profile.hid_keyboards = std::move(keyboards);
@@ -93,14 +92,12 @@ std::string Key(int red, int green, int blue) {
   return "\033[38;2;" + std::to_string(red) + ";" + std::to_string(green) + ";" + std::to_string(blue) + "m▇▇▇";
 }
 
-std::string FirstRow(const std::string& drawing) { return drawing.substr(0, drawing.find('\n')); }
-
 TEST(DrawnPanel, DividesFifteenKeysBetweenTheZonesScalesThemAndKeepsDarkOnesVisible) {
   std::string row;
   for (int i = 0; i < 7; ++i) row += Key(255, 32, 144) + " ";
   for (int i = 7; i < 15; ++i) row += Key(32, 32, 32) + (i < 14 ? " " : "\033[0m");
   const std::string drawing = DrawnPanel(TwoZones(), 0);
-  EXPECT_EQ(FirstRow(drawing), row);
+  EXPECT_TRUE(drawing.starts_with(row + "\n")) << drawing;
   EXPECT_EQ(std::count(drawing.begin(), drawing.end(), '\n'), 5);
   EXPECT_TRUE(DrawnPanel(TwoZones(50), 0).starts_with(Key(144, 32, 88) + " "));
 }

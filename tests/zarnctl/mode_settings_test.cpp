@@ -45,6 +45,7 @@ TEST(Settings, WhatAModeDoesNotTakeIsRefusedWithWhatItTakes) {
     std::string line;
   } cases[] = {
       {kWave, "--speed", "10", "--speed 10: WAVE takes 1 to 9"},
+      {kWave, "--speed", "99999999999", "--speed 4294967295: WAVE takes 1 to 9"},
       {kWave, "--speed", "0", "--speed 0: WAVE takes 1 to 9"},
       {kWave, "--speed", "fast", "--speed fast: a whole number is needed"},
       {kWave, "--brightness", "101", "--brightness 101: WAVE takes 0 to 100"},

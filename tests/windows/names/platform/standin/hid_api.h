@@ -1,4 +1,4 @@
-/// In the place of the layer's declarations: here Windows itself declares HID devices.
+/// Replaces the layer's header: here Windows itself declares HID devices.
 #pragma once
 
 #include "platform/hid.h"

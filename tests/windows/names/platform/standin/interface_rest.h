@@ -1,12 +1,12 @@
-/// What the management service's interfaces have beside the operations that the layer offers: its objects stand behind
-/// the platform's real interfaces here, in the place of the system's own service.
+/// The operations of the management service's interfaces that the layer does not offer. Here its objects implement the
+/// platform's real interfaces, which have all of them.
 #pragma once
 
 #include "platform/wmi.h"
 
 namespace platform {
 
-/// `Interface` with all of its operations but those of the layer answering E_NOTIMPL.
+/// `Interface`, whose operations answer E_NOTIMPL unless the layer has them.
 template <typename Interface>
 class WithRest : public Interface {};
 
@@ -87,7 +87,7 @@ class WithRest<IClientSecurity> : public IClientSecurity {
 
 #undef ZARN_NOT_IMPLEMENTED
 
-/// The blanket of a proxy is set through an interface of the object itself: see the system's CoSetProxyBlanket.
+/// The system's CoSetProxyBlanket asks the object for IClientSecurity.
 HRESULT QueryOther(REFIID iid, void** object);
 
 }  // namespace platform

@@ -1,4 +1,4 @@
-/// In the place of the layer's declarations: here Windows itself declares environment, time, locks and files.
+/// Replaces the layer's header: here Windows itself declares environment, time, locks and files.
 #pragma once
 
 #include "platform/system.h"

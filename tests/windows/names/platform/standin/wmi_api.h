@@ -1,4 +1,4 @@
-/// In the place of the layer's declarations: here Windows itself declares COM and the management service.
+/// Replaces the layer's header: here Windows itself declares COM and the management service.
 #pragma once
 
 #include "platform/wmi.h"
