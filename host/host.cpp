@@ -40,7 +40,7 @@ auto Guarded(Body body) noexcept -> decltype(body()) {
   }
 }
 
-/// Names and numbers that are plain ASCII where the plug-in is sound.
+/// Names and numbers. A sound plug-in sends plain ASCII; anything else becomes '?'.
 std::string Narrow(const std::wstring& text) {
   std::string narrow;
   for (const wchar_t character : text)
@@ -77,7 +77,7 @@ Result<Device> CreateAs(const Library& library, const std::string& name) {
   return Device(std::move(device));
 }
 
-/// Takes a buffer over that a slot has handed out, and whose first field is its size.
+/// Owns a buffer that a slot has handed out. Its first field is its size.
 PackedBuffer Taken(std::uint8_t* bytes) {
   const std::uint64_t size = bytes == nullptr ? 0 : FromLittleEndian({bytes, sizeof(std::uint32_t)});
   return {std::unique_ptr<std::uint8_t[]>(bytes), static_cast<std::size_t>(size)};
@@ -105,7 +105,7 @@ Outcome Device::SetMode(std::int32_t index, const ModeRecord& mode) noexcept {
     if (!travels_whole) return Refusal("the mode's label or list of colours does not fit a packet");
     const PackedBuffer packet = PackModePacket(index, mode, kProtocolVersion);
     controller_->UnpackModePacket(packet.bytes.get(), kProtocolVersion);
-    // A packet is taken, or ignored without a word.
+    // The slot ignores a packet without a word, so read the mode back.
     const PackedBuffer kept = Taken(controller_->PackModePacket(index, kProtocolVersion));
     const bool taken = controller_->CurrentModeIndex() == index && std::ranges::equal(kept.view(), packet.view());
     return taken ? Outcome() : Refusal("the device did not take the mode");
@@ -120,7 +120,7 @@ Outcome Device::SetColors(const std::vector<PackedColor>& colors) noexcept {
     const PackedBuffer packet = PackColorTablePacket(colors);
     controller_->UnpackColorTablePacket(packet.bytes.get());
     const PackedBuffer kept = Taken(controller_->PackColorTablePacket());
-    // Behind its size and its number of colours each has the colours.
+    // Both packets have a size, a number of colours, and then the colours.
     constexpr std::size_t kHeader = sizeof(std::uint32_t) + sizeof(std::uint16_t);
     const bool taken = packet.size <= kept.size &&
                        std::equal(packet.view().begin() + kHeader, packet.view().end(), kept.view().begin() + kHeader);
@@ -160,7 +160,7 @@ Result<Discovery> Plugin::Discover() const noexcept {
     std::wstring usage_page;
     Discovery discovery;
     const std::int32_t count = (*check)(names, discovery.interface_type, hardware_id, usage_page);
-    // Where memory ran out the plug-in answers 0 and touches nothing.
+    // When memory runs out the plug-in answers 0 and changes nothing.
     if (count == 0 && discovery.interface_type == 0) return Error{};
     // Without devices the list may still hold a name.
     if (count != 0) discovery.names = Listed(Narrow(names));

@@ -6,7 +6,7 @@
 
 namespace zarn::host {
 
-/// A library that is loaded at run time, and unloaded with its owner unless that asks to keep it.
+/// A library loaded at run time. Its destruction unloads it, unless Keep was called.
 class Library {
  public:
   /// A name without a folder is looked for beside the program and in the system's own folder on Windows, and where

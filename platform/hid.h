@@ -5,8 +5,7 @@
 
 #include "platform/windows.h"
 
-// After the main header, which they need. The functions are declared as anybody's, not as another library's, so that
-// tests can have them themselves.
+// These need the main header first. The macro declares the functions without dllimport, so that tests can define them.
 #define _SETUPAPI_  // NOLINT(bugprone-reserved-identifier): the header's own
 #include <setupapi.h>
 

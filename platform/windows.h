@@ -1,4 +1,4 @@
-/// The platform's main header, for the doors, without what it would otherwise redefine.
+/// The platform's main header, for the doors, without its macros for names that we use.
 #pragma once
 
 #ifndef NOMINMAX

@@ -1,7 +1,5 @@
-/// The door to the platform's management service (WMI over COM) and its value types.
-///
-/// On Windows this is the platform's own set of headers; elsewhere it is our layer, which declares
-/// what we call under the same names and with the same meaning.
+/// The door to the platform's management service (WMI over COM) and its value types. On Windows it leads to the
+/// platform's own headers, elsewhere to our layer, which declares what we call with the same names and meaning.
 #pragma once
 
 #if defined(_WIN32)

@@ -7,7 +7,7 @@
 namespace zarn::host {
 
 Library::Library(const std::filesystem::path& path)
-    // A bare name is not looked for where somebody else may have put such a file, and a path means what it says.
+    // A bare name is looked for only where others cannot put a file. A path is taken as it stands.
     : library_(path.has_parent_path()
                    ? LoadLibraryW(std::filesystem::absolute(path).c_str())
                    : LoadLibraryExW(path.c_str(), nullptr,

@@ -2,9 +2,9 @@
 ///
 /// Ownership: the host owns what a factory returns. Once the second factory has returned, the generic controller owns
 /// the device controller and destroys it with itself. When the second factory throws, the host still owns the device
-/// controller and can hand it in again; no export frees it. Errors: std::bad_alloc, and std::system_error
-/// when the worker thread cannot be started. Microsoft's compiler takes for granted under /EHsc that functions like
-/// these throw nothing: hosts are built with /EHs. Any thread may call.
+/// controller and can hand it in again; no export frees it. Errors: std::bad_alloc, and std::system_error when the
+/// worker thread cannot be started. Build hosts with /EHs: under /EHsc Microsoft's compiler assumes that these
+/// functions throw nothing. Any thread may call.
 #pragma once
 
 #include "zarn_lighting/export.h"

@@ -39,7 +39,7 @@ enum class Failure : std::int32_t {
 
 struct Error {
   Failure failure = Failure::OutOfMemory;
-  std::string text;  // one line for people, in UTF-8 as far as its parts are; empty where there was no memory for it
+  std::string text;  // one line for people, in UTF-8 if paths and system messages are; empty when memory ran out
 };
 
 /// A value, or why there is none. Ask with operator bool first.
@@ -63,7 +63,7 @@ class Result {
   std::variant<Value, Error> held_;
 };
 
-/// For what has no value to give: an error, or nothing when all went well.
+/// An error, or nothing when all went well.
 using Outcome = std::optional<Error>;
 
 /// What the machine has, by the plug-in's own discovery.
@@ -74,7 +74,7 @@ struct Discovery {
   std::string usage_page;            // likewise, such as "FF5A"
 };
 
-/// A lighting device. Owns its controller, which goes with it: destruction waits for what is being sent.
+/// A lighting device. Owns its controller. Destruction waits for what is being sent.
 class Device {
  public:
   explicit Device(std::unique_ptr<RGBControllerInterface> controller) noexcept : controller_(std::move(controller)) {}
@@ -83,8 +83,8 @@ class Device {
   Result<ControllerRecords> Describe() const noexcept;
 
   /// Replaces the mode at an index of the description's list and makes it the active one (slot 10). Nothing is sent.
-  /// Refused, with nothing changed, for an index outside the list; also said when another thread changed the mode at
-  /// the same time. After any other error the device may have taken it.
+  /// Refused, with nothing changed, for an index outside the list. Refused also when another thread changed the mode
+  /// meanwhile. After any other error the device may have the new mode.
   Outcome SetMode(std::int32_t index, const ModeRecord& mode) noexcept;
   /// Replaces the first colours of the colour table, as many as there are (slot 12). Nothing is sent. Refused, with
   /// nothing changed, for no colours or more than the table has; otherwise as SetMode.
@@ -104,8 +104,8 @@ class Device {
 
 class Library;
 
-/// The plug-in. Stays loaded to the end of the process, whatever becomes of this object and its copies: the log that it
-/// may open lives as long, and a library loaded again would start another one.
+/// The plug-in. Stays loaded to the end of the process, even without this object and its copies: a library loaded again
+/// would start a second log.
 class Plugin {
  public:
   /// Loads a file by its path. A bare name is looked for beside the program and in the system's own folder on Windows,
@@ -115,8 +115,8 @@ class Plugin {
   /// Asks which devices there are. Call it before Create: a HID keyboard has no zones otherwise.
   Result<Discovery> Discover() const noexcept;
 
-  /// Creates the device that discovery reports by this name. What a failure leaves half made stays in memory, since no
-  /// export frees it.
+  /// Creates the device that discovery reports by this name. After a failure a half-made device may stay in memory,
+  /// since no export frees it.
   Result<Device> Create(const std::string& name) const noexcept;
 
  private:

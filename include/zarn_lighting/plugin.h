@@ -1,8 +1,8 @@
 /// All exports of the lighting plug-in, for hosts. Find them in the loaded library by the names of the functions that
 /// these headers declare.
 ///
-/// Keep the library loaded while any of its objects lives. A process that has turned logging on had better keep it to
-/// its end: the log is never given up, and a library loaded again starts another one.
+/// Keep the library loaded while any of its objects lives. With logging on, keep it loaded to the end of the process:
+/// the log is never given up, and a library loaded again starts another one.
 #pragma once
 
 #include "zarn_lighting/check_device_status.h"

@@ -47,7 +47,7 @@ inline constexpr std::uint32_t PerLedColors = 1;  // the mode shows `color_table
 inline constexpr std::uint32_t ModeColors = 2;  // the mode shows its own `mode_colors`, of which devices use the first
 }  // namespace ColorSource
 
-/// The `hw_code` by which every device of this system knows its per-LED mode.
+/// The `hw_code` of every device's per-LED mode.
 inline constexpr std::int32_t kPerLedModeCode = 255;
 
 struct LedRecord {
@@ -66,8 +66,8 @@ struct ZoneRecord {
   std::string label;
   std::int32_t zone_kind = 0;
 
-  // Derived from the order of the zones and their LED counts, when a controller is made or its description is read. In
-  // a copy of the records the two views still lead into the original; in moved ones they stay good.
+  // Derived from the zones' order and LED counts when a controller is made or its description is read. The views of
+  // copied records still lead into the original; those of moved records stay good.
   LedRecord* led_view = nullptr;      // the zone's first LED in `led_list`, or none
   PackedColor* color_view = nullptr;  // the zone's first colour in `color_table`, or none
   std::uint32_t first_index = 0;      // position of both

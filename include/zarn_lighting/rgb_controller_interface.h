@@ -1,38 +1,35 @@
 /// The generic lighting controller as a host sees it: 34 virtual slots, called by their position.
 ///
-/// The order of the slots is the contract. Nothing is inserted before the destructor, nothing is overloaded, and
-/// nothing is added that would move a slot. With compilers of the Itanium ABI the virtual destructor takes two
-/// entries, 33 (complete) and 34 (deleting); with Microsoft's compiler it takes one, 33, whose argument tells whether
-/// to free the object (1) or not (0).
+/// The order of the slots is the contract: insert nothing before the destructor, overload nothing, move no slot. With
+/// compilers of the Itanium ABI the virtual destructor takes two entries, 33 (complete) and 34 (deleting). With
+/// Microsoft's compiler it takes one, 33, with an argument: 1 frees the object, 0 does not.
 ///
 /// Threads: a host may call any slot on any of its threads, with two exceptions. Slots 17 to 19 take no lock: call them
 /// on one thread at a time, and never while slot 20 or 21 notifies. The destructor needs the controller to itself.
-/// Slots 27 to 30 talk to the hardware and return when it has answered, slots 20 and 21 when the listeners have; all
-/// others return at once.
+/// Slots 27 to 30 return when the hardware has answered, 20 and 21 when the listeners have returned, all others at
+/// once.
 ///
-/// Errors: device errors are never thrown and never reported here. What can leave a slot is the standard
-/// out-of-memory exception, and the records are as they were when it does; from slots 20 and 21 also what a listener
-/// throws.
+/// Errors: a slot neither throws nor reports device errors. It may throw std::bad_alloc; then the records are as they
+/// were. Slots 20 and 21 also let out what a listener throws.
 ///
-/// Requests (slots 6, 21, 22) are carried out by the controller's worker thread, which sends whatever the records
-/// hold at that moment. Requests of one kind coalesce, and one that is raised while the hardware operation of its
-/// kind is running is absorbed by it. So change the records first and ask once; after a series of changes, end with
-/// slot 27 or 30 on your own thread, which returns when the last value has been sent. It does not wait for a push that
-/// the worker is at, which may send the rest of older values behind it: docs/hosts.md tells how to be sure. A request
-/// raised while the worker is busy may die with the controller.
+/// Requests (slots 6, 21, 22): the controller's worker thread sends what the records hold by then. Requests of one kind
+/// coalesce, and one raised while the hardware operation of its kind is running is absorbed by it. So change the
+/// records first and ask once. End a series of changes with slot 27 or 30 on your own thread: it returns when the last
+/// value has been sent. It does not wait for a push that the worker is at, and that push may send older values behind
+/// it: docs/hosts.md tells how to be sure. A request raised while the worker is busy may die with the controller.
 ///
 /// Buffers: a buffer handed out belongs to the caller, who releases it with `delete[]`. A buffer handed in stays the
-/// caller's; it must have as many bytes as its first four (little-endian) claim, which bound what is read of it (the
-/// one-colour packet always has 8). A buffer whose content does not fit into that, or a null one, is ignored whole.
-/// Formats: docs/formats.md.
+/// caller's. Its first four bytes (little-endian) are total_size: the buffer must have as many bytes, and no more are
+/// read. (Only the one-colour packet has no such field, and always 8 bytes.) A null buffer, or one whose content does
+/// not fit total_size, is ignored whole and without a word. Formats: docs/formats.md.
 #pragma once
 
 #include <cstdint>
 
 #include "zarn_lighting/records.h"
 
-/// Called with the context given at registration, on the thread that raised the notification. Must not raise another
-/// one on the same controller.
+/// Called with the context given at registration, on the thread that raised the notification. Must not call slots 20
+/// and 21 of the same controller: they would wait for ever.
 using ChangeListenerFn = void (*)(void* context);
 
 class RGBControllerInterface {
@@ -56,23 +53,19 @@ class RGBControllerInterface {
 
   /// 7: the whole description in the layout of `protocol_version`.
   virtual std::uint8_t* PackDescription(std::uint32_t protocol_version) = 0;
-  /// 8: replaces texts, kind and active mode, and appends the modes, zones, LEDs and colours of a description. Its
-  /// first field, total_size, must be its true size in bytes, or the buffer is ignored without a word.
+  /// 8: replaces texts, kind and active mode, and appends the modes, zones, LEDs and colours of a description.
   virtual void UnpackDescription(const std::uint8_t* buffer, std::uint32_t protocol_version) = 0;
   /// 9: one mode. An index outside the list gives a packet that its reader ignores.
   virtual std::uint8_t* PackModePacket(std::int32_t mode_index, std::uint32_t protocol_version) = 0;
-  /// 10: replaces one mode and makes it the active one. Requests no push. total_size must be right, or the packet is
-  /// ignored without a word.
+  /// 10: replaces one mode and makes it the active one. Requests no push.
   virtual void UnpackModePacket(const std::uint8_t* packet, std::uint32_t protocol_version) = 0;
   /// 11: the whole colour table.
   virtual std::uint8_t* PackColorTablePacket() = 0;
-  /// 12: replaces the first colours of the table. Requests no push. total_size must be right, or the packet is ignored
-  /// without a word.
+  /// 12: replaces the first colours of the table. Requests no push.
   virtual void UnpackColorTablePacket(const std::uint8_t* packet) = 0;
   /// 13: the colours of one zone. An index outside the list gives a packet that its reader ignores.
   virtual std::uint8_t* PackZoneColorsPacket(std::int32_t zone_index) = 0;
-  /// 14: replaces the first colours of one zone. Requests no push. total_size must be right, or the packet is ignored
-  /// without a word.
+  /// 14: replaces the first colours of one zone. Requests no push.
   virtual void UnpackZoneColorsPacket(const std::uint8_t* packet) = 0;
   /// 15: the colour of one LED, 8 bytes. An index outside the list gives a packet that its reader ignores.
   virtual std::uint8_t* PackOneColorPacket(std::int32_t led_index) = 0;
@@ -114,8 +107,8 @@ class RGBControllerInterface {
   /// 32: makes the per-LED mode the active one. Requests no push.
   virtual void SelectFirstMode() = 0;
 
-  /// 33: stops the worker and destroys the device controller. A worker that is waiting first carries out what has been
-  /// requested; one that is busy ends after what it is doing. Returns when it has ended; afterwards nothing talks to
-  /// the hardware. On the worker thread itself, which no host code runs on, it would end the process.
+  /// 33: stops the worker and destroys the device controller. A waiting worker first carries out what has been
+  /// requested; a busy one ends after what it is doing. Returns when the worker has ended; afterwards nothing talks to
+  /// the hardware. On the worker thread itself it would end the process; no host code runs there.
   virtual ~RGBControllerInterface() = default;
 };

@@ -1,6 +1,6 @@
-/// The log's folders and files: what system_api.h declares of them. They may be root's, so nobody else may have a say
-/// in where they are: no link of another user's is followed, nothing is taken that another user could have put there,
-/// and nothing is waited for.
+/// The calls of system_api.h for the log's folders and files. The process may be root's, so other users must have no
+/// say in where it writes. No link of theirs is followed, nothing that they could have put there is taken, and nothing
+/// is waited for.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -33,8 +33,8 @@ constexpr int kMostLinks = 40;  // on the way to a file, as in the kernel
 
 bool IsOurs(const struct stat& entry) { return entry.st_uid == 0 || entry.st_uid == geteuid(); }
 
-/// Whether others than root and this user can write in the folder. A group is none of them if it has this user's own
-/// number, as private groups have, and no access list stands behind its rights.
+/// Whether others than root and this user can write in the folder. A private group, which has this user's own number,
+/// is not others, unless the folder has an access list: then the group's rights are the list's mask.
 bool IsForOthers(const fs::path& folder, const struct stat& entry) {
   if ((entry.st_mode & S_IWOTH) != 0) return true;
   if ((entry.st_mode & S_IWGRP) == 0) return false;
@@ -42,15 +42,15 @@ bool IsForOthers(const fs::path& folder, const struct stat& entry) {
   return has_list || entry.st_gid != geteuid();
 }
 
-/// Makes a folder for this user alone, whatever the process's umask: 0, or the code of the failure. What somebody else
-/// put there meanwhile is left alone.
+/// Makes a folder for this user alone, whatever the process's umask: 0, or the code of the failure. Leaves alone what
+/// somebody else put there meanwhile.
 int MakeFolder(const fs::path& folder) {
   if (mkdir(folder.c_str(), kPrivateFolder) != 0) return errno == EEXIST ? 0 : errno;
   return chmod(folder.c_str(), kPrivateFolder) == 0 ? 0 : errno;
 }
 
-/// Goes a path name by name, and follows links of root's and of this user's alone. Folders that are missing are made,
-/// if `make` says so, but never at the root of the file system.
+/// Goes a path name by name, and follows links of root's and of this user's alone. With `make` it makes missing
+/// folders, but none at the root of the file system.
 class FolderWalk {
  public:
   FolderWalk(const fs::path& folder, bool make) : make_(make) { Push(fs::absolute(folder)); }
@@ -80,7 +80,7 @@ class FolderWalk {
     if (name.empty() || name == ".") return 0;
     if (name == "/" || name == "..") {
       reached_ = name == "/" ? name : reached_.parent_path();
-      is_for_others_ = true;  // unless the next name leads into another folder
+      is_for_others_ = true;  // no place for a file, but a name behind it decides anew
       return 0;
     }
     const fs::path here = reached_ / name;
@@ -130,7 +130,7 @@ int OpenOwn(const fs::path& file, FileDescriptor& opened) {
   struct stat entry {};
   if (fstat(opened.Get(), &entry) != 0) return errno;
   if (!S_ISREG(entry.st_mode) || entry.st_uid != geteuid() || entry.st_nlink != 1) return EACCES;
-  // Whatever the umask was when it was made, and whoever made it.
+  // The umask, or whoever made the file, may have given it other rights.
   if ((entry.st_mode & ALLPERMS) != kPrivateFile && fchmod(opened.Get(), kPrivateFile) != 0) return errno;
   return 0;
 }
@@ -142,19 +142,17 @@ std::string WithSlashes(std::string path) {
 
 /// Sets the thread's last error from a value of errno; whether there was none.
 bool Succeeded(int code) {
-  static constexpr struct {
-    int code;
-    LONG error;
-  } kErrors[] = {{0, ERROR_SUCCESS},
-                 {ENOENT, ERROR_FILE_NOT_FOUND},
-                 {ENOTDIR, ERROR_PATH_NOT_FOUND},
-                 {EACCES, ERROR_ACCESS_DENIED},
-                 {EPERM, ERROR_ACCESS_DENIED},
-                 {EROFS, ERROR_ACCESS_DENIED},
-                 {EISDIR, ERROR_ACCESS_DENIED},
-                 {ENOMEM, ERROR_NOT_ENOUGH_MEMORY}};
-  const auto* const known = std::ranges::find(kErrors, code, [](const auto& row) { return row.code; });
-  SetThreadError(known != std::end(kErrors) ? known->error : ERROR_INVALID_PARAMETER);
+  using Row = std::pair<int, LONG>;
+  static constexpr Row kErrors[] = {{0, ERROR_SUCCESS},
+                                    {ENOENT, ERROR_FILE_NOT_FOUND},
+                                    {ENOTDIR, ERROR_PATH_NOT_FOUND},
+                                    {EACCES, ERROR_ACCESS_DENIED},
+                                    {EPERM, ERROR_ACCESS_DENIED},
+                                    {EROFS, ERROR_ACCESS_DENIED},
+                                    {EISDIR, ERROR_ACCESS_DENIED},
+                                    {ENOMEM, ERROR_NOT_ENOUGH_MEMORY}};
+  const auto* const known = std::ranges::find(kErrors, code, &Row::first);
+  SetThreadError(known != std::end(kErrors) ? known->second : ERROR_INVALID_PARAMETER);
   return code == 0;
 }
 
@@ -168,8 +166,8 @@ int Open(std::wofstream& stream, const fs::path& file) {
   if (folder.is_for_others()) return EACCES;
   FileDescriptor opened;
   if (const int code = OpenOwn(folder.reached() / file.filename(), opened)) return code;
-  // The standard has no way to make a stream of an open file. GCC's library has a buffer for that, which is the
-  // stream's own kind and can be moved into it.
+  // The standard cannot make a stream of an open file. GCC's library has a buffer that can, and that moves into the
+  // stream's own.
   __gnu_cxx::stdio_filebuf<wchar_t> buffer(opened.Get(), std::ios_base::out | std::ios_base::app);
   if (!buffer.is_open()) return ENOMEM;
   opened.Release();  // it is the buffer's now
@@ -196,7 +194,7 @@ void OpenToAppend(std::wofstream& stream, const wchar_t* path) {
   try {
     stream.setstate(std::ios_base::failbit);
   } catch (const std::ios_base::failure&) {
-    // The stream tells, as it must; its owner asked it to throw, which calls do not.
+    // Set all the same. The stream throws when its owner asked for that, but platform calls never do.
   }
 }
 

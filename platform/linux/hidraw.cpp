@@ -23,9 +23,9 @@ using Clock = RestingDevices::Clock;
 using std::chrono::milliseconds;
 
 constexpr std::string_view kNodePrefix = "hidraw";
-/// Behind a failed exchange hosts pause 20 ms and open the device anew, for which a USB keyboard takes 50 ms.
+/// After a failed exchange hosts pause 20 ms and open the device anew, which takes a USB keyboard 50 ms.
 constexpr milliseconds kRetry{70};
-/// No sound device needs longer, all its interfaces together: hosts ask one after the other.
+/// A sound device needs no longer for all its interfaces together; hosts ask them one after the other.
 constexpr milliseconds kSlow{100};
 
 std::optional<unsigned> Number(std::string_view text, int base) {
@@ -102,7 +102,7 @@ class HidrawConnection final : public HidConnection {
     return Exchange([&](int fd) {
       const int received = ioctl(fd, HIDIOCGFEATURE(answer.size()), answer.data());
       if (received < 0) return received;
-      // A driver hands on what the device says, which may be nothing, or another report.
+      // A driver hands on what the device says, even nothing or another report.
       if (received < 1 || answer.front() != report.front()) {
         errno = EIO;
         return -1;
@@ -124,7 +124,7 @@ class HidrawConnection final : public HidConnection {
     resting_->Book(device_.identity, time, code != 0, time > kSlow / kMostInterfaces ? Interfaces() : 1);
     if (code == 0) return ERROR_SUCCESS;
     if (!IsPresent()) return ERROR_DEVICE_NOT_CONNECTED;
-    // The error that a driver makes of its time limit, which is 5 s, varies.
+    // Drivers have different errors for their time limit of 5 s.
     return time < RestingDevices::kPatience ? ErrorOf(code) : ERROR_SEM_TIMEOUT;
   }
 
@@ -135,7 +135,7 @@ class HidrawConnection final : public HidConnection {
     if (!IsPresent()) return ENODEV;
     // Reading rights are enough for feature reports in both directions.
     if (const int code = file_.Open(device_.node, O_RDONLY)) return code;
-    // What was opened is the device only if it is still there: between the two its node could have gone to another.
+    // Asked again: before the opening the node could have gone to another device.
     if (IsPresent()) return 0;
     file_.Close();
     return ENODEV;
@@ -192,7 +192,7 @@ OpenedHidDevice OpenHidrawDevice(const HidrawPlaces& places, const std::wstring&
                                  const std::shared_ptr<RestingDevices>& resting) {
   const fs::path node = ReadableUtf8(path);
   if (node.parent_path() != places.nodes) return {};
-  // Asked for first: hosts look for a device again and again.
+  // Asked first, since hosts look for a device again and again.
   if (resting->Contains(IdentityOf(places, node.filename()))) return {ERROR_SEM_TIMEOUT, {}, nullptr};
   auto found = ReadDevice(places, node.filename());
   if (!found) return {};

@@ -18,10 +18,10 @@ class FileDescriptor {
   FileDescriptor& operator=(const FileDescriptor&) = delete;
   ~FileDescriptor() { Close(); }
 
-  /// With the flags of open(2), and the rights of a file that it makes, behind a Close: 0, or the code of the failure.
+  /// Closes, then opens with the flags of open(2) and the rights of a file that it makes: 0, or the failure's code.
   int Open(const std::filesystem::path& file, int flags, unsigned rights = 0);
   void Close();
-  /// Hands it over.
+  /// Hands the open file over to the caller.
   int Release() { return std::exchange(fd_, -1); }
   /// Negative when none is open.
   int Get() const { return fd_; }
@@ -32,9 +32,8 @@ class FileDescriptor {
 
 constexpr std::size_t kLongestFile = std::size_t{16} << 20;  // in bytes
 
-/// All of a regular file; nothing when it cannot be opened or read to its end, and then errno tells why: ENOENT or
-/// ENOTDIR when it is not there, EINVAL when it is no regular file, EFBIG when it is longer than `longest`. It does not
-/// block.
+/// All of a regular file. When it cannot be opened or read to its end, nothing, and errno tells why: ENOENT or ENOTDIR
+/// when it is not there, EINVAL when it is no regular file, EFBIG when it is longer than `longest`. Does not block.
 std::optional<Bytes> ReadFile(const std::filesystem::path& file, std::size_t longest = kLongestFile);
 
 }  // namespace platform

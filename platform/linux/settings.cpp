@@ -88,7 +88,7 @@ void Settings::Refresh() {
                            found.st_ino};
       if (now == entry.version) continue;
       SettingsFile file = ReadSettingsFile(entry.path);
-      if (file.state == SettingsFile::State::Unreadable) continue;  // until it can be read it counts as it was
+      if (file.state == SettingsFile::State::Unreadable) continue;  // keep what was read before
       entry.values = std::move(file.values);
       entry.version = now;
     } else if (IsNotThere(errno)) {

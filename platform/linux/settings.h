@@ -25,12 +25,12 @@ struct SettingsFile {
 
   std::filesystem::path path;
   State state = State::NotThere;
-  /// What is wrong with it, with the place; then there are no values. It quotes the file, which may hold anything.
+  /// What is wrong with the file, and where; then there are no values. Quotes the file, which may hold anything.
   std::string complaint;
   RegistryValues values;
 };
 
-/// In bytes. Reading takes a time that grows with the square of what is in it, and hosts wait for that.
+/// In bytes. The time for reading grows with the square of the length, and hosts wait for it.
 inline constexpr std::size_t kLongestSettingsFile = 16384;
 
 SettingsFile ReadSettingsFile(const std::filesystem::path& path);
@@ -39,9 +39,8 @@ SettingsFile ReadSettingsFile(const std::filesystem::path& path);
 /// /etc/zarn/settings.toml, and zarn/settings.toml in the user's configuration folder ($XDG_CONFIG_HOME, or ~/.config).
 std::vector<std::filesystem::path> SettingsPaths();
 
-/// Registry values from settings files. Reads a file again whenever it has changed, so that a switch works at once; one
-/// that cannot be read just then, as by a process that is out of file descriptors, counts as it was read before. Any
-/// thread may call.
+/// Registry values from settings files. Reads a file again whenever it has changed, so that a switch works at once.
+/// When that fails, as in a process out of file descriptors, the values read before count. Any thread may call.
 class Settings {
  public:
   explicit Settings(std::vector<std::filesystem::path> paths);
@@ -50,8 +49,7 @@ class Settings {
   std::optional<Bytes> Value(std::wstring_view key, std::wstring_view name);
 
  private:
-  /// What tells one version of a file from another: when its content changed, when anything of it did (as the right to
-  /// read it), and which file it is.
+  /// Tells versions of a file apart: when its content changed, when its rights or the like did, and which file it is.
   struct Version {
     std::array<std::int64_t, 4> times = {};
     std::int64_t size = 0;
@@ -65,7 +63,7 @@ class Settings {
     RegistryValues values;
   };
 
-  /// Under the lock.
+  /// Call it under the lock.
   void Refresh();
 
   std::mutex lock_;

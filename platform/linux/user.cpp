@@ -27,7 +27,7 @@ void WithUser(const Take& take) {
   if (found != nullptr) take(*found);
 }
 
-/// A path from the root. One that is no UTF-8 is none: the platform could not name it.
+/// `text` as a path, if it begins at the root and is UTF-8: the platform's calls could not name another.
 std::optional<std::filesystem::path> Absolute(const char* text) try {
   if (text == nullptr || *text != '/') return std::nullopt;
   WideFromUtf8(text);

@@ -1,7 +1,7 @@
 /// What every COM object of the layer is made of: a reference count and a place in the live counts.
 ///
-/// An object is created with one reference, which its creator hands out; it goes with its last one. Derived classes are
-/// final and are used by several threads at once.
+/// An object is created with one reference, which its creator hands out. The last Release deletes it. Derived classes
+/// are final and are used by several threads at once.
 #pragma once
 
 #include <atomic>

@@ -25,7 +25,7 @@ HANDLE Open(LPCWSTR path, DWORD access, DWORD disposition) {
 BOOL Close(HANDLE handle) {
   const bool closed = OpenHandles().Remove(handle);
   if (!closed) Complain("CloseHandle of a handle that is not open");
-  SetThreadError(closed ? ERROR_SUCCESS : ERROR_INVALID_HANDLE);  // always, so that a code read too late is seen
+  SetThreadError(closed ? ERROR_SUCCESS : ERROR_INVALID_HANDLE);  // on success too, to show code that reads it too late
   return closed ? TRUE : FALSE;
 }
 

@@ -169,7 +169,7 @@ BOOL SetupDiDestroyDeviceInfoList(HDEVINFO set);
 
 /// Opens an interface by its path: checks that it is there and that this process may use it, and exchanges nothing
 /// with the device. The caller closes what it gets; INVALID_HANDLE_VALUE on failure. A handle stays with the device
-/// that was there: after an unplug it fails for good. With an `access` of 0 nobody is denied, and no report exchanged.
+/// that was there: after an unplug it fails for good. With `access` 0 anybody may open, but exchange no report.
 HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share_mode, LPSECURITY_ATTRIBUTES security, DWORD disposition,
                    DWORD flags, HANDLE template_file);
 /// FALSE with ERROR_INVALID_HANDLE, and a complaint (see instruments.h), for a handle that is not open.

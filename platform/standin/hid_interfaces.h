@@ -1,6 +1,6 @@
 /// The machine's HID devices as the platform shows them: an interface for each top-level collection, up to a number
-/// that no keyboard has. A descriptor has room for hundreds of them, and whoever asks each in turn would keep the
-/// lighting service busy for minutes.
+/// that no keyboard has. A descriptor has room for hundreds: asking each would keep the lighting service busy for
+/// minutes.
 #pragma once
 
 #include <cstddef>
@@ -16,8 +16,7 @@ namespace platform {
 
 inline constexpr std::size_t kMostInterfaces = 16;  // of one device
 
-/// An opened interface. Shared by its handle and the calls that are using it. Without a connection it only tells what
-/// it is.
+/// An opened interface, shared by its handle and the calls that use it. Without a connection it exchanges nothing.
 struct HidInterface {
   std::wstring path;
   std::uint16_t vendor = 0;
@@ -29,7 +28,7 @@ struct HidInterface {
 
 /// The interface that an open handle stands for; null for one that is not open.
 std::shared_ptr<const HidInterface> InterfaceOf(HANDLE handle);
-/// A handle for the journal, which has it by the path that it opened.
+/// A handle, to be shown in the journal as the path that it opened.
 struct Opened {
   HANDLE handle;
 };
@@ -40,7 +39,7 @@ std::vector<std::wstring> HidInterfacePaths();
 
 /// Opens one; null, with the calling thread's last error set, when it cannot be opened.
 std::shared_ptr<const HidInterface> OpenHidInterface(const std::wstring& path);
-/// The same without the right to exchange reports, which nobody is denied.
+/// The same without a connection. Nobody is denied that.
 std::shared_ptr<const HidInterface> OpenHidInterfaceToLook(const std::wstring& path);
 
 }  // namespace platform

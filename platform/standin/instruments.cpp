@@ -102,7 +102,7 @@ void Complain(std::string_view what) noexcept {
     const std::lock_guard lock(complaints.mutex);
     complaints.list.emplace_back(what);
   } catch (...) {
-    // Said in the declaration: without memory it is lost.
+    // Lost without memory, as declared.
   }
 }
 

@@ -1,7 +1,5 @@
-/// What a COM object of the layer has beside the operations declared here: nothing, since it is all that is called.
-///
-/// Tests on the platform itself put the objects behind its real interfaces. They have a header of this name that fills
-/// in the rest of those.
+/// The operations of a COM object that wmi_api.h does not declare: none, since nobody calls them. Tests on the platform
+/// itself put the objects behind its real interfaces, with a header of this name that fills in the rest.
 #pragma once
 
 #include "platform/standin/wmi_api.h"

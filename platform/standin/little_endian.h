@@ -15,7 +15,7 @@ constexpr std::uint32_t FromLittleEndian(std::span<const std::uint8_t> bytes) {
   return number;
 }
 
-/// `size` bytes; of a number that needs more the higher ones are lost.
+/// The lowest `size` bytes.
 inline std::vector<std::uint8_t> ToLittleEndian(std::uint32_t number, std::size_t size) {
   std::vector<std::uint8_t> bytes(size);
   for (std::size_t i = 0; i < size && i < sizeof(number); ++i) bytes[i] = static_cast<std::uint8_t>(number >> (8 * i));

@@ -56,7 +56,7 @@ bool UseMachine(std::shared_ptr<Machine> machine) {
   MachineInUse& in_use = InUse();
   const std::lock_guard lock(in_use.mutex);
   if (CountLive() != LiveCounts{}) return false;
-  // What goes is released with the argument, after the lock: its destructor may ask for the machine in use.
+  // Swapped, so that the old machine goes with the argument, after the lock: it may ask for the machine in use.
   std::swap(in_use.machine, machine);
   return true;
 }

@@ -22,8 +22,8 @@ namespace platform {
 
 /// SQL-like null, as the management service has it (VT_NULL).
 ///
-/// With a destructor of its own, or a Value would crash where memory runs out while it is copied: where every
-/// alternative is of a kind that libstdc++ 12 knows, its variant leaves out the test for holding nothing.
+/// Its destructor is no default one. Otherwise the variant of libstdc++ 12 would leave out its test for holding
+/// nothing, and a Value would crash when memory runs out while it is copied.
 struct Null {
   Null() = default;
   Null(const Null&) = default;
@@ -60,8 +60,8 @@ struct FirmwareAnswer {
   NamedValues out;
 };
 
-/// The structure table, with the version of the SMBIOS standard, as the management service has them: bytes for the
-/// table and numbers for the version, unless a machine means to be odd.
+/// The structure table and the version of the SMBIOS standard, as the management service has them: as a rule bytes for
+/// the table and numbers for the version.
 struct SmbiosTable {
   Value data;
   Value major;
@@ -78,9 +78,9 @@ struct HidDevice {
   Bytes report_descriptor;
 };
 
-/// An opened HID device: that very one, never another that was plugged in at its place. The device itself is first
-/// touched by an exchange. Exchanges may block; several threads may be inside at once. Both answer ERROR_SUCCESS or
-/// the error code of the failure, ERROR_DEVICE_NOT_CONNECTED after an unplug.
+/// An opened HID device: that very one, never another that was plugged in at its place. The first exchange touches the
+/// device itself. Exchanges may block; several threads may be inside at once. Both answer ERROR_SUCCESS or the error
+/// code of the failure, ERROR_DEVICE_NOT_CONNECTED after an unplug.
 class HidConnection {
  public:
   virtual ~HidConnection() = default;
@@ -115,7 +115,7 @@ class Machine {
 
   /// Local time, from one reading of the clock. By itself the computer's own, in its own time zone.
   virtual SYSTEMTIME LocalTime();
-  /// Pauses the calling thread, or only notes that it was asked to. By itself it really pauses.
+  /// Pauses the calling thread; a machine of tests may only note that it was asked to.
   virtual void Sleep(std::uint32_t milliseconds);
 
   /// The structure table; none when this machine has none.
@@ -137,8 +137,8 @@ class Machine {
 std::shared_ptr<Machine> MakeThisComputer();
 
 /// A variable of the process's environment, for machines that have none of their own; nothing where the platform's own
-/// calls answer. PROGRAMDATA, where the environment has none or one that is no path from the root in UTF-8, is zarn in
-/// the user's folder for states ($XDG_STATE_HOME, or ~/.local/state).
+/// calls answer. PROGRAMDATA must be a path from the root in UTF-8. If it is not, zarn in the user's folder for states
+/// ($XDG_STATE_HOME, or ~/.local/state) takes its place.
 std::optional<std::wstring> ProcessVariable(std::wstring_view name);
 
 /// Puts `machine` under the layer, for the whole process. Refuses (false) while anything that platform calls

@@ -18,7 +18,7 @@ std::optional<ManagementClass> Firmware() {
   return definition;
 }
 
-/// There on every machine; its one instance is not.
+/// The class is there on every machine; its one instance only where there is a table.
 std::optional<ManagementClass> RawSmbiosTables() {
   ManagementClass definition;
   if (auto table = CurrentMachine()->ReadSmbiosTable()) {

@@ -68,7 +68,7 @@ class ClassObject final : public ComObject<ClassObject, IWbemClassObject> {
     });
   }
 
-  /// A copy of all that is in `object`, which only the layer makes; nothing for null.
+  /// A copy of all values of `object`, which the layer made itself; nothing for null.
   static NamedValues ValuesOf(const IWbemClassObject* object) {
     if (object == nullptr) return {};
     const auto* const own = static_cast<const ClassObject*>(object);
@@ -104,7 +104,7 @@ class Enumerator final : public ComObject<Enumerator, IEnumWbemClassObject> {
   HRESULT Take(ULONG count, IWbemClassObject** objects, ULONG& returned) {
     const std::lock_guard lock(mutex_);
     const std::size_t taken = std::min<std::size_t>(count, instances_.size() - next_);
-    // All are made before the first is handed out: a call that fails half-way hands out none.
+    // All are made before the first is handed out, so a call that fails hands out none.
     std::vector<std::unique_ptr<ClassObject>> made;
     for (std::size_t i = 0; i < taken; ++i) made.push_back(std::make_unique<ClassObject>(instances_[next_ + i]));
     for (std::size_t i = 0; i < taken; ++i) objects[i] = made[i].release();

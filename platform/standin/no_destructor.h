@@ -1,5 +1,5 @@
-/// A thing that lives to the end of the process: constructed in place and never destroyed, since statics and workers
-/// of those who use the layer may outlive its own.
+/// A thing that lives to the end of the process: constructed in place and never destroyed, since its users' statics and
+/// threads may live longer than statics of the layer.
 #pragma once
 
 #include <new>

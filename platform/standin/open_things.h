@@ -12,8 +12,8 @@
 
 namespace platform {
 
-/// The next number. Each is handed out once in the process, so that what was closed is never taken for something
-/// later, nor one kind of thing for another. They begin above the platform's predefined keys.
+/// The next number. Each is handed out once in the process, so no closed thing is taken for a later one or for one of
+/// another kind. They begin above the platform's predefined keys.
 inline std::uintptr_t NextToken() {
   static constinit std::atomic<std::uintptr_t> next{0x100000000};
   return next++;
@@ -40,7 +40,7 @@ class OpenThings {
     return found != things_.end() ? std::optional(found->second) : std::nullopt;
   }
 
-  /// Whether it was open. What goes is released after the lock.
+  /// Whether it was open. The thing is released after the lock.
   bool Remove(const void* token) {
     typename Things::node_type gone;
     const std::lock_guard lock(mutex_);

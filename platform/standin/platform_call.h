@@ -1,7 +1,7 @@
 /// The one point through which every platform call passes, on its way from a public function to the machine.
 ///
-/// Pass serves the journal and the fault plan, keeps the calling thread's last error, and lets nothing escape: a body
-/// that throws makes the call fail in its own way, one that finds no memory in the way calls do for that.
+/// Pass serves the journal and the fault plan, and keeps the calling thread's last error. It lets nothing escape: a
+/// body that throws makes the call fail, with the call's own failure for std::bad_alloc.
 ///
 /// The public functions have C linkage, so those defined in this namespace are the ones declared outside of it.
 #pragma once
@@ -21,7 +21,7 @@ namespace platform {
 
 inline constexpr unsigned kJournalArmed = 1;
 inline constexpr unsigned kFaultsArmed = 2;
-/// Which instruments are armed: all that a call reads while none is.
+/// Which instruments are armed. While none is, a call reads nothing else.
 extern std::atomic<unsigned> g_instruments;
 
 /// What CountLive answers from.
@@ -49,7 +49,7 @@ inline BOOLEAN FailWith(LONG error) noexcept {
 /// What a call that answers nothing passes back.
 struct Nothing {};
 
-/// What of a call's answer is a failure, and what tells its code.
+/// How a call's answer tells a failure and its code.
 enum class FailsBy {
   Nothing,  // it cannot fail
   Result,   // an HRESULT or NTSTATUS below 0, the code itself
@@ -92,7 +92,7 @@ constexpr Call<Answer> SureCall(const char* name) {
   return {.name = name, .failure = {}, .out_of_memory = {}, .fails_by = FailsBy::Nothing, .fallible = false};
 }
 
-/// The same call, which the fault plan passes over: it fails by misuse alone.
+/// The same call, but the fault plan passes over it: it fails by misuse alone.
 template <typename Answer>
 constexpr Call<Answer> Sure(Call<Answer> call) {
   call.fallible = false;
@@ -149,7 +149,7 @@ std::string AnswerText(const Call<Answer>& call, Answer answer) {
   }
 }
 
-/// An answer that is also the failure's, as an empty variable's length of 0, is a success if the last error says so.
+/// Some answers are failures or not, such as a length of 0 (an empty variable): then the last error decides.
 template <typename Answer>
 bool HasFailed(const Call<Answer>& call, Answer answer) {
   if constexpr (std::is_integral_v<Answer>) {
@@ -172,8 +172,8 @@ std::uint32_t CodeOf(const Call<Answer>& call, Answer answer) {
   return call.last_error != ERROR_SUCCESS ? static_cast<std::uint32_t>(ThreadError()) : 0;
 }
 
-/// Makes the call `body` does. For the journal `arguments()` tells what was asked, before the body runs, and
-/// `handed_back(answer)` what came of it beside the answer; neither is called while nobody listens.
+/// Makes the call `body` does. The journal gets `arguments()`, taken before the body runs, and what
+/// `handed_back(answer)` tells beside the answer; neither is called while nobody listens.
 template <typename Answer, typename Arguments, typename Body, typename HandedBack>
 Answer Pass(const Call<Answer>& call, const Arguments& arguments, const Body& body,
             const HandedBack& handed_back) noexcept {

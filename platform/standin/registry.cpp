@@ -16,7 +16,7 @@ OpenThings<std::wstring>& Keys() {
   return *keys;
 }
 
-/// A key for the journal, which has it by its name.
+/// A key, to be shown in the journal by its name.
 struct OpenKey {
   HKEY key;
 };

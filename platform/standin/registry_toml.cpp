@@ -8,9 +8,9 @@
 namespace platform {
 namespace {
 
-/// More than settings or a profile need, those in comments and texts included. The library recurses for each part of a
-/// dotted key, when it reads keys and when it frees them. So one long key would exhaust the stack of the process.
-/// Nested values it bounds itself.
+/// More than settings or a profile need, with those in comments and texts. The library recurses for each part of a
+/// dotted key, when it reads keys and when it frees them, so one long key would exhaust the stack. It bounds nested
+/// values itself.
 constexpr int kMostDots = 1000;
 
 KeyValues ReadKey(const toml::table& table) {

@@ -14,7 +14,7 @@ namespace {
 
 // What the Linux kernel takes.
 constexpr std::size_t kLongestDescriptor = 4096;
-constexpr std::uint32_t kMostUsages = 12288;  // of a main item; its values are not more either
+constexpr std::uint32_t kMostUsages = 12288;  // of a main item, and the most values
 constexpr std::uint32_t kMostFields = 256;    // of a report
 constexpr std::uint32_t kLongestReport = 16384;
 constexpr std::uint32_t kWidestValue = 256;
@@ -51,7 +51,7 @@ struct Item {
 };
 
 /// Takes the first item off `rest`, which has a byte at least; nothing when the item is not all there. A long item
-/// comes out as one of the reserved type, its data being of no use to anyone.
+/// comes out as one of the reserved type: nobody uses its data.
 std::optional<Item> TakeItem(std::span<const std::uint8_t>& rest) {
   static constexpr std::size_t kShortSizes[] = {0, 1, 2, 4};
   const bool is_long = rest[0] == kLongItem;  // then the size is in the next byte, and a tag in the one behind it
@@ -121,7 +121,7 @@ class Parser {
   Locals locals_;
   std::size_t depth_ = 0;  // of open collections
   std::map<std::pair<HIDP_REPORT_TYPE, BYTE>, Report> reports_;
-  std::map<BYTE, std::uint32_t> feature_bits_;  // of the feature reports, as far as the top-level collection goes
+  std::map<BYTE, std::uint32_t> feature_bits_;  // of the feature reports, within the top-level collection
   std::uint32_t data_indexes_ = 0;              // of its feature reports
 };
 
@@ -166,7 +166,7 @@ Refusal Parser::TakeMain(const Item& item) {
       --depth_;
       return kSound;
     default:
-      return kSound;  // as a kernel does
+      return kSound;  // kernels pass over unknown ones, too
   }
 }
 
@@ -240,15 +240,14 @@ void Parser::OpenCollection() {
 
 /// The page in the high half of an item with 4 bytes.
 std::optional<USAGE> NamedPage(const Item& item) {
-  if (item.size < 4) return std::nullopt;
-  return Low16(item.value >> 16);
+  return item.size < 4 ? std::nullopt : std::optional(Low16(item.value >> 16));
 }
 
 Refusal Parser::AddUsages(const Item& first, const Item& last) {
   if (NamedPage(last) != NamedPage(first)) return "Usage Maximum on another page than Usage Minimum";
   if (last.value < first.value) return "Usage Maximum below Usage Minimum";
   UsageRun run{first.value & kMost16Bits, last.value - first.value + 1, NamedPage(last)};
-  // Systems differ in whether the page of now or that of the main item counts, and which alternative; keys must not
+  // Systems differ in which page counts, that of now or that of the main item, and in which alternative. Keys must not
   // slip through between them.
   result.has_keys = result.has_keys || NamesKeys(run);
   // Of the alternatives between two delimiters the first is the preferred one, and the only one that counts.
@@ -275,7 +274,7 @@ Refusal Parser::AddField(HIDP_REPORT_TYPE kind, std::uint32_t flags) {
   if (depth_ == 0) return kSound;
   if (const Refusal refusal = TakeBits(kind)) return refusal;
   const bool empty = globals_.report_size == 0 || globals_.report_count == 0;
-  // Of constants only a variable that names a usage is anybody's to ask for.
+  // Nobody asks for constants without a usage of their own.
   const bool padding = (flags & kConstant) != 0 && (flags & kVariable) == 0;
   return kind != HidP_Feature || empty || padding ? kSound : AddFeatures(flags);
 }
@@ -297,8 +296,8 @@ Refusal Parser::TakeBits(HIDP_REPORT_TYPE kind) {
 }
 
 /// Shares the field's values out among the usages: each usage has one, the last has all that are left. In an array
-/// every usage is a button of its own, however many of them a report has room for. As on Windows the capabilities
-/// stand, and their data are numbered, from the last usage named to the first.
+/// every usage is a button of its own, even if a report has room for fewer. As on Windows, capabilities and data
+/// indexes run from the last usage named to the first.
 Refusal Parser::AddFeatures(std::uint32_t flags) {
   struct Share {
     const UsageRun* run;

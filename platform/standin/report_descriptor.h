@@ -1,9 +1,9 @@
 /// What a HID report descriptor says of feature reports, as capabilities: the one parser for all machines. Pure; any
 /// thread.
 ///
-/// It fills in what the plug-in reads. Of a collection that is its usage and page, the length of its feature reports
-/// and the number of their values; of a value its page, its usages and data indexes, report, size and count. All other
-/// fields of the records are 0. Input and output reports only have to keep within the limits.
+/// It fills in what the plug-in reads: of a collection its usage and page, the length of its feature reports and the
+/// number of their values; of a value its page, its usages and data indexes, report, size and count. All other fields
+/// of the records are 0. Input and output reports only have to keep within the limits.
 #pragma once
 
 #include <cstdint>
@@ -25,16 +25,15 @@ struct HidCollection {
 
 struct ReportDescriptor {
   std::vector<HidCollection> collections;
-  /// Whether a keyboard's or keypad's collections or keys are anywhere in it, used or not: then what is typed comes out
-  /// of the device.
+  /// Whether collections or keys of a keyboard or keypad are anywhere in it, used or not. If so, what is typed comes
+  /// out of the device.
   bool has_keys = false;
   /// Why the descriptor was refused; then there are no collections. Empty when it is sound.
   std::string refusal;
 };
 
-/// Any bytes end in one or the other. Limits are those of the Linux kernel, and those of the records: what they cannot
-/// tell, such as more than 65535 data indexes, is refused as well. Memory grows with the descriptor, not with the
-/// ranges and counts in it.
+/// Takes any bytes. Limits are those of the Linux kernel and those of the records, such as 65535 data indexes. Memory
+/// grows with the descriptor, not with the ranges and counts in it.
 ReportDescriptor ParseReportDescriptor(std::span<const std::uint8_t> descriptor);
 
 }  // namespace platform

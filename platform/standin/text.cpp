@@ -52,11 +52,7 @@ std::string ReadableUtf8(std::wstring_view text) {
   std::string utf8;
   while (!text.empty()) {
     const Utf8Character encoded = EncodeUtf8(TakeCharacter(text));
-    if (encoded.size == 0) {
-      utf8 += '?';
-    } else {
-      utf8.append(encoded.units, encoded.size);
-    }
+    utf8 += encoded.size != 0 ? std::string_view(encoded.units, encoded.size) : "?";
   }
   return utf8;
 }

@@ -26,7 +26,7 @@ std::string ReadableUtf8(std::wstring_view text);
 /// Throws std::filesystem::filesystem_error for what is no UTF-8.
 std::wstring WideFromUtf8(std::string_view utf8);
 
-/// As far as ASCII letters go: the names that compare without case here are made of them.
+/// Only ASCII letters compare without case: the names here have no others.
 bool EqualsWithoutCase(std::wstring_view left, std::wstring_view right);
 
 /// An order of names by the same rule, for maps.

@@ -1,9 +1,9 @@
-/// VARIANT, BSTR and SAFEARRAY: the values that cross the management service, with the platform's layouts
-/// and conversions.
+/// VARIANT, BSTR and SAFEARRAY: the values that cross the management service, with the platform's layouts and
+/// conversions.
 ///
-/// Ownership: a BSTR or an array belongs to whoever allocated it until it is put into a VARIANT; VariantClear
-/// releases what a VARIANT holds. Everything allocated here is counted (see instruments.h). Any thread may call
-/// any function; one value is not to be used by two threads at once.
+/// Ownership: a BSTR or an array belongs to whoever allocated it until it is put into a VARIANT; VariantClear releases
+/// what a VARIANT holds. Everything allocated here is counted (see instruments.h). Any thread may call any function;
+/// two threads must not use one value at once.
 #pragma once
 
 #include "platform/standin/windows_types.h"
@@ -77,15 +77,14 @@ UINT SysStringLen(BSTR text);
 
 /// Makes `variant` VT_EMPTY without looking at what it held.
 void VariantInit(VARIANTARG* variant);
-/// Releases the contents and makes `variant` VT_EMPTY. Fails with DISP_E_ARRAYISLOCKED, and changes
-/// nothing, while the data of its array are accessed.
+/// Releases the contents and makes `variant` VT_EMPTY. While the data of its array are accessed, changes nothing and
+/// fails with DISP_E_ARRAYISLOCKED.
 HRESULT VariantClear(VARIANTARG* variant);
-/// Clears `destination` and makes it a deep copy of `source`. A failure leaves it
-/// VT_EMPTY, save DISP_E_ARRAYISLOCKED, which changes nothing; a copy onto itself changes nothing either.
+/// Clears `destination` and makes it a deep copy of `source`. A failure leaves `destination` VT_EMPTY. Only
+/// DISP_E_ARRAYISLOCKED and a copy onto itself change nothing.
 HRESULT VariantCopy(VARIANTARG* destination, VARIANTARG* source);
-/// Converts `source` to `type` into `destination`, which may be the same VARIANT: to VT_UI4, VT_UI8, VT_BSTR or an
-/// array of bytes. On failure (DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, E_OUTOFMEMORY) both stay as they were. `flags` is
-/// 0.
+/// Converts `source` to VT_UI4, VT_UI8, VT_BSTR or an array of bytes, into `destination`, which may be the same
+/// VARIANT. On failure (DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, E_OUTOFMEMORY) both stay as they were. `flags` is 0.
 HRESULT VariantChangeType(VARIANTARG* destination, VARIANTARG* source, USHORT flags, VARTYPE type);
 
 /// A zeroed one-dimensional array; 0 elements are valid. Null for another type, dimension or lower bound, or when

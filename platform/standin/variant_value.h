@@ -1,5 +1,5 @@
-/// Contents of VARIANTs for the layer's own use: the way between a VARIANT and a Value, without platform calls.
-/// Ownership as in variant.h. What allocates throws when memory runs out.
+/// For the layer's own use: from a VARIANT to a Value and back, without platform calls. Ownership as in variant.h. What
+/// allocates throws when memory runs out.
 #pragma once
 
 #include <optional>

@@ -1,5 +1,4 @@
-/// The platform's base types under their own names, with the widths they have there: a DWORD is 32 bits
-/// wide although `long` is not.
+/// The platform's base types by their own names, as wide as there: a DWORD has 32 bits although `long` has not.
 #pragma once
 
 #include <cstdint>

@@ -9,7 +9,7 @@
 inline constexpr std::chrono::milliseconds kLongestNap{86'400'000};
 
 /// Sleeps until `Clock` has moved on by `milliseconds`, or to the clock's end if that comes first. 0 or less returns at
-/// once. `nap` sleeps for the whole milliseconds it is given, or less.
+/// once. `nap` sleeps for as long as its argument says, or less.
 template <typename Clock, typename Nap>
 void SleepMilliseconds(std::int64_t milliseconds, Nap nap) {
   using std::chrono::ceil;

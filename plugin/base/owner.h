@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <utility>
 
-/// Holds one thing, and gives it back by `kGiveBack` exactly once, whichever way its scope is left. Where the platform
-/// answers null or INVALID_HANDLE_VALUE there is nothing to give back.
+/// Holds one thing, and gives it back by `kGiveBack` exactly once, whichever way its scope is left. Null and
+/// INVALID_HANDLE_VALUE stand for nothing held.
 template <typename Pointer, auto kGiveBack>
 class Owner {
  public:
@@ -19,7 +19,7 @@ class Owner {
   Pointer Get() const { return held_; }
   Pointer operator->() const { return held_; }
 
-  /// Hands it over to the caller.
+  /// Hands what is held over to the caller.
   Pointer Release() { return std::exchange(held_, nullptr); }
   void Reset() {
     if (*this) kGiveBack(Release());

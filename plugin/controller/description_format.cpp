@@ -9,9 +9,8 @@
 
 namespace {
 
-template <typename Archive, typename Records, typename TotalSize>
-void DescriptionFields(Archive& archive, Records& records, TotalSize& total_size, std::uint32_t protocol_version) {
-  archive.Number(total_size);
+template <typename Archive, typename Records>
+void DescriptionFields(Archive& archive, Records& records, std::uint32_t protocol_version) {
   archive.Number(records.hw_kind);
   archive.Text(records.title);
   if (protocol_version >= kVersionWithMaker) archive.Text(records.maker_name);
@@ -28,8 +27,7 @@ void DescriptionFields(Archive& archive, Records& records, TotalSize& total_size
   ColorListFields(archive, records.color_table);
 }
 
-/// Whether no list, nor the zones' LEDs together (which become the colour table's length), outgrow the 16-bit counts
-/// they travel behind.
+/// Whether every list fits its 16-bit count, the colour table too, which gets as many entries as the zones have LEDs.
 bool CanBeWrittenAgain(const ControllerRecords& records) {
   const std::size_t longest = std::max({records.mode_list.size(), records.zone_list.size(), records.led_list.size()});
   std::uint64_t zone_leds = 0;
@@ -40,17 +38,14 @@ bool CanBeWrittenAgain(const ControllerRecords& records) {
 }  // namespace
 
 PackedBuffer PackDescription(const ControllerRecords& records, std::uint32_t protocol_version) {
-  return PackFields([&](auto& archive, std::uint32_t total_size) {
-    DescriptionFields(archive, records, total_size, protocol_version);
-  });
+  return PackFields([&](auto& archive) { DescriptionFields(archive, records, protocol_version); });
 }
 
 bool UnpackDescription(ControllerRecords& records, std::span<const std::uint8_t> buffer,
                        std::uint32_t protocol_version) {
   ControllerRecords updated = records;
-  ReadArchive reader(ClaimedPart(buffer));
-  std::uint32_t total_size = 0;
-  DescriptionFields(reader, updated, total_size, protocol_version);
+  ReadArchive reader = BehindTotalSize(buffer);
+  DescriptionFields(reader, updated, protocol_version);
   if (!reader.ok() || !CanBeWrittenAgain(updated)) return false;
   BindZoneStorage(updated);
   records = std::move(updated);

@@ -13,13 +13,13 @@ struct ModeRow {
 };
 
 namespace ModeRows {
-/// Capabilities that go together: an effect with speed and brightness, without and with a colour of its own.
+/// An effect with speed and brightness, and the same with a colour of its own.
 inline constexpr std::uint32_t kEffect = ModeCapability::SpeedAdjustable | ModeCapability::BrightnessAdjustable;
 inline constexpr std::uint32_t kColoredEffect = kEffect | ModeCapability::ModeColors;
 }  // namespace ModeRows
 
-/// Modes with speed run from 1 to 9, set to 5; modes with brightness from 0 to 100, set to 50. Modes that show colours
-/// of their own have one, black; so have others that are to keep one.
+/// Modes with speed run from 1 to 9, set to 5; modes with brightness from 0 to 100, set to 50. A mode that shows
+/// colours of its own gets one, black; with `keeps_color` every mode does.
 ModeRecord MakeMode(const ModeRow& row, bool keeps_color = false);
 
 /// A mode's first colour when it shows colours of its own, else black.

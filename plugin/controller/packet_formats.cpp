@@ -1,6 +1,7 @@
 #include "controller/packet_formats.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -10,7 +11,7 @@
 
 namespace {
 
-/// The colours of `zone`, as far as they are there and a 16-bit count can tell.
+/// The colours of `zone`: the low 16 bits of its LED count say how many, and the table may have fewer.
 std::span<const PackedColor> ColorsOf(const ControllerRecords& records, const ZoneRecord& zone) {
   const std::span<const PackedColor> table = records.color_table;
   const std::span<const PackedColor> rest = table.subspan(std::min<std::size_t>(zone.first_index, table.size()));
@@ -20,8 +21,7 @@ std::span<const PackedColor> ColorsOf(const ControllerRecords& records, const Zo
 }  // namespace
 
 PackedBuffer PackModePacket(std::int32_t mode_index, const ModeRecord& mode, std::uint32_t protocol_version) {
-  return PackFields([&](auto& archive, std::uint32_t total_size) {
-    archive.Number(total_size);
+  return PackFields([&](auto& archive) {
     archive.Number(mode_index);
     ModeFields(archive, mode, protocol_version);
   });
@@ -35,10 +35,8 @@ PackedBuffer PackModePacket(const ControllerRecords& records, std::int32_t mode_
 
 bool UnpackModePacket(ControllerRecords& records, std::span<const std::uint8_t> packet,
                       std::uint32_t protocol_version) {
-  ReadArchive reader(ClaimedPart(packet));
-  std::uint32_t total_size = 0;
+  ReadArchive reader = BehindTotalSize(packet);
   std::int32_t mode_index = -1;
-  reader.Number(total_size);
   reader.Number(mode_index);
   ModeRecord* mode = EntryAt(records.mode_list, mode_index);
   if (!reader.ok() || mode == nullptr) return false;
@@ -53,17 +51,12 @@ bool UnpackModePacket(ControllerRecords& records, std::span<const std::uint8_t> 
 }
 
 PackedBuffer PackColorTablePacket(std::span<const PackedColor> colors) {
-  return PackFields([&](auto& archive, std::uint32_t total_size) {
-    archive.Number(total_size);
-    ColorListFields(archive, colors);
-  });
+  return PackFields([&](auto& archive) { ColorListFields(archive, colors); });
 }
 
 bool UnpackColorTablePacket(ControllerRecords& records, std::span<const std::uint8_t> packet) {
-  ReadArchive reader(ClaimedPart(packet));
-  std::uint32_t total_size = 0;
+  ReadArchive reader = BehindTotalSize(packet);
   std::vector<PackedColor> colors;
-  reader.Number(total_size);
   ColorListFields(reader, colors);
   if (!reader.ok() || colors.size() > records.color_table.size()) return false;
   std::copy(colors.begin(), colors.end(), records.color_table.begin());
@@ -73,19 +66,16 @@ bool UnpackColorTablePacket(ControllerRecords& records, std::span<const std::uin
 PackedBuffer PackZoneColorsPacket(const ControllerRecords& records, std::int32_t zone_index) {
   const ZoneRecord* zone = EntryAt(records.zone_list, zone_index);
   const auto colors = zone != nullptr ? ColorsOf(records, *zone) : std::span<const PackedColor>();
-  return PackFields([&](auto& archive, std::uint32_t total_size) {
-    archive.Number(total_size);
+  return PackFields([&](auto& archive) {
     archive.Number(zone_index);
     ColorListFields(archive, colors);
   });
 }
 
 bool UnpackZoneColorsPacket(ControllerRecords& records, std::span<const std::uint8_t> packet) {
-  ReadArchive reader(ClaimedPart(packet));
-  std::uint32_t total_size = 0;
+  ReadArchive reader = BehindTotalSize(packet);
   std::uint32_t zone_index = 0;
   std::vector<PackedColor> colors;
-  reader.Number(total_size);
   reader.Number(zone_index);
   ColorListFields(reader, colors);
   const ZoneRecord* zone = EntryAt(records.zone_list, zone_index);
@@ -97,10 +87,11 @@ bool UnpackZoneColorsPacket(ControllerRecords& records, std::span<const std::uin
 
 PackedBuffer PackOneColorPacket(const ControllerRecords& records, std::int32_t led_index) {
   const PackedColor* color = EntryAt(records.color_table, led_index);
-  return PackFields([&](auto& archive, std::uint32_t) {
-    archive.Number(led_index);
-    archive.Number(color != nullptr ? *color : PackedColor{0});
-  });
+  PackedBuffer packet{std::make_unique<std::uint8_t[]>(kOneColorPacketSize), kOneColorPacketSize};
+  WriteArchive writer(packet.bytes.get());
+  writer.Number(led_index);
+  writer.Number(color != nullptr ? *color : PackedColor{0});
+  return packet;
 }
 
 bool UnpackOneColorPacket(ControllerRecords& records, std::span<const std::uint8_t> packet) {

@@ -1,5 +1,5 @@
-/// The fields of each block of the binary formats, in the order in which they travel. Each list serves measuring,
-/// writing and reading.
+/// The fields of each block of the binary formats, in their order there. Each list serves measuring, writing and
+/// reading.
 #pragma once
 
 #include <cstddef>

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// What a host's bare pointer lays claim to by its first field, total_size.
+/// A host's buffer, as long as its first field, total_size, says.
 std::span<const std::uint8_t> SizedBuffer(const std::uint8_t* buffer) {
   if (buffer == nullptr) return {};
   return {buffer, static_cast<std::size_t>(FromLittleEndian({buffer, sizeof(std::uint32_t)}))};
@@ -37,11 +37,6 @@ void RGBController::AppendZone(const std::string& label, std::uint32_t led_count
   BindZoneStorage(updated);
   static_cast<ControllerRecords&>(*this) = std::move(updated);
   RebindZoneStorage();
-}
-
-void RGBController::ActivateFirstMode() {
-  const std::lock_guard lock(records_lock);
-  current_mode = 0;
 }
 
 std::optional<ModeRecord> RGBController::ActiveMode() {
@@ -171,7 +166,7 @@ void RGBController::DropChangeListeners() {
 
 void RGBController::NotifyChangeListeners() {
   const std::lock_guard lock(listener_lock);
-  // A snapshot: a listener that breaks the rules and changes the lists must not pull them from under this loop.
+  // Copies: a listener that breaks the rules and changes the lists must not pull them from under this loop.
   const std::vector<ChangeListenerFn> fns = listener_fns;
   const std::vector<void*> contexts = listener_contexts;
   for (std::size_t i = 0; i < fns.size(); ++i) fns[i](contexts[i]);
@@ -187,3 +182,8 @@ void RGBController::RequestModePush() { update_worker.RequestModePush(); }
 void RGBController::RequestAuxAction() { DeviceAuxAction(); }
 
 void RGBController::RunWorker() { update_worker.Run(*this); }
+
+void RGBController::SelectFirstMode() {
+  const std::lock_guard lock(records_lock);
+  current_mode = 0;
+}

@@ -1,15 +1,14 @@
-/// The base of every lighting device: the slots that are the same for all devices, over the records, and the update
-/// worker. A device class fills the records in its constructor and supplies slots 25 to 30 and 32.
+/// The base of every lighting device: the slots that are the same for all devices, and the update worker. A device
+/// class fills the records in its constructor and supplies slots 25, 27 and 30, and 29 if it can send one LED alone.
 ///
-/// Locks: `records_lock` guards the records; device classes take it while they copy what a push needs, never during a
-/// hardware call. `listener_lock` is held while listeners run. The worker's lock is its own. The controller itself
-/// never holds two of them together. A listener may call slots that take another one; nothing takes `listener_lock`
-/// while it holds one of the others.
+/// Locks: `records_lock` guards the records. Device classes take it while they copy what a push needs, never during a
+/// hardware call. `listener_lock` is held while listeners run; they may call slots that take another lock. Nothing
+/// takes `listener_lock` while it holds another lock. The update worker has a lock of its own.
 ///
-/// A device class is final, and its destructor first calls StopWorker: the worker calls the slots 27 and 30 on its own
-/// thread until then. It owns its device controller by a bare pointer: when its constructor throws, its destructor does
-/// not run, and the host keeps what it handed in. Slots 27 to 30 catch everything: a push has nobody to tell of an
-/// error, and memory that runs out in one must not end the host.
+/// A device class is final, and its destructor first calls StopWorker: until then the worker calls slots 27 and 30 on
+/// its own thread. The device controller is a bare pointer: when the device class's constructor throws, its destructor
+/// does not run, and the host keeps the device controller. Slots 27 to 30 catch everything: the worker could tell
+/// nobody of an error, and memory that runs out in a push must not end the host.
 #pragma once
 
 #include <cstdint>
@@ -56,7 +55,12 @@ class RGBController : public RGBControllerInterface, protected ControllerRecords
   void RequestModePush() override;
   void RequestAuxAction() override;
   void RunWorker() override;
+
+  void DeviceSpareHook() override {}
+  void WriteZoneToDevice(std::int32_t /*zone_index*/) override { WriteColorsToDevice(); }
+  void WriteLedToDevice(std::int32_t /*led_index*/) override { WriteColorsToDevice(); }
   void DeviceAuxAction() override {}
+  void SelectFirstMode() override;
 
  protected:
   /// Starts the worker. Throws std::system_error when it cannot be started.
@@ -66,15 +70,12 @@ class RGBController : public RGBControllerInterface, protected ControllerRecords
   /// Stops and joins the worker; see UpdateWorker::Stop. The first act of a device class's destructor.
   void StopWorker() { update_worker.Stop(); }
 
-  /// Appends one zone of `led_count` LEDs in a row, labelled "<label> 1", "<label> 2" and so on, and rebinds the
-  /// storage, for DefineLayout. Nothing has changed when memory runs out.
+  /// For DefineLayout: appends one zone of `led_count` LEDs in a row, labelled "<label> 1", "<label> 2" and so on, and
+  /// rebinds the storage. Nothing has changed when memory runs out.
   void AppendZone(const std::string& label, std::uint32_t led_count);
 
-  /// What slot 32 is on every device.
-  void ActivateFirstMode();
-
-  /// Copies of what a push needs: the active mode, or nothing while its index is outside the list; and the colours,
-  /// with the brightness of the first mode, whichever is active.
+  /// Copies of what a push needs: the active mode, or nothing while its index is outside the list; and the colours with
+  /// the brightness of the first mode, even while another one is active.
   std::optional<ModeRecord> ActiveMode();
   std::pair<std::vector<PackedColor>, std::uint32_t> ColorsAndBrightness();
 

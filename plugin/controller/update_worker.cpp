@@ -7,8 +7,8 @@
 
 namespace {
 
-/// Runs a hardware operation. A device class lets nothing escape from one; this is the net under a class that does,
-/// since an error that leaves the thread ends the host's process.
+/// Runs a hardware operation. Device classes let nothing escape from theirs. Should one do so, the error must not leave
+/// the thread: that would end the host's process.
 void Attempt(RGBControllerInterface& device, void (RGBControllerInterface::*operation)()) {
   try {
     (device.*operation)();

@@ -16,7 +16,7 @@ class UpdateWorker {
   UpdateWorker() = default;
   UpdateWorker(const UpdateWorker&) = delete;
   UpdateWorker& operator=(const UpdateWorker&) = delete;
-  /// Stops. On the worker thread itself this ends the process: there is nobody left to go on with.
+  /// Stops. On the worker thread itself this ends the process.
   ~UpdateWorker();  // NOLINT(bugprone-exception-escape): that is how it ends the process
 
   /// Starts the thread of `device`, whose slot 24 calls Run, and returns when it stands at its wait: no request raised

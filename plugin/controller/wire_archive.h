@@ -1,8 +1,8 @@
 /// Measures, writes and reads the primitives of the binary formats: little-endian numbers without padding, texts
 /// behind a 16-bit length, lists behind a 16-bit count.
 ///
-/// The archives understand the same calls, so one list of fields serves all of them and they cannot disagree. Count and
-/// Entries take a vector or, to write, a span.
+/// All archives take the same calls, so one list of fields serves them and they cannot disagree. Count and Entries take
+/// a vector or, to write, a span.
 #pragma once
 
 #include <algorithm>
@@ -22,7 +22,7 @@
 inline constexpr std::size_t kLongestText = 65534;
 inline constexpr std::size_t kLongestList = 65535;
 
-/// What of `text` travels: everything up to its first NUL, at most kLongestText bytes.
+/// The part of `text` that travels: everything up to its first NUL, at most kLongestText bytes.
 inline std::string_view TravellingText(const std::string& text) {
   return std::string_view(text.c_str()).substr(0, kLongestText);
 }
@@ -30,13 +30,13 @@ inline std::string_view TravellingText(const std::string& text) {
 /// How many of a list's entries travel: the low 16 bits of its length.
 std::uint16_t TravellingCount(const auto& list) { return static_cast<std::uint16_t>(list.size()); }
 
-/// A list as most stand in the formats: its entries right behind their count.
+/// A list whose entries stand right behind their count.
 template <typename Archive, typename List, typename EntryFields>
 void ListFields(Archive& archive, List& list, EntryFields entry_fields) {
   archive.Entries(list, archive.Count(list), entry_fields);
 }
 
-/// Measures what it is given, or writes it into a block that has been measured to be large enough.
+/// Measures what it is given, or writes it into a block that was measured before.
 template <bool kWriting>
 class OutputArchive {
  public:
@@ -95,8 +95,8 @@ class ReadArchive {
     position_ += sizeof(Integer);
   }
 
-  /// The NUL decides what the text is, its length moves the cursor. Where the two disagree, texts may overlap. All
-  /// together they may not be longer than the buffer, or a small buffer could ask for much memory.
+  /// The text ends at its NUL; the next field begins where its claimed length ends. So texts may overlap. Together they
+  /// may not be longer than the buffer, or a small buffer could ask for much memory.
   void Text(std::string& text) {
     std::uint16_t length = 0;
     Number(length);
@@ -121,9 +121,10 @@ class ReadArchive {
   /// Appends the entries, unless the buffer is plainly too small for as many.
   template <typename Entry, typename EntryFields>
   void Entries(std::vector<Entry>& list, std::size_t count, EntryFields entry_fields) {
-    const Entry smallest{};  // its texts are empty, and may claim a length of 0, without their NUL
+    const Entry smallest{};
     MeasureArchive measure;
     entry_fields(measure, smallest);
+    // 1 less: an empty text may claim the length 0, and so take no room for its NUL.
     if (!Fits(count * (measure.size() - 1))) return;
     list.reserve(list.size() + count);
     for (std::size_t i = 0; i < count && ok_; ++i) entry_fields(*this, list.emplace_back());
@@ -141,20 +142,25 @@ class ReadArchive {
   bool ok_ = true;
 };
 
-/// The part of `buffer` that its first field, total_size, lays claim to; nothing when that is not all there.
-inline std::span<const std::uint8_t> ClaimedPart(std::span<const std::uint8_t> buffer) {
+/// Reads what stands behind total_size, a buffer's first field, up to the end that it claims. Nothing can be read when
+/// the buffer is shorter than it claims.
+inline ReadArchive BehindTotalSize(std::span<const std::uint8_t> buffer) {
   std::uint32_t total_size = 0;
   ReadArchive(buffer).Number(total_size);
-  return total_size <= buffer.size() ? buffer.first(total_size) : buffer.first(0);
+  ReadArchive reader(buffer.first(total_size <= buffer.size() ? total_size : 0));
+  reader.Number(total_size);
+  return reader;
 }
 
-/// Writes a buffer of exactly the size that `fields(archive, total_size)` measures.
+/// A buffer of total_size, its size in bytes, and what `fields(archive)` lists.
 template <typename Fields>
 PackedBuffer PackFields(Fields fields) {
   MeasureArchive measure;
-  fields(measure, std::uint32_t{0});
-  PackedBuffer buffer{std::make_unique_for_overwrite<std::uint8_t[]>(measure.size()), measure.size()};
+  fields(measure);
+  const std::size_t size = sizeof(std::uint32_t) + measure.size();
+  PackedBuffer buffer{std::make_unique_for_overwrite<std::uint8_t[]>(size), size};
   WriteArchive writer(buffer.bytes.get());
-  fields(writer, static_cast<std::uint32_t>(measure.size()));
+  writer.Number(static_cast<std::uint32_t>(size));
+  fields(writer);
   return buffer;
 }

@@ -15,6 +15,6 @@ auto* EntryAt(List& list, Index index) {
 }
 
 /// Sizes `color_table` to the zones' LEDs (kept entries keep their colours, new ones are black) and derives every
-/// zone's views and first index. Needed after any change of a list's length or of a zone's `led_total`, and after
-/// copying records, because the copied views still lead into the original; moved ones stay good.
+/// zone's views and first index. Needed after any change of a list's length or of a zone's `led_total`. Needed after
+/// copying records, too: copied views still lead into the original. Moved ones stay good.
 void BindZoneStorage(ControllerRecords& records);

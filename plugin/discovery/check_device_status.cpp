@@ -30,14 +30,14 @@ constexpr InfoLog kLog(L"CheckDeviceStatus");
 
 /// What the host is told.
 struct Status {
-  std::wstring names;  // empty: the host's stay
+  std::wstring names;  // when empty, the host's text stays as it is
   std::uint32_t interface_type = 0;
   std::wstring hardware_id;
   std::wstring usage_page;
   std::int32_t count = 0;
 };
 
-/// Closes the handles of all lighting devices at its end, whatever ends it.
+/// Closes the handles of all lighting devices when its scope ends, also by an exception.
 class PresenceTest {
  public:
   PresenceTest() = default;
@@ -61,8 +61,8 @@ Status HidKeyboardAlone(const _HIDInfo& keyboard) {
           .count = 1};
 }
 
-/// Whether the firmware confirms the light bar that its record announces. Older firmware does so in one byte of its
-/// answer, for which the call must have gone well; newer firmware in any of four pairs of bytes.
+/// Whether the firmware confirms the light bar that its record announces. Older firmware does so in byte 6 of its
+/// answer, if byte 0 says that the call went well. Newer firmware does so in any of four pairs of bytes.
 bool FirmwareHasLightBar(const FirmwareVersion& version) {
   kLog(L"BIOS major version:%d - BIOS minor version::%d", version.major, version.minor);
   std::array<std::uint8_t, 16> answer{};
@@ -76,26 +76,22 @@ bool FirmwareHasLightBar(const FirmwareVersion& version) {
   return std::ranges::any_of(kPairs, [&](std::size_t first) { return is_set(first) && is_set(first + 1); });
 }
 
-struct EcDevices {
-  std::int32_t count = 0;
-  const wchar_t* names = L"";
-};
-
-/// The devices of the embedded controller: none, the keyboard, or the whole-device light as well.
-EcDevices FindEcDevices() {
+/// Number and names of the embedded controller's devices: none, the keyboard, or the whole-device light as well.
+std::pair<std::int32_t, const wchar_t*> FindEcDevices() {
   stSMBiosType172 record;  // all zero when there is none
   if (!ReadSMBiosType172(record)) kLog(L"Get SMBIOS 172 fail!");
   const AnnouncedLights announced = FindAnnouncedLights(record);
   kLog(L"Is EC Keyboard: %d", announced.keyboard ? 1 : 0);
   kLog(L"Is RGB Keyboard: %d", announced.rgb_keyboard ? 1 : 0);
-  if (!announced.keyboard || !announced.rgb_keyboard) return {};
+  if (!announced.keyboard || !announced.rgb_keyboard) return {0, L""};
   kLog(L"Is EC Lightbar: %d", announced.light_bar ? 1 : 0);
   const bool both = announced.light_bar && FirmwareHasLightBar({record.biosMajor, record.biosMinor});
-  return both ? EcDevices{2, L"ZarnECGlobal,ZarnECKeyboard"} : EcDevices{1, L"ZarnECKeyboard"};
+  if (both) return {2, L"ZarnECGlobal,ZarnECKeyboard"};
+  return {1, L"ZarnECKeyboard"};
 }
 
-/// The embedded controller's devices, and behind them, in hybrid mode, the HID keyboard. Without them a HID keyboard is
-/// named, but not counted.
+/// The embedded controller's devices, then the HID keyboard of hybrid mode. Without the former a HID keyboard is named,
+/// but not counted.
 Status EcDevicesAnd(bool hid_keyboard) {
   const auto [count, names] = FindEcDevices();
   kLog(L"Number of Device:%d, DeviceName:%ls", count, names);

@@ -6,7 +6,7 @@
 
 #include "controller/mode_rows.h"
 
-/// "STATIC", which each EC device brings to the lights in its own way.
+/// "STATIC", which the two EC devices carry out in different ways.
 inline constexpr std::int32_t kStaticEffect = 0;
 
 /// The per-LED mode and the eight effects that the firmware knows. The EC devices differ in what two of them can do.
@@ -20,7 +20,7 @@ constexpr std::uint16_t ToFirmwareDirection(std::uint32_t direction_setting) {
   return static_cast<std::uint16_t>(direction + 1);
 }
 
-/// Lets the firmware run a mode that is an effect of its own.
+/// Has the firmware run a mode that is one of its effects.
 template <typename Controller>
 void RunEffect(Controller& controller, const ModeRecord& mode) {
   const PackedColor color = EffectColor(mode);

@@ -1,4 +1,4 @@
-/// The 16-byte packet of SetGamingKBBacklight, by which the EC runs an effect or takes a brightness.
+/// The 16-byte packet of SetGamingKBBacklight: it has the EC run an effect or take a brightness.
 #pragma once
 
 #include <array>
@@ -6,7 +6,7 @@
 
 using EffectPacket = std::array<std::uint8_t, 16>;
 
-/// What byte 9 tells the firmware the packet is for.
+/// Byte 9: what the packet is for.
 inline constexpr std::uint8_t kTargetKeyboard = 1;
 inline constexpr std::uint8_t kTargetKeyboardAndLightBar = 3;
 
@@ -34,6 +34,6 @@ constexpr EffectPacket MakeEffectPacket(const EffectSettings& settings, std::uin
           target};
 }
 
-/// Lets the firmware run an effect that was asked for under `function_tag`: the log gets the request and then every
-/// byte. 1 when the firmware took it, else 0.
+/// Has the firmware run an effect. Logs the request and then every byte under `function_tag`. 1 when the firmware took
+/// the packet, else 0.
 std::int32_t SendEffect(const wchar_t* function_tag, const EffectSettings& settings, std::uint8_t target);

@@ -26,7 +26,7 @@ void RGBController_ZarnECGlobal::WriteModeToDevice() try {
   const std::optional<ModeRecord> mode = ActiveMode();
   if (!mode) return;
   if (mode->hw_code == kPerLedModeCode) return WriteColorsToDevice();
-  // Here "STATIC" is an effect of the firmware like the others, with a speed and a brightness of its own.
+  // Here "STATIC" is one of the firmware's effects, with a speed and a brightness.
   RunEffect(*hw_controller, *mode);
 } catch (...) {  // see RGBController
 }

@@ -1,5 +1,5 @@
-/// The generic controller of the whole-device light: one zone of one LED and the EC keyboard's nine modes, all of which
-/// but the per-LED mode run in the firmware. It has no colour path: colours are kept in the records and sent nowhere.
+/// The generic controller of the whole-device light: one zone of one LED, and modes of the same names as the EC
+/// keyboard's. All but the per-LED mode run in the firmware. Colours stay in the records and are sent nowhere.
 #pragma once
 
 #include "controller/rgb_controller.h"
@@ -15,12 +15,8 @@ class RGBController_ZarnECGlobal final : public RGBController {
   ~RGBController_ZarnECGlobal() override;
 
   void DefineLayout() override;
-  void DeviceSpareHook() override {}
   void WriteColorsToDevice() override {}
-  void WriteZoneToDevice(std::int32_t /*zone_index*/) override { WriteColorsToDevice(); }
-  void WriteLedToDevice(std::int32_t /*led_index*/) override { WriteColorsToDevice(); }
   void WriteModeToDevice() override;
-  void SelectFirstMode() override { ActivateFirstMode(); }
 
  private:
   ZarnECGlobalController* const hw_controller;  // owned; see RGBController

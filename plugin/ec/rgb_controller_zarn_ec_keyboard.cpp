@@ -39,7 +39,7 @@ void RGBController_ZarnECKeyboard::WriteModeToDevice() try {
   std::unique_lock lock(records_lock);
   const std::optional<ModeRecord> mode = ActiveMode();
   if (!mode) return;
-  // Here a static colour is no effect of the firmware: it is the colour path with all zones alike.
+  // Here "STATIC" is no effect of the firmware: the colour table goes out with all zones alike.
   if (mode->hw_code == kStaticEffect) PaintStatic(*mode);
   lock.unlock();
   if (mode->hw_code == kPerLedModeCode || mode->hw_code == kStaticEffect) return WriteColorsToDevice();

@@ -1,5 +1,5 @@
-/// The generic controller of the EC keyboard: one zone of up to four LEDs and nine modes, of which the per-LED mode and
-/// "STATIC" take the colour path and the others run in the firmware.
+/// The generic controller of the EC keyboard: one zone of up to four LEDs, and nine modes. The per-LED mode and
+/// "STATIC" send the colour table; the others run in the firmware.
 #pragma once
 
 #include "controller/rgb_controller.h"
@@ -15,12 +15,8 @@ class RGBController_ZarnECKeyboard final : public RGBController {
   ~RGBController_ZarnECKeyboard() override;
 
   void DefineLayout() override;
-  void DeviceSpareHook() override {}
   void WriteColorsToDevice() override;
-  void WriteZoneToDevice(std::int32_t /*zone_index*/) override { WriteColorsToDevice(); }
-  void WriteLedToDevice(std::int32_t /*led_index*/) override { WriteColorsToDevice(); }
   void WriteModeToDevice() override;
-  void SelectFirstMode() override { ActivateFirstMode(); }
 
  private:
   void PaintStatic(const ModeRecord& mode);

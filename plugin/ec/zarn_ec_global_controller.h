@@ -1,5 +1,5 @@
-/// The device controller of the whole-device light: one effect for everything that the embedded controller lights, the
-/// light bar included where there is one.
+/// The device controller of the whole-device light: one effect for all that the embedded controller lights, with the
+/// light bar if there is one.
 ///
 /// Owned by the generic controller built around it. Constant after construction and without a lock: any thread may
 /// call, several at once. A call returns when the firmware has answered. Every packet is logged byte by byte.
@@ -9,10 +9,10 @@
 
 class ZarnECGlobalController final {
  public:
-  /// Asks the machine's SMBIOS table whether there is a light bar; without such a record there is none.
+  /// Asks the machine's SMBIOS table for a light bar; without the firmware's record there is none.
   ZarnECGlobalController();
 
-  /// Lets the firmware run an effect; settings are cut to 8 bits. What came of it is not told.
+  /// Has the firmware run an effect; settings are cut to 8 bits.
   void SetMode(std::uint8_t effect, std::uint16_t speed, std::uint16_t direction, std::uint16_t brightness,
                std::uint8_t red, std::uint8_t green, std::uint8_t blue) const;
 

@@ -13,10 +13,9 @@
 namespace {
 
 constexpr std::uint8_t kZoneSwitch = 8;    // byte 0 of the zone switch packet
-constexpr std::size_t kZoneBitsByte = 5;   // where its zone bits are
-constexpr std::size_t kSwitchedZones = 4;  // it has no bits for more
+constexpr std::size_t kZoneBitsByte = 5;   // its byte with a bit per zone
+constexpr std::size_t kSwitchedZones = 4;  // more zones have no bit there
 constexpr std::size_t kLoggedBrightnessBytes = 10;
-
 constexpr std::size_t kLongestOnOffPacket = 16;
 
 /// A zone's bit in byte 0, then red, green, blue.

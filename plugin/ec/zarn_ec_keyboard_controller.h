@@ -16,9 +16,9 @@ class ZarnECKeyboardController final {
 
   // Two virtual operations, called by position, and no virtual destructor: the class is final and its owner knows it.
 
-  /// Slot 0. The colour path: which zones are lit, at what brightness, each in its colour.
+  /// Slot 0. Sends which zones are lit, their brightness, and the colour of each.
   virtual void SendColors(const PackedColor* colors, std::uint32_t count, std::uint8_t brightness);
-  /// Slot 1. Lets the firmware run an effect; settings are cut to 8 bits. 1 when the firmware took it, else 0.
+  /// Slot 1. Has the firmware run an effect; settings are cut to 8 bits. 1 when the firmware took it, else 0.
   virtual std::int32_t SetMode(std::uint8_t effect, std::uint16_t speed, std::uint16_t direction,
                                std::uint16_t brightness, std::uint8_t red, std::uint8_t green, std::uint8_t blue);
 

@@ -21,7 +21,7 @@ class Bstr : public Owner<BSTR, SysFreeString> {
   explicit Bstr(const wchar_t* text) : Owner(SysAllocString(text)) {}
 };
 
-/// The bytes of a VARIANT that is an array of them, which is locked meanwhile. Empty when they cannot be had.
+/// The bytes of a VARIANT that holds a byte array, and a lock on that array. False when they cannot be had.
 class ArrayBytes {
  public:
   explicit ArrayBytes(const VARIANT& variant) {

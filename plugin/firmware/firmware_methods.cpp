@@ -14,8 +14,8 @@ constexpr DWORD kPauseMilliseconds = 30;
 constexpr std::size_t kBacklightPacketSize = 16;
 constexpr ULONG kLedQuery = 16;
 
-/// The frame of every call. `call` prepares its input, runs the method and copies the results out; its values are gone
-/// before the connection closes, and the pause holds no connection open.
+/// The frame of every call. `call` prepares its input, runs the method and copies the results out. The connection is
+/// closed after the values of `call` and before the pause.
 template <typename Call>
 std::int32_t FirmwareCall(Call call) {
   {
@@ -80,7 +80,7 @@ std::int32_t GetGamingLED(std::uint8_t* buffer, std::int32_t length) {
     if (length < 1 || !gm_input.ChangeTo(VT_BSTR)) return false;
     if (!Run(connection, L"GetGamingLED", gm_input, {{L"gmReturn", gm_return}, {L"gmOutput", gm_output}})) return false;
     if (!gm_return.ChangeTo(VT_UI8)) return false;
-    const ArrayBytes answer(*gm_output.Get());  // not converted: the platform would take a text for its raw bytes
+    const ArrayBytes answer(*gm_output.Get());  // not converted: the platform would turn a text into its raw bytes
     if (!answer) return false;
     buffer[0] = static_cast<std::uint8_t>(V_UI8(gm_return.Get()));
     const std::size_t count = std::min(answer.Get().size(), static_cast<std::size_t>(length - 1));

@@ -1,9 +1,9 @@
 /// The four lighting methods of the embedded controller's firmware.
 ///
-/// Each call opens a connection of its own, runs the method once and closes the connection; nothing is cached and
-/// nothing is retried. Answers 1 for success, after a pause of 30 ms that the firmware needs, and 0 for failure, at
-/// once. On failure nothing has been written to the caller. May block for as long as the management service does,
-/// throws nothing; any thread may call, calls on different threads are independent.
+/// Each call opens a connection of its own, runs the method once and closes the connection. Nothing is cached or
+/// retried. Answers 1 for success, after a pause of 30 ms that the firmware needs. Answers 0 for failure, at once, and
+/// then has written nothing to the caller. May block for as long as the management service does. Throws nothing. Any
+/// thread may call; calls on different threads are independent.
 #pragma once
 
 #include <cstdint>
@@ -17,6 +17,6 @@ std::int32_t SetGamingKBBacklight(const std::uint8_t* input, std::uint64_t* outp
 /// Sends one number.
 std::int32_t SetGamingRgbKb(std::uint64_t value);
 
-/// Fills `buffer` of `length` bytes, at least 1: the low byte of gmReturn, then the bytes of gmOutput. Where gmOutput
-/// is shorter the rest of the buffer stays as it was.
+/// Fills `buffer` of `length` bytes, at least 1: the low byte of gmReturn, then the bytes of gmOutput. Behind a shorter
+/// gmOutput the buffer stays as it was.
 std::int32_t GetGamingLED(std::uint8_t* buffer, std::int32_t length);

@@ -80,7 +80,7 @@ bool FindSMBiosType172(std::span<const std::uint8_t> table, stSMBiosType172& rec
     record.biosMajor = found[4];
     record.biosMinor = found[5];
   }
-  record.itemCount = (record.length - kItemsOffset) / kItemSize;  // below 0 where not even a header is claimed
+  record.itemCount = (record.length - kItemsOffset) / kItemSize;  // -1 or less for a length below that of the header
   for (std::size_t i = 0; i < CountItems(record); ++i) {
     record.itemIds[i] = found[kItemsOffset + kItemSize * i];
     record.itemValues[i] = ReadU16(found, kItemsOffset + kItemSize * i + 1);

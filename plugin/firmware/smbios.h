@@ -9,7 +9,7 @@
 #include <optional>
 #include <span>
 
-/// A firmware version. They are ordered, the newer one being the greater.
+/// A firmware version. The newer one is the greater.
 struct FirmwareVersion {
   std::int32_t major = 0;
   std::int32_t minor = 0;
@@ -26,7 +26,7 @@ struct RawSmbiosTable {
   std::uint32_t length = 0;  // bytes in `data`
 };
 
-/// The structure, unpacked. Items beyond `itemCount` are 0; a claimed length below 4 makes it negative.
+/// The structure, unpacked. Items beyond `itemCount` are 0. A claimed length below 4 makes `itemCount` negative.
 struct stSMBiosType172 {
   std::uint8_t type = 0;
   std::uint8_t length = 0;  // of the formatted area, with its header
@@ -46,11 +46,11 @@ inline constexpr std::uint16_t kRgbKeyboardThere = 2;
 inline constexpr std::uint8_t kItemLightBar = 23;
 inline constexpr std::uint16_t kLightBarThere = 1;  // 2: none
 
-/// The numbers of zones that a keyboard may have, 0 being that of none.
+/// The numbers of zones that a keyboard may have; 0 means no keyboard.
 constexpr bool IsZoneCount(std::uint16_t value) { return value == 0 || value == 1 || value == 3 || value == 4; }
 
-/// Reads the table through the management service, anew each time; 1 when `data` and `length` hold it, else 0 and they
-/// hold nothing. May block as long as the service does. Throws std::bad_alloc.
+/// Reads the table through the management service, anew each time. Answers 1, or 0 with `data` and `length` empty. May
+/// block as long as the service does. Throws std::bad_alloc.
 int ReadRawSmbiosTable(RawSmbiosTable& table);
 
 /// Unpacks the first structure of type 172; false, with the record all zero, when there is none or when it runs past
@@ -71,8 +71,8 @@ struct AnnouncedLights {
   bool light_bar = false;
 };
 
-/// The light bar's item closes the list. In front of it, the last item of a kind counts here; the device controllers
-/// read the first one.
+/// Reads up to the light bar's item. Of several items of one kind the last one counts here; the device controllers take
+/// the first one.
 AnnouncedLights FindAnnouncedLights(const stSMBiosType172& record);
 
 /// The value of the first item with that id.

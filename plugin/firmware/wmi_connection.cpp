@@ -18,7 +18,7 @@ bool Step(WmiConnection& connection, HRESULT result) {
   return SUCCEEDED(result);
 }
 
-/// The same for a step that hands out an object: success without one is a failure.
+/// The same for a step that hands out an object: success without an object is a failure.
 template <typename Interface>
 bool Step(WmiConnection& connection, HRESULT result, const ComPtr<Interface>& object) {
   return Step(connection, SUCCEEDED(result) && !object ? kFailed : result);
@@ -92,15 +92,10 @@ WmiConnection::~WmiConnection() { CloseWmiConnection(*this); }
 
 std::int32_t OpenWmiConnection(WmiConnection& connection) {
   CloseWmiConnection(connection);
-  connection.may_uninitialize = 1;
-  connection.com_initialized = 0;
-
-  // Where COM cannot be initialised the next step fails; only the answer that it already belongs to somebody else
-  // matters here.
+  // Other failures show in the next step. With this one, the thread's COM belongs to somebody else.
   connection.status = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
   connection.com_initialized = 1;
-  if (connection.status == RPC_E_CHANGED_MODE) connection.may_uninitialize = 0;
-
+  connection.may_uninitialize = connection.status != RPC_E_CHANGED_MODE ? 1 : 0;
   if (Connect(connection)) return 1;
   CloseWmiConnection(connection);
   return 0;

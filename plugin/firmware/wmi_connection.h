@@ -1,9 +1,9 @@
 /// One connection to the management service, and the two things that are done over it: running a firmware method and
 /// reading an instance's properties.
 ///
-/// A connection belongs to the operation that opened it and to its thread; nothing is shared, nothing is cached. All
-/// operations answer 1 for success and 0 for failure; `status` keeps the code of the most recent step. Nothing here
-/// takes memory but through the platform, which answers by a code when it runs out: so nothing is thrown.
+/// A connection belongs to the operation that opened it and to its thread; nothing is shared or cached. All operations
+/// answer 1 for success and 0 for failure; `status` keeps the code of the most recent step. Nothing is thrown: memory
+/// comes from the platform alone, which answers by a code when it runs out.
 #pragma once
 
 #include <array>
@@ -18,7 +18,7 @@ inline constexpr wchar_t kFirmwareInstances[] = L"SELECT * FROM ZarnGamingFuncti
 struct WmiConnection {
   HRESULT status = S_OK;
   std::int32_t may_uninitialize = 1;  // 0 on a thread whose COM belongs to somebody else
-  std::int32_t com_initialized = 0;   // 1 from the attempt on, also when that failed
+  std::int32_t com_initialized = 0;   // 1 once it was tried, even in vain
   ComPtr<IWbemServices> services;
   ComPtr<IWbemLocator> locator;
 

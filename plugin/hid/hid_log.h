@@ -4,8 +4,7 @@
 #include "log/logger.h"
 
 /// One operation's view of the logger. `format` as for FormatWide, cut at 1000 characters; a line for which there is no
-/// memory is lost. Logging leaves the thread's last error as it was, so that what follows a failed platform call can
-/// still ask for its code.
+/// memory is lost. Logging keeps the thread's last error: code after a failed platform call may still ask for it.
 class HidLog {
  public:
   explicit HidLog(const wchar_t* function_tag) : function_tag_(function_tag) {}

@@ -20,7 +20,7 @@ inline bool IsOpen(HANDLE handle) { return handle != INVALID_HANDLE_VALUE && han
 /// Closes the handle that a record of a device keeps, if it is open.
 inline void CloseKept(HANDLE& handle) { const DeviceHandle closes(std::exchange(handle, INVALID_HANDLE_VALUE)); }
 
-/// What an interface's descriptor says of it.
+/// What the platform understood of an interface's report descriptor; nothing when it cannot tell.
 class PreparsedData : public Owner<PHIDP_PREPARSED_DATA, HidD_FreePreparsedData> {
  public:
   explicit PreparsedData(HANDLE device) : Owner(ReadFrom(device)) {}
@@ -32,12 +32,12 @@ class PreparsedData : public Owner<PHIDP_PREPARSED_DATA, HidD_FreePreparsedData>
   }
 };
 
-/// The HID interfaces that are present, one after the other. Nothing, from the start, when the platform cannot tell.
+/// The HID interfaces that are present, one after the other. False, and without any, when the platform cannot tell.
 class PresentInterfaces {
  public:
   struct Interface {
     std::wstring path;                 // empty when it cannot be had
-    const wchar_t* failure = nullptr;  // why, in the words of the log
+    const wchar_t* failure = nullptr;  // why not, in the words of the log
   };
 
   PresentInterfaces()
@@ -51,7 +51,7 @@ class PresentInterfaces {
     interface.cbSize = sizeof(interface);
     if (!set_ || SetupDiEnumDeviceInterfaces(set_.Get(), nullptr, &class_, next_++, &interface) == FALSE) return {};
 
-    using Detail = SP_DEVICE_INTERFACE_DETAIL_DATA_W;  // goes on behind its end
+    using Detail = SP_DEVICE_INTERFACE_DETAIL_DATA_W;  // its path goes on behind the structure's end
     DWORD size = 0;
     SetupDiGetDeviceInterfaceDetailW(set_.Get(), &interface, nullptr, 0, &size, nullptr);
     const std::unique_ptr<std::byte[]> block(new (std::nothrow) std::byte[std::max<std::size_t>(size, sizeof(Detail))]);

@@ -22,7 +22,7 @@ template <typename Device>
 void CloseAll(std::vector<Device>* devices) {
   for (Device& device : *devices) CloseKept(device.handle);
 }
-/// Closes at its end what the devices of a list then still have open: memory ran out, or a device was left out.
+/// Closes the handles that are in a list when the scope ends: memory ran out, or the device is no lighting device.
 template <typename Device>
 using ClosesRest = Owner<std::vector<Device>*, CloseAll<Device>>;
 
@@ -37,7 +37,7 @@ void ReadFields(_HIDInfo& device) {
   }
 }
 
-/// Under the lock.
+/// Call it under the lock.
 void BuildList() {
   std::vector<_HIDDevice> found;
   const ClosesRest<_HIDDevice> closes_found(&found);
@@ -51,10 +51,10 @@ void BuildList() {
     if (!LightingHID::GetLightingDeviceAttributeReport(device)) continue;
     ReadFields(device);
     built.push_back(std::move(device));
-    interface.handle = INVALID_HANDLE_VALUE;  // it is the list's from here on
+    interface.handle = INVALID_HANDLE_VALUE;  // `built` owns it now
   }
   closes_built.Release();
-  // The handles of the list before are left alone: they belong to whoever has a copy of it.
+  // The old list's handles stay open: they belong to whoever has a copy of it.
   g_lightingDevices = std::move(built);
 }
 
@@ -75,7 +75,7 @@ bool LightingHID::GetLightingDeviceAttributeReport(_HIDInfo& device) {
   std::array<std::uint8_t, TsHID::kFeatureBufferSize> report{};
   std::size_t received = 0;
   if (!TsHID::GetHIDFeature(device.handle, kAttributeReport, report.data(), &received)) return false;
-  // A count, then the ids; a count that claims more than came is cut.
+  // A count, then the ids. The count may claim more than came.
   for (std::size_t i = 1; i < received && i <= report[0]; ++i) device.deviceIds[report.at(i)] = {report.at(i)};
   return true;
 }
@@ -90,7 +90,7 @@ bool LightingHID::GetFieldSize(std::uint8_t device_id, std::uint8_t report_id, s
     width = static_cast<std::uint8_t>(std::min(field->second.BitSize / 8, kWidest));
     return true;
   }
-  // A device may well do without what it could say of itself, so that is missing without a word.
+  // Devices may leave out base information, so that is not logged.
   if (report_id != kBaseInfoReply && usage != 0x33) {
     HidLog(kFieldTag).Info(L"Field %02X,%02X not exist!", report_id, usage);
   }

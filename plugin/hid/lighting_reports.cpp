@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kAttempts = 5;
 constexpr int kPauseMilliseconds = 20;
-constexpr std::uint8_t kWidestValue = 4;  // in bytes; what comes behind a wider field cannot be placed
+constexpr std::uint8_t kWidestValue = 4;  // in bytes; a wider field and those behind it have no place
 
 constexpr wchar_t kBaseInfoTag[] = L"zarn::WRV520::Lighting::LightingHID::GetLightingDeviceBaseInfo";
 constexpr wchar_t kUpdateTag[] = L"zarn::WRV520::Lighting::LightingHID::SetLightingDeviceUpdateReport";
@@ -24,9 +24,9 @@ constexpr wchar_t kUpdateTag[] = L"zarn::WRV520::Lighting::LightingHID::SetLight
 constexpr std::size_t kPayloadSize = TsHID::kFeatureBufferSize;
 using Payload = std::array<std::uint8_t, kPayloadSize>;
 
-/// Walks a payload in the order of its fields, by the widths that the device declares. It asks for every
-/// width, even once the place of the rest is unknown, because each question may log a line. A value is cut to its
-/// field's width, or filled up with zeros.
+/// Walks a payload in the order of its fields, by the widths that the device declares. Asks for the width even of a
+/// field without a place, because each question may log a line. A value is cut to its field's width, or filled up with
+/// zeros.
 template <typename Byte>
 class FieldCursor {
  public:
@@ -40,7 +40,7 @@ class FieldCursor {
   void Write(std::uint8_t usage, std::uint32_t value) { ToLittleEndian(value, Next(usage)); }
 
  private:
-  /// The bytes of the field; none when it takes no room, or has no place.
+  /// The bytes of the field; none when it is not declared or has no place.
   std::span<Byte> Next(std::uint8_t usage) {
     std::uint8_t width = 0;
     const std::uint8_t device_id = payload_.front();
@@ -66,7 +66,7 @@ bool Open(_HIDInfo& device, const HidLog& log) {
   return false;
 }
 
-/// The end of an attempt whose exchange failed. The next one opens the device anew.
+/// The end of an attempt whose exchange failed. The next attempt opens the device anew.
 template <typename... Arguments>
 void CloseAndPause(_HIDInfo& device, const HidLog& log, const wchar_t* why, Arguments... arguments) {
   CloseKept(device.handle);
@@ -86,7 +86,7 @@ LightingDeviceBaseInfo DecodedBaseInfo(const Payload& reply) {
   return info;
 }
 
-/// One attempt; nothing when another one may be made.
+/// One attempt; nothing when it failed.
 std::optional<Payload> AskForBaseInfo(_HIDInfo& device, std::uint8_t device_id, const HidLog& log) {
   if (!Open(device, log)) return std::nullopt;
   log.Info(L"vid: %04X pid: %04X usage: %04X:%04X", device.vendorId, device.productId, device.usagePage, device.usage);

@@ -26,7 +26,7 @@ const wchar_t* ReadCapability(HANDLE handle, HIDP_CAPS& caps) {
   return nullptr;
 }
 
-/// An interface on its way through the enumeration. What its handle still holds at the end is closed.
+/// An interface that the predicates are asked about. Closes its handle unless somebody takes that out.
 struct Candidate {
   PresentInterfaces::Interface interface;
   DeviceHandle handle;
@@ -34,7 +34,7 @@ struct Candidate {
   HIDP_CAPS caps{};
 };
 
-/// Asks an interface what it is, and the predicates whether it is wanted. One that could not be opened is not.
+/// Opens an interface and asks both predicates. An interface that cannot be opened is not wanted.
 bool IsWanted(Candidate& candidate, const TsHID::IdentityPredicate& identity,
               const TsHID::CapabilityPredicate& capability) {
   auto& [interface, handle, attributes, caps] = candidate;
@@ -52,8 +52,8 @@ bool IsWanted(Candidate& candidate, const TsHID::IdentityPredicate& identity,
   return interface.failure == nullptr && capability(caps);
 }
 
-/// Calls `take(candidate)` for each present interface that both predicates accept, until it answers false. Whether the
-/// platform could tell what is present.
+/// Calls `take(candidate)` for each present interface that both predicates accept, until `take` answers false. False
+/// when the platform cannot tell what is present.
 template <typename Take>
 bool ForEachMatch(const TsHID::IdentityPredicate& identity, const TsHID::CapabilityPredicate& capability, Take take) {
   PresentInterfaces present;

@@ -1,7 +1,7 @@
 /// Access to HID devices: finds interfaces by identity and usage, exchanges feature reports, reads capabilities.
 ///
 /// Keeps no state and takes no lock. A call returns when the platform has answered. Device errors are logged and
-/// answered, never thrown; std::bad_alloc may leave every operation, and leaves nothing open.
+/// answered, never thrown. Every operation may throw std::bad_alloc, and then leaves nothing open.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +19,7 @@ struct _HIDDevice {  // NOLINT(bugprone-reserved-identifier): the HID library's 
   std::uint16_t productId = 0;
   std::uint16_t usagePage = 0;  // of its top-level collection
   std::uint16_t usage = 0;
-  HANDLE handle = INVALID_HANDLE_VALUE;  // INVALID_HANDLE_VALUE while it is closed
+  HANDLE handle = INVALID_HANDLE_VALUE;  // that value while it is closed
 };
 
 namespace zarn::WRV520 {
@@ -39,8 +39,8 @@ class TsHID {
   /// The same, by identity and top-level usage.
   static HANDLE GetHIDDeviceHandle(std::uint16_t vendor_id, std::uint16_t product_id, std::uint16_t usage_page,
                                    std::uint16_t usage);
-  /// Appends all of them to `devices`, each with a handle of its own that the caller closes. Whether `devices` holds
-  /// any afterwards; false when the platform cannot tell what is present.
+  /// Appends all such interfaces to `devices`, each with a handle that the caller closes. True when `devices` then
+  /// holds any; false also when the platform cannot tell what is present.
   static bool GetHIDDeviceHandle(const IdentityPredicate& identity, const CapabilityPredicate& capability,
                                  std::vector<_HIDDevice>& devices);
 
@@ -52,8 +52,8 @@ class TsHID {
                             std::size_t* received = nullptr);
 
   static bool GetHIDCapability(HANDLE handle, HIDP_CAPS& caps);
-  /// Makes `caps` the feature value capabilities, in the platform's order. A device without any is no fault, so
-  /// failures go to the standard error stream, for developers, and not to the log.
+  /// Makes `caps` the feature value capabilities, in the platform's order. A device may have none. So failures go to
+  /// the standard error stream, for developers, and not to the log.
   static bool GetHIDValueCapability(HANDLE handle, std::vector<HIDP_VALUE_CAPS>& caps);
 };
 

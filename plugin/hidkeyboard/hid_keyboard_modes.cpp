@@ -13,8 +13,8 @@ using ModeRows::kEffect;
 
 struct Row {
   ModeRow mode;
-  std::uint8_t device_code;  // less 1, also the number of its bit among the keyboard's effects
-  bool has_color;            // one colour in the record, also where the mode does not show it
+  std::uint8_t device_code;  // the bit `device_code - 1` of the keyboard's effects stands for it
+  bool has_color;            // the record has a colour, even if the mode does not show it
 };
 
 constexpr Row kRows[] = {
@@ -51,7 +51,7 @@ std::vector<ModeRecord> MakeHidKeyboardModes(std::uint32_t effect_mask) {
 }
 
 std::uint8_t DeviceCodeOf(std::uint32_t hw_code) {
-  if (hw_code == 15) return 1;  // no mode of ours has it, but a host may send it
+  if (hw_code == 15) return 1;  // no mode in the table has it, but a host may send it
   const auto* const row = std::ranges::find_if(
       kRows, [hw_code](const Row& each) { return static_cast<std::uint32_t>(each.mode.hw_code) == hw_code; });
   return row != std::end(kRows) ? row->device_code : static_cast<std::uint8_t>(hw_code);

@@ -12,5 +12,5 @@ inline constexpr std::uint8_t kStaticDeviceMode = 2;
 /// The modes of a keyboard with these effects: "Direct" and "STATIC" always, the others where their bit is set.
 std::vector<ModeRecord> MakeHidKeyboardModes(std::uint32_t effect_mask);
 
-/// The keyboard's own code for a mode's `hw_code`. One that it does not know goes out as it is, cut.
+/// The keyboard's own code for a mode's `hw_code`; for a code without a row, its low 8 bits.
 std::uint8_t DeviceCodeOf(std::uint32_t hw_code);

@@ -53,7 +53,7 @@ void RGBController_ZarnHIDKeyboard::WriteModeToDevice() try {
   if (!mode) return;
   if (mode->hw_code == kPerLedModeCode) return WriteColorsToDevice();
 
-  // Here "STATIC" is an update like any effect's, for all zones at once; it leaves the colour table alone.
+  // Here "STATIC" is sent like any effect, for all zones at once, and the colour table stays as it is.
   const PackedColor color = EffectColor(*mode);
   hw_controller->SetMode(hw_controller->ToDeviceMode(static_cast<std::uint32_t>(mode->hw_code)),
                          static_cast<std::uint16_t>(mode->speed_setting),

@@ -15,12 +15,9 @@ class RGBController_ZarnHIDKeyboard final : public RGBController {
   ~RGBController_ZarnHIDKeyboard() override;
 
   void DefineLayout() override;
-  void DeviceSpareHook() override {}
   void WriteColorsToDevice() override;
-  void WriteZoneToDevice(std::int32_t /*zone_index*/) override { WriteColorsToDevice(); }
   void WriteLedToDevice(std::int32_t led_index) override;
   void WriteModeToDevice() override;
-  void SelectFirstMode() override { ActivateFirstMode(); }
 
  private:
   ZarnHIDKeyboardController* const hw_controller;  // owned; see RGBController

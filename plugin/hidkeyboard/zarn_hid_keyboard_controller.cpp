@@ -24,7 +24,7 @@ std::uint8_t ZarnHIDKeyboardController::ToDeviceMode(std::uint32_t mode_code) { 
 
 std::uint16_t ZarnHIDKeyboardController::ToDeviceDirection(std::uint32_t direction_code) {
   static constexpr std::uint16_t kDirections[] = {2, 1, 3, 4, 5, 6};
-  // A code that is not in the table goes to the keyboard as it is, cut.
+  // A code that is not in the table goes to the keyboard as it is, cut to 16 bits.
   return direction_code < std::size(kDirections) ? kDirections[direction_code]
                                                  : static_cast<std::uint16_t>(direction_code);
 }

@@ -2,7 +2,7 @@
 ///
 /// Owned by the generic controller built around it; works on its own, too. Constant after construction and without a
 /// lock: any thread may call. Reports go out one at a time. A call returns when the keyboard has taken its reports or
-/// all attempts have failed, which only the log tells.
+/// all attempts have failed. Only the log tells which.
 #pragma once
 
 #include <cstdint>
@@ -44,7 +44,7 @@ class ZarnHIDKeyboardController final {
 /// As many zones as the mask of an update has bits.
 inline constexpr std::uint32_t kAddressableZones = 16;
 
-/// The bit of a zone in the mask of an update; none for a zone that the mask has no bit for.
+/// The bit of a zone in the mask of an update; 0 for a zone beyond the mask.
 constexpr std::uint16_t ZoneBit(std::uint32_t zone) {
   return zone < kAddressableZones ? static_cast<std::uint16_t>(1U << zone) : std::uint16_t{0};
 }

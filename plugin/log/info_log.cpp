@@ -7,16 +7,14 @@
 #include "log/format.h"
 #include "log/ts_log.h"
 
-void InfoLog::operator()(const wchar_t* format, ...) const {
+void InfoLog::operator()(const wchar_t* format, ...) const try {
+  TsLog* const log = TsLog::GetInstance();
+  if (log == nullptr) return;
+  std::array<wchar_t, 1000> message{};
   std::va_list arguments;
   va_start(arguments, format);
-  try {
-    if (TsLog* const log = TsLog::GetInstance()) {
-      std::array<wchar_t, 1000> message{};
-      FormatWide(message.data(), message.size(), format, arguments);
-      log->WriteLine(TsLog::Info, function_tag_, message.data());
-    }
-  } catch (const std::exception&) {
-  }
+  FormatWide(message.data(), message.size(), format, arguments);
   va_end(arguments);
+  log->WriteLine(TsLog::Info, function_tag_, message.data());
+} catch (const std::exception&) {
 }

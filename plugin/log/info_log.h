@@ -1,8 +1,7 @@
 /// How the plug-in's own classes log: at level Info, under one function tag, and only while there is a log.
 #pragma once
 
-/// One operation's view of the log. Costs nothing to make; every line looks for the log anew, because it may be
-/// switched on at any time.
+/// One operation's view of the log. Every line looks for the log anew, because logging may be switched on at any time.
 class InfoLog {
  public:
   constexpr explicit InfoLog(const wchar_t* function_tag) : function_tag_(function_tag) {}

@@ -25,7 +25,7 @@ std::shared_ptr<Logger> CurrentLogger() {
 }
 
 void ReplaceLogger(std::shared_ptr<Logger> logger) {
-  // The previous logger goes with this function's argument, after the lock.
+  // Swapped, so that the previous logger is destroyed with the argument, after the lock.
   const std::lock_guard lock(g_loggerLock);
   g_logger.swap(logger);
 }

@@ -36,8 +36,8 @@ class DefaultLogger final : public Logger {
   void Log(Level level, const std::wstring& function_tag, const std::wstring& message) override;
 };
 
-/// A DefaultLogger from load on. Whoever logs goes through CurrentLogger, whose reference keeps the logger alive while
-/// it is in use, and whoever replaces it through ReplaceLogger.
+/// A DefaultLogger at first. Replace it by ReplaceLogger, and log through CurrentLogger: the reference keeps the logger
+/// alive while it is in use.
 extern std::shared_ptr<Logger> g_logger;
 
 std::shared_ptr<Logger> CurrentLogger();

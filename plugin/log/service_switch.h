@@ -11,6 +11,6 @@ inline constexpr ServiceSwitch kLogSwitch = {L"SOFTWARE\\OEM\\ZarnLightingServic
 /// Lets the HID keyboard be reported beside the EC devices.
 inline constexpr ServiceSwitch kHybridSwitch = {L"SOFTWARE\\OEM\\ZarnLightingService", L"HybridMode"};
 
-/// True when the value is the four bytes of a 1, whatever its type. Where key or value are missing, or the value is
-/// shorter, the switch is off. For a longer value the platform does not say what a reader gets. Any thread may call.
+/// True when the value is the four bytes of a 1, of any type. False when it is missing or shorter. For a longer value
+/// the platform does not say what a reader gets. Any thread may call.
 bool IsOn(const ServiceSwitch& service_switch);

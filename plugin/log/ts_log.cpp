@@ -42,8 +42,8 @@ const wchar_t* TagOf(std::int32_t level) {
   return level >= 0 && level < static_cast<std::int32_t>(std::size(kTags)) ? kTags[level] : L"";
 }
 
-/// The length of what `text` holds in front of the first character that a stream of `locale` cannot convert. Such a
-/// character would take with it whatever else is waiting in the stream's buffer.
+/// How many characters of `text` stand before the first one that a stream of `locale` cannot convert. That one, if
+/// written, would also lose what waits in the stream's buffer.
 std::size_t ConvertibleLength(const std::wstring& text, const std::locale& locale) {
   using Converter = std::codecvt<wchar_t, char, std::mbstate_t>;
   const auto& converter = std::use_facet<Converter>(locale);

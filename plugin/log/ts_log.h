@@ -10,8 +10,8 @@
 
 #include "platform/system.h"
 
-/// The folder of the log's files: below PROGRAMDATA, which counts as empty when it is not set. Nothing when it is too
-/// long for a path.
+/// The folder of the log's files, below PROGRAMDATA. If that is not set it counts as empty; nothing when it is too
+/// long.
 std::optional<std::wstring> LogFolder();
 
 class TsLog {
@@ -21,11 +21,10 @@ class TsLog {
   TsLog(const TsLog&) = delete;
   TsLog& operator=(const TsLog&) = delete;
 
-  /// The process's log, or null while logging is off. Reads the registry's switch as long as there is no log; once
-  /// there is one it stays.
+  /// The process's log, or null while logging is off. Reads the registry's switch until there is a log.
   static TsLog* GetInstance();
 
-  /// Appends one line, which is on disk on return. False when the file could not be opened; the line is lost then, and
+  /// Appends one line, which is on disk on return. When the file cannot be opened, answers false and loses the line;
   /// the next one tries again. A character that cannot be converted ends its line early.
   bool WriteLine(std::int32_t level, const wchar_t* function_tag, const wchar_t* message);
 
