@@ -27,6 +27,7 @@ struct FirmwareVersion {
   std::uint8_t major = 0;
   std::uint8_t minor = 0;
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): the 0 that the compiler compares with is no pointer
   friend auto operator<=>(const FirmwareVersion&, const FirmwareVersion&) = default;
 };
 

@@ -17,7 +17,6 @@ namespace simulator {
 namespace {
 
 using platform::TomlError;
-using platform::WideFromUtf8;
 
 constexpr wchar_t kDefaultInstance[] = L"ACPI\\PNP0C14\\ZARN_0";
 constexpr std::size_t kLongestReport = 16384;                  // a Linux kernel's limit
@@ -74,7 +73,7 @@ bool Assign(const std::optional<T>& value, Target& target) {
 std::optional<std::wstring> Text(const toml::node& node) {
   const auto text = node.value_exact<std::string>();
   if (!text || text->find('\0') != std::string::npos) return std::nullopt;
-  return WideFromUtf8(*text);
+  return platform::WideFromUtf8(*text);
 }
 
 std::optional<std::int64_t> Number(const toml::node& node, std::int64_t highest) {
@@ -191,7 +190,7 @@ bool ReadEnvironment(const toml::node& node, Profile& profile) {
   for (const auto& [name, value] : *node.as_table()) {
     const auto text = Text(value);
     if (!text) Fail(name.source(), {name.str(), " must be text"});
-    const bool is_new = profile.environment.emplace(WideFromUtf8(name.str()), *text).second;
+    const bool is_new = profile.environment.emplace(platform::WideFromUtf8(name.str()), *text).second;
     if (!is_new) Fail(name.source(), {name.str(), " is there already"});
   }
   return true;

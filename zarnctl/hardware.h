@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "zarnctl/doctor.h"
 #include "zarnctl/panel.h"
+#include "zarnctl/symptoms.h"
 
 namespace zarnctl {
 

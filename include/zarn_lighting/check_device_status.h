@@ -22,9 +22,9 @@ extern "C" {
 ///
 /// Call it before creating controllers. Any thread may call; while a HID keyboard is driven the call waits for the
 /// report that is under way. It may take as long as the management service and the HID devices do. Throws nothing:
-/// failures show in the number alone, and when memory runs out the answer is 0 and the arguments are as they were. The
-/// strings are the standard library's, shared by host and plug-in, which therefore need the same one (with Microsoft's
-/// compiler also the same runtime library, /MD, and no debug build with a release build); what they hold is the host's.
+/// failures show in the number alone, and when memory runs out the answer is 0 and the arguments are as they were. Host
+/// and plug-in share the strings, so they need the same standard library. With Microsoft's compiler they also need the
+/// same runtime library, /MD, and no debug build beside a release build. What the strings hold is the host's.
 ZARN_EXPORT std::int32_t CheckDeviceStatus(std::wstring& deviceNames, std::uint32_t& interfaceType,
                                            std::wstring& hardwareId, std::wstring& usagePageHex) noexcept;
 }

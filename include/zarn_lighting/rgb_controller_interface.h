@@ -5,10 +5,10 @@
 /// entries, 33 (complete) and 34 (deleting); with Microsoft's compiler it takes one, 33, whose argument tells whether
 /// to free the object (1) or not (0).
 ///
-/// Threads: a host may call any slot on any of its threads, except that slots 17 to 19 take no lock, so that they need
-/// the listeners to themselves (one thread at a time, and none that notifies: slots 20 and 21), and that the destructor
-/// needs the controller to itself. Slots 27 to 30 talk to the hardware and return when it has answered, slots 20 and 21
-/// when the listeners have; all others return at once.
+/// Threads: a host may call any slot on any of its threads, with two exceptions. Slots 17 to 19 take no lock: call them
+/// on one thread at a time, and never while slot 20 or 21 notifies. The destructor needs the controller to itself.
+/// Slots 27 to 30 talk to the hardware and return when it has answered, slots 20 and 21 when the listeners have; all
+/// others return at once.
 ///
 /// Errors: device errors are never thrown and never reported here. What can leave a slot is the standard
 /// out-of-memory exception, and the records are as they were when it does; from slots 20 and 21 also what a listener

@@ -8,11 +8,14 @@
 /// The number in `bytes`, of which there are 8 at most; 0 for none.
 constexpr std::uint64_t FromLittleEndian(std::span<const std::uint8_t> bytes) {
   std::uint64_t number = 0;
-  for (std::size_t i = 0; i < bytes.size(); ++i) number |= std::uint64_t{bytes[i]} << (8 * i);
+  for (std::size_t i = bytes.size(); i-- > 0;) number = number << 8 | bytes[i];
   return number;
 }
 
 /// Fills `bytes`, 8 at most, with the low bytes of `number`.
 constexpr void ToLittleEndian(std::uint64_t number, std::span<std::uint8_t> bytes) {
-  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(number >> (8 * i));
+  for (std::uint8_t& byte : bytes) {
+    byte = static_cast<std::uint8_t>(number);
+    number >>= 8;
+  }
 }

@@ -8,8 +8,8 @@
 /// The longest stretch slept at a time, so that no conversion of a far deadline can overflow.
 inline constexpr std::chrono::milliseconds kLongestNap{86'400'000};
 
-/// Sleeps until `Clock` has moved on by `milliseconds`, a deadline beyond the clock's end being its end; 0 or less
-/// returns at once. `nap` sleeps for the whole milliseconds it is given, or less.
+/// Sleeps until `Clock` has moved on by `milliseconds`, or to the clock's end if that comes first. 0 or less returns at
+/// once. `nap` sleeps for the whole milliseconds it is given, or less.
 template <typename Clock, typename Nap>
 void SleepMilliseconds(std::int64_t milliseconds, Nap nap) {
   using std::chrono::ceil;

@@ -1,9 +1,8 @@
 /// Measures, writes and reads the primitives of the binary formats: little-endian numbers without padding, texts
 /// behind a 16-bit length, lists behind a 16-bit count.
 ///
-/// The archives understand the same calls, so one list of fields serves all of them and they cannot disagree. Number
-/// takes any integer field, Text a string, Count a vector (or, to write, a span). Entries takes what Count took and
-/// answered, and a function for one entry.
+/// The archives understand the same calls, so one list of fields serves all of them and they cannot disagree. Count and
+/// Entries take a vector or, to write, a span.
 #pragma once
 
 #include <algorithm>
@@ -19,9 +18,8 @@
 #include "base/little_endian.h"
 #include "controller/packed_buffer.h"
 
-/// The longest text that fits behind a 16-bit length together with its NUL.
+/// The longest text that fits behind a 16-bit length together with its NUL, and the longest list behind its count.
 inline constexpr std::size_t kLongestText = 65534;
-/// The longest list that fits behind a 16-bit count.
 inline constexpr std::size_t kLongestList = 65535;
 
 /// What of `text` travels: everything up to its first NUL, at most kLongestText bytes.
@@ -123,7 +121,7 @@ class ReadArchive {
   /// Appends the entries, unless the buffer is plainly too small for as many.
   template <typename Entry, typename EntryFields>
   void Entries(std::vector<Entry>& list, std::size_t count, EntryFields entry_fields) {
-    const Entry smallest{};  // its texts are empty, and their length may even deny the NUL
+    const Entry smallest{};  // its texts are empty, and may claim a length of 0, without their NUL
     MeasureArchive measure;
     entry_fields(measure, smallest);
     if (!Fits(count * (measure.size() - 1))) return;

@@ -14,6 +14,7 @@ struct FirmwareVersion {
   std::int32_t major = 0;
   std::int32_t minor = 0;
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the 0 of the comparison itself for a pointer
   friend constexpr auto operator<=>(const FirmwareVersion&, const FirmwareVersion&) = default;
 };
 

@@ -24,8 +24,9 @@ constexpr wchar_t kUpdateTag[] = L"zarn::WRV520::Lighting::LightingHID::SetLight
 constexpr std::size_t kPayloadSize = TsHID::kFeatureBufferSize;
 using Payload = std::array<std::uint8_t, kPayloadSize>;
 
-/// Walks a payload in the order of its fields, by the widths that the device declares. Widths are asked for to the end,
-/// also when the place of the rest is not known any more. A value is cut to its field's width, or filled up with zeros.
+/// Walks a payload in the order of its fields, by the widths that the device declares. It asks for every
+/// width, even once the place of the rest is unknown, because each question may log a line. A value is cut to its
+/// field's width, or filled up with zeros.
 template <typename Byte>
 class FieldCursor {
  public:

@@ -17,9 +17,8 @@ struct Row {
   bool has_color;            // one colour in the record, also where the mode does not show it
 };
 
-constexpr std::uint8_t kPerLedDeviceMode = 255;
 constexpr Row kRows[] = {
-    {{"Direct", kPerLedModeCode, Can::BrightnessAdjustable | Can::PerLedColors}, kPerLedDeviceMode, false},
+    {{"Direct", kPerLedModeCode, Can::BrightnessAdjustable | Can::PerLedColors}, 255, false},
     {{"STATIC", 0, Can::BrightnessAdjustable | Can::ModeColors}, kStaticDeviceMode, true},
     {{"BREATHING", 1, kColoredEffect}, 4, true},
     {{"NEON", 2, kEffect}, 5, true},
@@ -36,8 +35,8 @@ constexpr Row kRows[] = {
 };
 
 bool IsSupported(const Row& row, std::uint32_t effect_mask) {
-  if (row.device_code == kPerLedDeviceMode || row.device_code == kStaticDeviceMode) return true;
-  return (effect_mask >> (row.device_code - 1) & 1) != 0;
+  const bool always = row.mode.hw_code == kPerLedModeCode || row.device_code == kStaticDeviceMode;
+  return always || (effect_mask >> (row.device_code - 1) & 1) != 0;
 }
 
 }  // namespace

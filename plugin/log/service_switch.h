@@ -11,7 +11,6 @@ inline constexpr ServiceSwitch kLogSwitch = {L"SOFTWARE\\OEM\\ZarnLightingServic
 /// Lets the HID keyboard be reported beside the EC devices.
 inline constexpr ServiceSwitch kHybridSwitch = {L"SOFTWARE\\OEM\\ZarnLightingService", L"HybridMode"};
 
-/// Whether its value, as the platform reads it, is the four bytes of a 1, whatever the type. A key or value that is
-/// missing, and a shorter value, is a switch that is off. Of a longer value the platform does not say what it leaves to
-/// be read. Any thread may call.
+/// True when the value is the four bytes of a 1, whatever its type. Where key or value are missing, or the value is
+/// shorter, the switch is off. For a longer value the platform does not say what a reader gets. Any thread may call.
 bool IsOn(const ServiceSwitch& service_switch);

@@ -114,10 +114,10 @@ class NotebookMachine final : public platform::Machine {
 
   platform::HidDevice DeviceAt(std::size_t index) const {
     const HidKeyboard& keyboard = notebook_->HidKeyboardAt(index);
-    const auto vendor = keyboard.settings().vendor, product = keyboard.settings().product;
+    const HidKeyboard::Settings& is = keyboard.settings();
     std::array<wchar_t, 64> path{};
-    std::swprintf(path.data(), path.size(), L"\\\\?\\hid#vid_%04x&pid_%04x#%zu", vendor, product, index);
-    return {path.data(), vendor, product, 0x0100, keyboard.report_descriptor()};
+    std::swprintf(path.data(), path.size(), L"\\\\?\\hid#vid_%04x&pid_%04x#%zu", is.vendor, is.product, index);
+    return {path.data(), is.vendor, is.product, 0x0100, keyboard.report_descriptor()};
   }
 
   const std::shared_ptr<Notebook> notebook_;

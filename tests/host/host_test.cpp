@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "simulator/notebook.h"
@@ -28,50 +29,50 @@ class HostTest : public MachineTest {
     return notebook;
   }
   static host::Plugin Loaded() { return *host::Plugin::Load(ZARN_LIGHTING_PATH); }
+  static host::Device Keyboard() {
+    auto device = Loaded().Create("ZarnECKeyboard");
+    return std::move(*device);
+  }
 };
 
 TEST_F(HostTest, DiscoversDescribesAndSends) {
   const auto notebook = Start("four-zone");
-  const host::Plugin plugin = Loaded();
-  EXPECT_EQ(plugin.Discover()->names, std::vector<std::string>{"ZarnECKeyboard"});
-  auto device = plugin.Create("ZarnECKeyboard");
-  ASSERT_TRUE(device);
-  const auto records = device->Describe();
+  EXPECT_EQ(Loaded().Discover()->names, std::vector<std::string>{"ZarnECKeyboard"});
+  host::Device device = Keyboard();
+  const auto records = device.Describe();
   ASSERT_TRUE(records && records->zone_list.size() == 1);
   EXPECT_EQ(records->zone_list[0].color_view, records->color_table.data());  // also after the records were moved
 
   ModeRecord breathing = records->mode_list.at(2);
   breathing.speed_setting = 7;
-  EXPECT_EQ(device->SetMode(2, breathing), std::nullopt);
+  EXPECT_EQ(device.SetMode(2, breathing), std::nullopt);
   EXPECT_EQ(notebook->TakeWire().size(), 0U);  // nothing is sent yet
-  EXPECT_EQ(device->WriteMode(), std::nullopt);
+  EXPECT_EQ(device.WriteMode(), std::nullopt);
   EXPECT_EQ(notebook->Lights().effect->speed, 7);
 
-  EXPECT_EQ(device->SetColors({0x0000FF, 0x00FF00}), std::nullopt);  // the first two of four
-  EXPECT_EQ(device->WriteColors(), std::nullopt);
+  EXPECT_EQ(device.SetColors({0x0000FF, 0x00FF00}), std::nullopt);  // the first two of four
+  EXPECT_EQ(device.WriteColors(), std::nullopt);
   EXPECT_EQ(notebook->Lights().zones[1].color, (simulator::Color{0, 255, 0}));
-  EXPECT_EQ(device->controller().FetchLedColor(2), 0U);
+  EXPECT_EQ(device.controller().FetchLedColor(2), 0U);
 }
 
 TEST_F(HostTest, WhatTheDeviceDoesNotTakeIsSaidAndChangesNothing) {
   Start("four-zone");
-  const host::Plugin plugin = Loaded();
-  auto device = plugin.Create("ZarnECKeyboard");
-  ASSERT_TRUE(device);
-  const ModeRecord mode = device->Describe()->mode_list[1];
+  host::Device device = Keyboard();
+  const ModeRecord mode = device.Describe()->mode_list[1];
   for (const std::int32_t index : {-1, 9, 0x7FFFFFFF}) {
-    const host::Error refused = device->SetMode(index, mode).value();
+    const host::Error refused = device.SetMode(index, mode).value();
     EXPECT_EQ(refused.failure, host::Failure::Refused);
     EXPECT_EQ(refused.text, "the device did not take the mode");
   }
   ModeRecord cut = mode;
   cut.mode_colors.resize(65536);
-  EXPECT_EQ(device->SetMode(1, cut)->failure, host::Failure::Refused);
-  EXPECT_EQ(device->controller().CurrentModeIndex(), 0);
+  EXPECT_EQ(device.SetMode(1, cut)->failure, host::Failure::Refused);
+  EXPECT_EQ(device.controller().CurrentModeIndex(), 0);
   for (const std::size_t count : {0U, 5U, 65536U, 65537U}) {
-    EXPECT_EQ(device->SetColors(std::vector<PackedColor>(count, 7)).value().failure, host::Failure::Refused);
+    EXPECT_EQ(device.SetColors(std::vector<PackedColor>(count, 7)).value().failure, host::Failure::Refused);
   }
-  EXPECT_EQ(device->Describe()->color_table, std::vector<PackedColor>(4, 0));
+  EXPECT_EQ(device.Describe()->color_table, std::vector<PackedColor>(4, 0));
 }
 
 TEST_F(HostTest, WhatIsNoPluginOrDeviceIsSaid) {
@@ -91,10 +92,8 @@ TEST_F(HostTest, WhatIsNoPluginOrDeviceIsSaid) {
 
 TEST_F(HostTest, MemoryThatRunsOutIsAnErrorAndNeverThrown) {
   Start("four-zone");
-  const host::Plugin plugin = Loaded();
-  auto device = plugin.Create("ZarnECKeyboard");
-  ASSERT_TRUE(device);
-  const ModeRecord mode = device->Describe()->mode_list[1];
+  host::Device device = Keyboard();
+  const ModeRecord mode = device.Describe()->mode_list[1];
   const std::vector<PackedColor> colors(4, 7);
   const std::filesystem::path file = ZARN_LIGHTING_PATH;
   std::optional<host::Failure> failure;
@@ -103,10 +102,10 @@ TEST_F(HostTest, MemoryThatRunsOutIsAnErrorAndNeverThrown) {
   };
   FailInTurn(
       [&] {
-        if (const auto records = device->Describe(); !records) note(records.error());
+        if (const auto records = device.Describe(); !records) note(records.error());
         if (const auto loaded = host::Plugin::Load(file); !loaded) note(loaded.error());
-        note(device->SetMode(1, mode));
-        note(device->SetColors(colors));
+        note(device.SetMode(1, mode));
+        note(device.SetColors(colors));
       },
       [&](const FaultRun& run) {
         EXPECT_FALSE(run.threw_bad_alloc);

@@ -47,10 +47,8 @@ TEST_F(TsLogTest, LinesCarryLevelTimeModuleTagAndMessageAndComeByTheAdapterToo) 
     ASSERT_NE(log, nullptr);
     EXPECT_TRUE(log->WriteLine(TsLog::Info, L"CheckDeviceStatus", L"Enter!!"));
     machine->now = {2024, 2, 1, 5, 0, 0, 0, 5};  // the file keeps the day of its creation
-    EXPECT_TRUE(log->WriteLine(TsLog::Warning, L"", L""));
-    EXPECT_TRUE(log->WriteLine(TsLog::Error, L"A::B", L"x"));
-    EXPECT_TRUE(log->WriteLine(TsLog::Exception, L"A::B", L"x"));
-    EXPECT_TRUE(log->WriteLine(9, L"A::B", L"x"));
+    EXPECT_TRUE(log->WriteLine(TsLog::Warning, L"", L"") && log->WriteLine(TsLog::Error, L"A::B", L"x"));
+    EXPECT_TRUE(log->WriteLine(TsLog::Exception, L"A::B", L"x") && log->WriteLine(9, L"A::B", L"x"));
     zarn::WRV520::TsLogAdapter adapter(log);
     adapter.Log(Logger::Error, L"A::B", L"first");
     adapter.Log(static_cast<Logger::Level>(9), L"A::B", L"second");
@@ -90,6 +88,7 @@ TEST_F(TsLogTest, FirstCallsFromManyThreadsCreateOneLogAndLinesStayWhole) {
     std::vector<TsLog*> seen(4);
     {
       std::vector<std::jthread> threads;
+      threads.reserve(seen.size());
       for (TsLog*& log : seen) {
         threads.emplace_back([&log] {
           log = TsLog::GetInstance();

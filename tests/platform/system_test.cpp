@@ -125,7 +125,8 @@ TEST_F(SystemTest, LogFilesThatOthersCouldHavePlacedOrAtTheRootAreRefused) {
     EXPECT_EQ(test::ContentOf(folder / "mine"), "") << file;
   };
   std::ofstream(folder / "mine").close();
-  fs::create_symlink("mine", folder / "link");
+  std::ofstream(folder / "target").close();
+  fs::create_symlink("target", folder / "link");
   fs::create_hard_link(folder / "mine", folder / "second name");
   ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
   const int reader = open((folder / "fifo").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);

@@ -47,15 +47,13 @@ TEST_F(Discovery, FailuresShowInTheCountAloneAndLeaveNothingOpen) {
   ::testing::internal::CaptureStderr();
   FailInTurn([&] { found = (*fresh)->Discover(); },
              [&](const FaultRun& run) {
-               if (run.threw_bad_alloc) {
-                 EXPECT_EQ(found, Discovered());  // the host's own texts had no room
-               } else if (found.interface_type == 99) {
-                 EXPECT_EQ(found, Discovered());  // discovery had no memory, and touched nothing
+               if (run.threw_bad_alloc || found.interface_type == 99) {
+                 // The host's own texts had no room, or discovery had no memory and touched nothing.
+                 EXPECT_EQ(found, Discovered());
                  EXPECT_TRUE(run.met);
                } else {
-                 EXPECT_EQ(found.names, found.count == 2   ? L"ZarnECGlobal,ZarnECKeyboard"
-                                        : found.count == 1 ? L"ZarnECKeyboard"
-                                                           : L"as it was");
+                 const wchar_t* const names[] = {L"as it was", L"ZarnECKeyboard", L"ZarnECGlobal,ZarnECKeyboard"};
+                 EXPECT_EQ(found.names, names[found.count]);
                  EXPECT_TRUE(run.met || found.count == 2);
                }
                found = {};

@@ -1,4 +1,4 @@
-#include "zarnctl/doctor.h"
+#include "zarnctl/commands/doctor.h"
 
 #include "tests/support/machine_fixture.h"
 

@@ -1,22 +1,10 @@
-/// Why discovery reports something to light, or nothing.
+/// What hardware tells the doctor.
 #pragma once
 
 #include <string>
 #include <vector>
 
 namespace zarnctl {
-
-/// One question and its answer.
-struct Finding {
-  enum class Kind {
-    Fine,
-    Note,    // nothing is wrong, but it is good to know
-    Missing  // something cannot be lit for this reason
-  };
-  Kind kind = Kind::Fine;
-  std::string answer = {};
-  std::string remedy = {};  // empty when nothing is to be done
-};
 
 /// What to do about each thing that is missing. It depends on the hardware. Texts may be empty.
 struct Remedies {
@@ -40,12 +28,5 @@ struct Symptoms {
   std::vector<std::string> device_notes = {};  // HID devices that the platform shows in part or not at all, and why
   std::vector<std::string> devices_with_keys = {};  // paths of HID devices that have lights and send what is typed
 };
-
-/// Looks at the log, the switches, the HID interfaces, the SMBIOS table and the firmware class, in this order, then
-/// says what explains the discovery. Reads the attribute report of each lighting device that may be opened.
-std::vector<Finding> Examine(const Symptoms& symptoms, const Remedies& remedies);
-
-/// "missing  /dev/hidraw0: ...; plug it in again"
-std::string LineOf(const Finding& finding);
 
 }  // namespace zarnctl
