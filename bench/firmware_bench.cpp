@@ -12,7 +12,6 @@
 
 namespace {
 
-/// The machine of a notebook that never pauses.
 class UnpausedMachine final : public platform::Machine {
  public:
   std::optional<platform::FirmwareClass> FindFirmwareClass() override {

@@ -49,7 +49,7 @@ void UnpackDescription(benchmark::State& state) {
 }
 BENCHMARK(UnpackDescription)->Arg(4)->Arg(128)->Arg(65535);
 
-/// The floor under both: allocating and copying as many bytes.
+/// The least that both could cost: allocating and copying as many bytes.
 void CopyOfADescription(benchmark::State& state) {
   const PackedBuffer buffer = PackDescription(RecordsWith(state.range(0)), 3);
   for ([[maybe_unused]] auto _ : state) {

@@ -16,7 +16,7 @@ namespace {
 using zarn::WRV520::Lighting::kKeyboardId;
 using zarn::WRV520::Lighting::LightingHID;
 
-/// A notebook with so many keyboards, which the list of lighting devices holds.
+/// A notebook with so many keyboards, all in the list of lighting devices.
 class Keyboards {
  public:
   explicit Keyboards(std::size_t count) {
@@ -37,7 +37,7 @@ class Keyboards {
     g_lightingDevices.clear();
   }
 
-  /// The record of the wire would grow with every exchange.
+  /// Otherwise the record of the wire grows with every exchange.
   void ForgetWire() { notebook_->TakeWire(); }
 
  private:

@@ -1,5 +1,5 @@
-/// Finding lighting devices among many on Linux, beside the bare system calls that read the same files once. On a copy
-/// of sysfs in a temporary folder, so that it runs without devices; nothing is exchanged.
+/// Finding lighting devices among many on Linux, compared with the bare system calls that read the same files once. It
+/// runs on a copy of sysfs, so it needs no devices and exchanges nothing.
 
 #include <benchmark/benchmark.h>
 #include <dirent.h>
@@ -23,7 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The hidraw nodes of so many devices, as sysfs shows them; the last one is a lighting keyboard.
+/// The hidraw nodes of so many devices, as in sysfs. The last one is a lighting keyboard.
 class Sysfs {
  public:
   explicit Sysfs(int devices) {

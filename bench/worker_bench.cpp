@@ -50,7 +50,7 @@ void RequestUntilItsOperationBegins(benchmark::State& state) {
   CountingDevice device;
   for ([[maybe_unused]] auto _ : state) {
     const int before = device.operations;
-    // A request that the last operation, just ending, absorbs is raised again.
+    // The operation that is just ending may absorb a request, so it is raised until one begins.
     while (device.operations == before) device.RequestColorPush();
   }
 }

@@ -1,7 +1,7 @@
 # zarn_export_names(<target> <def file>)
 #
-# Makes the names under EXPORTS in a module definition file the only names that <target> exports. The linker for
-# Windows reads the file itself; elsewhere a version script is derived from it, so that there is one list of names.
+# <target> exports the names under EXPORTS in a module definition file, and no others. The linker for Windows reads the
+# file itself. Elsewhere a version script is made from it, so there is one list of names.
 function(zarn_export_names target def_file)
   cmake_path(ABSOLUTE_PATH def_file BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} NORMALIZE)
 

@@ -1,17 +1,17 @@
-# Makes a mistake of ours harder to use for others. scripts/binaries checks built files for it.
+# Makes our mistakes harder to exploit. scripts/binaries checks built files for it.
 if(MSVC)
   add_compile_options(/guard:cf)
   add_link_options(/guard:cf)
 elseif(MINGW)
-  # Debian's linker does all this by default; another one that cannot fails here. No stack protector: hosts
-  # that link our static library would need this compiler's library for it.
+  # Debian's linker does all this by default, and a linker that cannot fails here. There is no stack protector, because
+  # hosts that link our static library would need this compiler's library.
   add_link_options(LINKER:--dynamicbase,--nxcompat,--high-entropy-va)
 else()
   include(CheckPIESupported)
   check_pie_supported(LANGUAGES CXX)
   add_link_options(LINKER:-z,relro,-z,now,-z,noexecstack)
   add_compile_options(-fstack-protector-strong)
-  # Only an optimising compiler checks the lengths of copies. Level 3 is for sizes that only show when the program runs.
+  # Lengths of copies are checked in optimised code alone. Level 3 also checks sizes known only when the program runs.
   set(level 2)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 12)
     set(level 3)
@@ -19,7 +19,8 @@ else()
   add_compile_definitions($<$<CONFIG:Release>:_FORTIFY_SOURCE=${level}>)
   if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
     add_compile_options(-fcf-protection=full -fstack-clash-protection)
-    # The mark for a shadow stack, which Debian's start files leave out. The one for indirect branches is theirs to give.
+    # The mark for a shadow stack, which Debian's start files leave out. They alone can add the one for indirect
+    # branches.
     add_link_options(LINKER:-z,shstk)
   endif()
 endif()

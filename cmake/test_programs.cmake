@@ -1,7 +1,7 @@
-# zarn_test_code(<target>): makes test code quick to build. Nearly all of its time goes into GoogleTest's templates and
-# into optimising what runs for an instant. Checked copies need an optimising compiler.
+# zarn_test_code(<target>): makes test code quick to build. Optimising GoogleTest's templates would take nearly all of
+# the time. Checked copies need optimised code, so they are off.
 #
-# The first target precompiles the headers for all. It has no definitions of its own, and all are made for programs.
+# The first target precompiles the headers for all, so it must have no definitions of its own.
 option(ZARN_PRECOMPILE "Precompile the headers that tests share" ON)
 
 function(zarn_test_code target)
@@ -18,7 +18,7 @@ function(zarn_test_code target)
     target_precompile_headers(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests/precompiled.h)
     set_property(GLOBAL PROPERTY ZARN_PRECOMPILED ${target})
   endif()
-  # What ccache needs to keep such objects.
+  # Without these ccache keeps no such objects.
   if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     target_compile_options(${target} PRIVATE "SHELL:-Xclang -fno-pch-timestamp")
   else()

@@ -1,6 +1,6 @@
 # zarn_version_resource(<target> <description>)
 #
-# Gives a program or library the version resource that Windows shows of it.
+# Gives a program or library the version that Windows shows in its properties.
 function(zarn_version_resource target description)
   get_target_property(type ${target} TYPE)
   if(type STREQUAL "EXECUTABLE")

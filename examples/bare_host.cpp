@@ -1,7 +1,6 @@
-/// A host with nothing but what is installed: loads the plug-in, asks it for the lighting devices, and turns their LEDs
-/// red.
+/// A host without the host library: loads the plug-in, discovers the lighting devices, and turns their LEDs red.
 ///
-/// host LIBRARY [DEVICE...]: the devices named are driven instead of those that discovery reports.
+/// host LIBRARY [DEVICE...]: drives the named devices instead of the discovered ones.
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -48,7 +47,7 @@ std::vector<std::string> Discover(void* library) {
   const auto check = Find<decltype(CheckDeviceStatus)>(library, "CheckDeviceStatus");
   const std::int32_t count = check(names, interface_type, hardware_id, usage_page);
   std::vector<std::string> devices;
-  // The count decides: without devices the list may hold anything.
+  // Go by the count: without devices `names` may hold anything.
   for (std::size_t begin = 0; static_cast<std::int32_t>(devices.size()) < count;) {
     const std::size_t end = std::min(names.find(L',', begin), names.size());
     devices.emplace_back(names.begin() + static_cast<std::ptrdiff_t>(begin),
@@ -58,7 +57,7 @@ std::vector<std::string> Discover(void* library) {
   return devices;
 }
 
-/// The device controller goes straight into the generic controller, which owns it from then on.
+/// The generic controller owns the device controller that it is made from.
 template <typename Controller>
 std::unique_ptr<RGBControllerInterface> CreateAs(void* library, const std::string& device) {
   const auto make_controller = Find<Controller*()>(library, "Create" + device + "ControllerClassInstance");
@@ -76,14 +75,14 @@ std::unique_ptr<RGBControllerInterface> Create(void* library, const std::string&
 
 void TurnRed(void* library, const std::string& name) {
   const auto device = Create(library, name);
-  // Records first, then one request: the worker sends what they hold when it gets there.
+  // Change the records first, then ask once: the worker sends what the records hold when it begins.
   device->PaintAllZones(0x0000FF);
   device->SelectFirstMode();
   device->RequestColorPush();
   // A description's first four bytes are its size.
   const std::unique_ptr<std::uint8_t[]> description(device->PackDescription(3));
   std::cout << name << ": a description of " << (description[0] | description[1] << 8) << " bytes\n";
-  // Before it goes, send the last colours on this thread: what is requested while the worker is busy may be lost.
+  // Send the last colours on this thread, because a request to a busy worker may be lost.
   device->WriteColorsToDevice();
 }
 

@@ -1,4 +1,4 @@
-/// A host on the host library, host LIBRARY [DEVICE...]: turns the lights red, but for a whole-device light.
+/// A host on the host library, host LIBRARY [DEVICE...]: turns all lights red but a whole-device light.
 #include <zarn_lighting/host.h>
 #include <iostream>
 #include <string>

@@ -1,4 +1,4 @@
-/// A condition that must hold for every input, whatever the build.
+/// A condition that must hold for every input, also in builds without assertions.
 #pragma once
 
 #include <cstdlib>

@@ -1,5 +1,5 @@
-/// Any bytes as a description: refused whole, or read and then written and read again to the same bytes. The first
-/// byte chooses the protocol version.
+/// Any bytes as a description: refused whole, or read so that writing, reading and writing again gives the same bytes.
+/// The first byte chooses the protocol version.
 
 #include <algorithm>
 #include <cstddef>

@@ -1,5 +1,5 @@
-/// Any bytes as a lighting device's answers, for any widths of its fields: read inside their bounds, and as a plain
-/// second reading has them.
+/// Any bytes as a lighting device's answers, with fields of any width: read inside their bounds, and with the values
+/// that a second, simpler reader finds.
 ///
 /// Input: the length of the reports, the bits of the five fields of the base information (0: undeclared), 64 bytes of
 /// the attribute report, and the rest for the base information.
@@ -35,7 +35,7 @@ platform::Bytes Answer(std::uint8_t id, std::span<const std::uint8_t> data) {
   return answer;
 }
 
-/// The five values, read once more.
+/// The second reader of the five values.
 std::array<std::uint32_t, 5> Expected(std::span<const std::uint8_t> bits, const platform::Bytes& reply) {
   std::array<std::uint32_t, 5> values{};
   std::size_t position = 1;
@@ -71,7 +71,7 @@ void Try(test::ScriptedMachine& machine, std::span<const std::uint8_t> input) {
   Check(!told || (devices[0].deviceIds.contains(0x21) && info.deviceId == 0x21));
   if (!told) return;
 
-  // What lies beyond the report, and what the device leaves out, is 0.
+  // Bytes beyond the report, and bytes that the device leaves out, read as 0.
   platform::Bytes reply(input.begin(), input.end());
   std::size_t bytes = length;  // of the longest report, which may be the one with these fields
   std::size_t field_bits = 0;
@@ -89,7 +89,7 @@ void Try(test::ScriptedMachine& machine, std::span<const std::uint8_t> input) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const auto machine = [] {
     zarn::WRV520::ReplaceLogger(std::make_shared<zarn::WRV520::TsLogAdapter>(nullptr));
-    std::cerr.rdbuf(nullptr);  // devices without fields are told of there
+    std::cerr.rdbuf(nullptr);  // every device without fields prints a line
     auto made = std::make_shared<test::ScriptedMachine>();
     Check(platform::UseMachine(made));
     return made;

@@ -1,5 +1,5 @@
-/// Any bytes as an update packet: ignored whole, or applied without a change to anything but what it is for. The first
-/// byte chooses the packet and the protocol version.
+/// Any bytes as an update packet: ignored whole, or applied without growing or shrinking a list. The first byte chooses
+/// the packet and the protocol version.
 
 #include <algorithm>
 #include <cstddef>

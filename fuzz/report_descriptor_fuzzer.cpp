@@ -12,7 +12,6 @@
 
 namespace {
 
-/// The number of the collection's records.
 std::size_t CheckCollection(const platform::HidCollection& collection) {
   const std::size_t length = collection.caps.FeatureReportByteLength;
   Check(length <= 16384 && length != 1);
@@ -43,6 +42,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         (parsed.refusal.starts_with("byte ") && parsed.refusal.find('\n') == std::string::npos));
   std::size_t records = 0;
   for (const platform::HidCollection& collection : parsed.collections) records += CheckCollection(collection);
-  Check(records + parsed.collections.size() <= size);  // one each for an item at most: no range was spread out
+  Check(records + parsed.collections.size() <= size);  // at most one for each item: a range stays one record
   return 0;
 }

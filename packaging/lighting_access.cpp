@@ -1,9 +1,7 @@
-/// For udev, which sees no usage pages: says whether a hidraw node is one that whoever sits at the computer may use for
-/// its lights.
+/// Tells udev, which sees no usage pages, whether the user at the computer may have a hidraw node for its lights.
 ///
-/// zarn_hid_access FOLDER: the node's folder in sysfs. Exit code 0 says yes and 1 no. 3 says no, too: the node has a
-/// lighting collection, but what is typed also comes out of it. With 2 it cannot be told, and a line on stderr tells
-/// why.
+/// zarn_hid_access FOLDER: the node's folder in sysfs. Exit code 0 means yes and 1 no. 3 means no, because the node has
+/// lights but also sends what is typed. 2 means that nobody can tell; a line on stderr says why.
 
 #include <exception>
 #include <filesystem>

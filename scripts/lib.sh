@@ -10,11 +10,10 @@ fail() {
   exit 1
 }
 
-# The time of the last commit in seconds, or, of sources that are not under git, the first that a zip can hold.
+# The time of the last commit in seconds. Without git it is the earliest time that a zip can hold.
 commit_time() { git -c safe.directory="$root" log -1 --format=%ct 2>/dev/null || echo 315532800; }
 
-# configure PRESET: a build directory that was copied from another checkout, or made with another generator, starts
-# anew.
+# configure PRESET: starts anew when the build directory comes from another checkout or another generator.
 configure() {
   local cache=build/$1/CMakeCache.txt fresh=()
   if [[ -f $cache ]] && ! { grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$cache" &&
@@ -42,8 +41,8 @@ run_ctest() {
   return "$status"
 }
 
-# count_tests REPORT: prints the counts of a JUnit report of ctest's. What neither ran nor was skipped by its own
-# decision has failed.
+# count_tests REPORT: prints the counts of a JUnit report of ctest's. A test that did not run has failed, unless it
+# skipped itself.
 count_tests() {
   local tests skipped disabled passed
   [[ -f $1 ]] || { echo "0 passed, 1 failed"; return; }
@@ -55,8 +54,8 @@ count_tests() {
   echo "$passed passed, $((tests - passed - skipped)) failed$( ((skipped == 0)) || echo ", $skipped skipped")"
 }
 
-# expect WHAT COMMAND...: standard input is what the command must print, with its exit code when that is not 0.
-# Counts in $passed and $failed.
+# expect WHAT COMMAND...: the command must print standard input, with its exit code when that is not 0. Counts in
+# $passed and $failed.
 expect() {
   local what=$1 found
   shift
