@@ -111,7 +111,8 @@ EcFirmware::Answer EcFirmware::ReportLights(const Input& input) {
 
 EcFirmware::Answer EcFirmware::SetEffect(const Input& input) {
   const Bytes& packet = Packet(input, 16);
-  if (packet[0] > kLastEffect) throw Refused(ByteIs(0, packet[0]) + ", effects are 0 to 7");
+  if (packet[0] > kLastEffect)
+    throw Refused(ByteIs(0, packet[0]) + ", effects are 0 to " + std::to_string(kLastEffect));
   RequireByte(packet, 3, 0);
   RequireByte(packet, 8, 3);
   const bool with_light_bar = packet[9] == kKeyboardAndLightBar;

@@ -263,5 +263,23 @@ TEST_F(HidKeyboardCase, EveryExchangeThatFailsIsTriedFiveTimes) {
   EXPECT_EQ(Describe(Create("ZarnHIDKeyboard")).led_list.size(), 0U);  // counts as an answer of zeros
 }
 
+TEST_F(HidKeyboardCase, StandsBesideTheEcDevices) {
+  NEEDS(Need::Firmware);
+  Start("hybrid");
+  ASSERT_EQ(Discover().names, L"ZarnECGlobal,ZarnECKeyboard,ZarnHIDKeyboard");
+  const Device global = Create("ZarnECGlobal");
+  const Device ec = Create("ZarnECKeyboard");
+  const Device hid = Create("ZarnHIDKeyboard");
+  Wire();
+  Choose(ec, "STATIC", {.colors = {0xFF}});
+  Choose(hid, "STATIC", {.colors = {0xFF}});
+  Choose(global, "STATIC", {.colors = {0xFF}});
+  // One mode, three roads: zone by zone in the firmware, an update, an effect of the firmware.
+  EXPECT_EQ(Wire(), (Lines{"SetGamingLED 08 00 00 00 00 0f", "SetGamingKBBacklight 00 00 32 00 00 00 00 00 03 01",
+                           "SetGamingRgbKb 65281", "SetGamingRgbKb 65282", "SetGamingRgbKb 65284",
+                           "SetGamingRgbKb 65288", "SetFeature 0 a4 21 02 32 05 02 ff 00 00 ff ff",
+                           "SetGamingKBBacklight 00 05 32 00 02 ff 00 00 03 03"}));
+}
+
 }  // namespace
 }  // namespace test

@@ -166,24 +166,5 @@ TEST(ManagementService, AnswersWithoutOurFirmwareAreFailures) {
   EXPECT_EQ(SetGamingRgbKb(1), 0);
 }
 
-TEST(ManagementService, AThreadWithoutComHasNoneAfterwards) {
-  const Plugin plugin;
-  std::thread([&plugin] {
-    const auto has_com = [] {
-      APTTYPE type{};
-      APTTYPEQUALIFIER qualifier{};
-      return CoGetApartmentType(&type, &qualifier) != CO_E_NOTINITIALIZED;
-    };
-    EXPECT_FALSE(has_com());
-    plugin.Discover();
-    EXPECT_FALSE(has_com());
-    const auto device = plugin.Create("ZarnECKeyboard");
-    EXPECT_FALSE(has_com());
-    device->WriteColorsToDevice();
-    device->WriteModeToDevice();
-    EXPECT_FALSE(has_com());
-  }).join();
-}
-
 }  // namespace
 }  // namespace test

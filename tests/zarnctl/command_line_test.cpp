@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <pty.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -214,13 +215,6 @@ TEST_F(CommandLine, DoctorTellsWhatIsThereWhatIsMissingAndWhatToDo) {
           "stay dark; "
           "[firmware] in the profile makes one, unless its instance is empty\n"
           "missing  discovery: 0 lighting devices\n");
-  const std::string logged = Run("doctor --machine " + WriteProfile("title = 'Dark'\nlog.enabled = true\n"
-                                                                    "environment.PROGRAMDATA = '" +
-                                                                    folder + "'\n"))
-                                 .out;
-  EXPECT_EQ(
-      logged.substr(0, logged.find("note     hybrid")),
-      "fine     logging: on, in " + folder + "/OEM/ZarnLightingService/Log\nnote     log: Get SMBIOS 172 fail!\n");
 }
 
 TEST_F(CommandLine, ConfigShowsWhatIsSetAndWhatIsWrongWithIt) {
@@ -295,17 +289,27 @@ TEST_F(CommandLine, ARecordHoldsNoMoreThanThePlugInUnderstands) {
 }
 
 TEST_F(CommandLine, DemoShowsEveryModeAndEndsByItself) {
-  const Outcome outcome = Run("demo --machine four-zone");
+  const Outcome outcome = Run("demo --machine hid-keyboard");
   EXPECT_EQ(outcome.exit_code, 0) << outcome.err;
-  for (const char* const mode : {"STATIC\n", "BREATHING ", "NEON ", "WAVE ", "SHIFTING ", "ZOOM ", "METEOR "}) {
-    EXPECT_NE(outcome.out.find(mode), std::string::npos) << mode;
+  // The lights go by the mode that the keyboard's own code stands for.
+  for (const std::string mode : {"BREATHING", "NEON", "OPMODE", "WAVE", "SHIFTING", "ZOOM", "METEOR", "TWINKLING",
+                                 "RIPPLE", "SNAKE", "DISCO", "COMBO"}) {
+    const std::size_t step = outcome.out.find("ZarnHIDKeyboard: " + mode + "\nHID keyboard: ");
+    ASSERT_NE(step, std::string::npos) << mode;
+    EXPECT_EQ(outcome.out.find(", " + mode + " speed ", step), outcome.out.find(", ", step)) << mode;
   }
-  EXPECT_TRUE(outcome.out.ends_with("TWINKLING speed 6 direction 2 colour #40ff00\n")) << outcome.out;
 }
 
 TEST(Terminal, CursorIsShownWhileTheDemoIsStoppedAndWhenASignalEndsIt) {
   int terminal = -1;
-  const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+  termios settings{};
+  cfmakeraw(&settings);
+  // Otherwise a key that signals makes the terminal drop what was just written.
+  settings.c_lflag = ISIG | NOFLSH;
+  settings.c_oflag = OPOST | ONLCR;
+  settings.c_cc[VINTR] = '\x03';
+  settings.c_cc[VSUSP] = '\x1A';
+  const pid_t child = forkpty(&terminal, nullptr, &settings, nullptr);
   if (child == 0) {
     unsetenv("NO_COLOR");
     std::signal(SIGINT, SIG_DFL);  // a shell makes its background jobs ignore it
