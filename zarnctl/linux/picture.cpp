@@ -55,10 +55,11 @@ std::string Svg(const std::vector<Panel>& panels, const std::vector<ModeRecord>&
     top += (keys.back().row + 1) * kRow + kMargin;
   }
   const std::string size = std::to_string(kPictureWidth) + " " + std::to_string(top);
-  return "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " + size +
-         "\" font-family=\"sans-serif\" font-size=\"16\" fill=\"#d0d0d0\">\n"
-         "<rect width=\"100%\" height=\"100%\" rx=\"12\" fill=\"#101014\"/>\n" +
-         body + "</svg>\n";
+  return R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 )" + size +
+         R"(" font-family="sans-serif" font-size="16" fill="#d0d0d0">
+<rect width="100%" height="100%" rx="12" fill="#101014"/>
+)" + body +
+         "</svg>\n";
 }
 
 /// Does what `set` or `leds` would, when a mode or colours were typed.
