@@ -21,7 +21,7 @@ bool IsUsable(const ControllerRecords& records) {
          });
 }
 
-std::string Setting(const char* name, std::uint32_t setting, std::uint32_t lowest, std::uint32_t highest) {
+std::string SettingText(const char* name, std::uint32_t setting, std::uint32_t lowest, std::uint32_t highest) {
   return std::string(", ") + name + " " + std::to_string(setting) + " (" + std::to_string(lowest) + " to " +
          std::to_string(highest) + ")";
 }
@@ -36,13 +36,13 @@ std::string ColorsOf(const ModeRecord& mode) {
 std::string ModeLine(const ModeRecord& mode, bool active) {
   std::string text = "  mode " + mode.label + ": code " + std::to_string(mode.hw_code);
   if ((mode.capabilities & ModeCapability::SpeedAdjustable) != 0) {
-    text += Setting("speed", mode.speed_setting, mode.speed_lowest, mode.speed_highest);
+    text += SettingText("speed", mode.speed_setting, mode.speed_lowest, mode.speed_highest);
   }
   if ((mode.capabilities & ModeCapability::BrightnessAdjustable) != 0) {
-    text += Setting("brightness", mode.brightness_setting, mode.brightness_lowest, mode.brightness_highest);
+    text += SettingText("brightness", mode.brightness_setting, mode.brightness_lowest, mode.brightness_highest);
   }
   if (const auto directions = DirectionsOf(mode); !directions.empty()) {
-    text += Setting("direction", mode.direction_setting, directions.front(), directions.back());
+    text += SettingText("direction", mode.direction_setting, directions.front(), directions.back());
   }
   return text + ColorsOf(mode) + (active ? " (active)" : "") + "\n";
 }

@@ -41,6 +41,7 @@ void ApplyDirection(ModeRecord& mode, const std::string& word) {
   const std::uint32_t wanted = ReadNumber("--direction", word);
   if (std::ranges::count(allowed, wanted) == 0) {
     std::vector<std::string> names;
+    names.reserve(allowed.size());
     for (const std::uint32_t direction : allowed) names.push_back(std::to_string(direction));
     throw Wrong("--direction " + std::to_string(wanted) + ": " + mode.label + " takes " + Alternatives(names));
   }
