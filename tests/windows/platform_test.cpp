@@ -4,14 +4,9 @@
 
 #include <array>
 #include <filesystem>
-#include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include "firmware/firmware_methods.h"
-#include "firmware/smbios.h"
-#include "firmware/wmi_connection.h"
 #include "hid/ts_hid.h"
 #include "log/service_switch.h"
 #include "log/ts_log.h"
@@ -143,27 +138,6 @@ TEST(Hid, DevicesOfTheSystemAreEnumeratedOpenedAndAsked) {
     EXPECT_FALSE(TsHID::GetHIDFeature(device.handle, 0xA1, report.data()));
     EXPECT_TRUE(CloseHandle(device.handle));
   }
-}
-
-TEST(ManagementService, AnswersWithoutOurFirmwareAreFailures) {
-  WmiConnection connection;
-  ASSERT_EQ(OpenWmiConnection(connection), 1) << connection.status;
-  InstancePath path = {L'x'};
-  EXPECT_GE(FindInstancePath(connection, kFirmwareClass, kFirmwareInstances, path), 0);
-  EXPECT_EQ(path, InstancePath());
-  Variant data;
-  const NamedVariant table[] = {{L"SMBiosData", data}};
-  EXPECT_EQ(ReadInstanceProperties(connection, L"NoSuchClass", table), 0);
-  CloseWmiConnection(connection);
-
-  RawSmbiosTable smbios;
-  EXPECT_EQ(ReadRawSmbiosTable(smbios), 0);
-  EXPECT_EQ(smbios.length, 0U);
-  const std::array<std::uint8_t, 16> packet{};
-  std::uint64_t output = 7;
-  EXPECT_EQ(SetGamingKBBacklight(packet.data(), &output), 0);
-  EXPECT_EQ(output, 7U);
-  EXPECT_EQ(SetGamingRgbKb(1), 0);
 }
 
 }  // namespace

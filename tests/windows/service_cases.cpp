@@ -46,24 +46,5 @@ TEST_F(ServiceCase, AHostsThreadMayLiveInASingleThreadedApartment) {
   EXPECT_EQ(notebook->Lights().effect->code, 3);
 }
 
-TEST_F(ServiceCase, UseLeavesNoHandleOfThePlatformOpen) {
-  Start("hybrid");
-  const auto use = [this] {
-    EXPECT_EQ(Discover().count, 3);
-    for (const std::string name : {"ZarnECGlobal", "ZarnECKeyboard", "ZarnHIDKeyboard"}) {
-      const Device device = Create(name);
-      device->ChooseMode(1);
-      device->WriteColorsToDevice();
-    }
-    DWORD handles = 0;
-    EXPECT_TRUE(GetProcessHandleCount(GetCurrentProcess(), &handles));
-    return handles;
-  };
-  use();  // lets the platform open what it keeps for itself
-  const DWORD before = use();
-  for (int i = 0; i < 10; ++i) use();
-  EXPECT_EQ(use(), before);
-}
-
 }  // namespace
 }  // namespace test

@@ -38,8 +38,6 @@ TEST(PlainLights, NameEffectsAndTellZoneByZoneWhatTheZonesDoNotShare) {
   panel.zones[1].effect = Effect{3, 9, 1, {}};
   EXPECT_EQ(PlainLights({panel}, Modes()),
             "keyboard\nzone 1: brightness 30, #ff0080\nzone 2: brightness 30, RAINBOW speed 9 direction 1\n");
-  panel.zones.assign(5, TwoZones().zones[0]);
-  EXPECT_EQ(PlainLights({panel}, Modes()), "keyboard: brightness 100\nzones 1 to 5: #ff0080\n");
   panel.zones.clear();
   EXPECT_EQ(PlainLights({panel}, Modes()), "keyboard: no zones\n");
 }

@@ -46,14 +46,12 @@ TEST(Settings, WhatAModeDoesNotTakeIsRefusedWithWhatItTakes) {
   } cases[] = {
       {kWave, "--speed", "10", "--speed 10: WAVE takes 1 to 9"},
       {kWave, "--speed", "99999999999", "--speed 4294967295: WAVE takes 1 to 9"},
-      {kWave, "--speed", "0", "--speed 0: WAVE takes 1 to 9"},
       {kWave, "--speed", "fast", "--speed fast: a whole number is needed"},
       {kWave, "--brightness", "101", "--brightness 101: WAVE takes 0 to 100"},
       {kWave, "--direction", "6", "--direction 6: WAVE takes 0, 1, 2, 3, 4 or 5"},
       {kShifting, "--direction", "2", "--direction 2: SHIFTING takes 0 or 1"},
       {Mode("Fixed", 0x20, ColorSource::PerLedColors), "--brightness", "50", "--brightness: Fixed has no brightness"},
       {kDirect, "--speed", "1", "--speed: Direct has no speed"},
-      {kDirect, "--direction", "0", "--direction: Direct has no direction"},
       {kDirect, "--color", "ff0000", "--color: Direct shows a colour per LED; use 'zarnctl leds'"},
       {kWave, "--color", "ff0000", "--color: WAVE shows no colour of its own"},
   };

@@ -24,8 +24,6 @@ std::unique_ptr<Hardware> SimulateNotebook(const std::string& profile, bool trac
 class LayerHardware : public Hardware {
  public:
   explicit LayerHardware(bool trace);
-  LayerHardware(const LayerHardware&) = delete;
-  LayerHardware& operator=(const LayerHardware&) = delete;
   ~LayerHardware() override;
   LayerHardware(const LayerHardware&) = delete;
   LayerHardware& operator=(const LayerHardware&) = delete;
