@@ -14,14 +14,9 @@ namespace {
 using simulator::Effect;
 
 std::vector<ModeRecord> Modes() {
-  std::vector<ModeRecord> modes(3);
-  modes[0].hw_code = kPerLedModeCode;
-  modes[0].color_source = ColorSource::PerLedColors;
-  modes[1].hw_code = 1;
-  modes[1].color_source = ColorSource::ModeColors;
-  modes[1].label = "PULSE";
-  modes[2].hw_code = 3;
-  modes[2].label = "RAINBOW";
+  std::vector<ModeRecord> modes(1);
+  modes[0].hw_code = 3;
+  modes[0].label = "RAINBOW";
   return modes;
 }
 
