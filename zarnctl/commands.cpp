@@ -38,7 +38,7 @@ std::vector<Command> Commands() {
        .parameters = {DeviceWord(true)},
        .run = RunShow},
       {.name = "set",
-       .summary = "choose a mode and its settings; those that are not given stay as they are, but a colour is black",
+       .summary = "choose a mode and its settings; one left out takes the plug-in's own value, and a colour is black",
        .parameters = WithModeOptions({DeviceWord(true)}, true),
        .examples = {"set ZarnECKeyboard --mode breathing --speed 7 --color ff0000"},
        .run = RunSet},

@@ -155,7 +155,7 @@ constexpr std::array<Row, 5> kKeyboardRows{{{3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3,
                                             {6, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 8},
                                             {8, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 10},
                                             {5, 4, 4, 27, 4, 4, 5}}};
-constexpr std::array<Row, 1> kBarRows{{{7, 7, 7, 7, 7, 7, 7, 3}}};
+constexpr std::array<Row, 1> kBarRows{{{5, 5, 5, 5, 5, 5, 5, 5, 5, 5}}};
 
 }  // namespace
 

@@ -69,8 +69,8 @@ using Outcome = std::optional<Error>;
 /// What the machine has, by the plug-in's own discovery.
 struct Discovery {
   std::vector<std::string> names;    // the devices, as Create takes them
-  std::uint32_t interface_type = 0;  // 1: a HID keyboard alone, the embedded controller was not asked; 3: it was
-  std::string hardware_id;           // of a HID keyboard alone, such as "USB\VID_1209&PID_0001"; else empty
+  std::uint32_t interface_type = 0;  // 1: a HID keyboard; the embedded controller was not asked. 3: it was
+  std::string hardware_id;           // with type 1, such as "USB\VID_1209&PID_0001"; else empty
   std::string usage_page;            // likewise, such as "FF5A"
 };
 
