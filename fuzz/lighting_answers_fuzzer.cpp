@@ -43,6 +43,7 @@ std::array<std::uint32_t, 5> Expected(std::span<const std::uint8_t> bits, const 
     const std::size_t width = bits[i] / 8U;
     if (width > 4) break;
     for (std::size_t byte = 0; byte < width; ++byte, ++position) {
+      // By hand, so that this is no copy of what is tested.
       const std::uint32_t value = position < reply.size() ? reply[position] : 0;
       values.at(i) |= value << (8 * byte);
     }

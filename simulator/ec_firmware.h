@@ -23,6 +23,7 @@ struct Color {
   friend bool operator==(const Color&, const Color&) = default;
 };
 
+/// The simulator has its own, as it has its own limits: a model that shares the plug-in's would share its mistakes.
 struct FirmwareVersion {
   std::uint8_t major = 0;
   std::uint8_t minor = 0;

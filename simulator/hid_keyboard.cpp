@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <map>
 
-#include "platform/standin/little_endian.h"
+#include "base/little_endian.h"
 
 namespace simulator {
 namespace {
@@ -42,11 +42,17 @@ void Append(Bytes& descriptor, std::span<const std::uint8_t> bytes) {
   descriptor.insert(descriptor.end(), bytes.begin(), bytes.end());
 }
 
+void AppendNumber(Bytes& bytes, std::uint32_t number, std::size_t size) {
+  const std::size_t end = bytes.size();
+  bytes.resize(end + size);
+  ToLittleEndian(number, std::span(bytes).subspan(end));
+}
+
 /// A descriptor's item with `least` bytes of data, or with two where the value needs them.
 void AppendItem(Bytes& descriptor, std::uint8_t kind, std::uint32_t value, std::size_t least = 1) {
   const std::size_t size = value <= 0xFF ? least : 2;
   descriptor.push_back(Low(kind | size));
-  Append(descriptor, platform::ToLittleEndian(value, size));
+  AppendNumber(descriptor, value, size);
 }
 
 /// `count` feature values of `bits` bits.
@@ -96,7 +102,7 @@ std::map<std::uint16_t, std::uint32_t> Unpacked(std::span<const std::uint8_t> da
   for (const HidKeyboard::Field& field : fields) {
     const std::size_t width = field.bits / 8;
     if (width > 4 || width > data.size()) break;  // nobody knows where the rest stands
-    values[field.usage] = platform::FromLittleEndian(data.first(width));
+    values[field.usage] = static_cast<std::uint32_t>(FromLittleEndian(data.first(std::min<std::size_t>(width, 4))));
     data = data.subspan(width);
   }
   return values;
@@ -235,7 +241,7 @@ Bytes HidKeyboard::BaseInfo() const {
                                                          {0x31, settings_.effects}};
   Bytes report{kBaseInfo, settings_.reply_id.value_or(asked_id_)};
   for (const Field& field : settings_.base_info) {
-    Append(report, platform::ToLittleEndian(values.at(field.usage), field.bits / 8));
+    AppendNumber(report, values.at(field.usage), field.bits / 8);
   }
   return report;
 }

@@ -10,7 +10,6 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/standin/little_endian.h"
 #include "platform/standin/registry_toml.h"
 
 namespace simulator {
@@ -172,7 +171,7 @@ bool ReadZones(const toml::node& node, Profile& profile) {
 
 bool ReadLogSwitch(const toml::node& node, Profile& profile) {
   const auto enabled = node.value_exact<bool>();
-  if (enabled) profile.registry[kLogKey][kLogSwitch] = platform::ToLittleEndian(*enabled ? 1 : 0, 4);
+  if (enabled) profile.registry[kLogKey][kLogSwitch] = platform::Dword(*enabled ? 1 : 0);
   return enabled.has_value();
 }
 

@@ -15,7 +15,7 @@ enum class ExitCode { Done, Failed, WrongCommandLine, NothingThere, Refused };
 inline constexpr std::array<std::string_view, 5> kExitCodes{
     "done", "the profile, a settings file, the plug-in or the output failed", "wrong command line; nothing was sent",
     "no such device, or nothing to light",
-    "the firmware or a keyboard refused or did not answer, nothing was sent, or a record lacks something"};
+    "the firmware or a keyboard refused, did not answer or got nothing, or a record lacks something"};
 
 /// Ends a command. what() is the line without "zarnctl: ".
 class Complaint : public std::runtime_error {

@@ -1,28 +1,26 @@
 #include "zarnctl/panel.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
-#include <utility>
+
+#include "hidkeyboard/hid_keyboard_modes.h"
 
 namespace zarnctl {
 namespace {
 
-/// A HID keyboard's code for a zone that shows a steady colour.
-constexpr std::uint8_t kHidStatic = 2;
-
-/// Pairs: the HID keyboard's code of an effect, and the host's.
-constexpr std::array<std::pair<std::uint8_t, std::uint8_t>, 12> kHidEffects{
-    {{4, 1}, {5, 2}, {6, 34}, {7, 3}, {8, 4}, {9, 5}, {10, 6}, {11, 7}, {12, 11}, {13, 8}, {14, 9}, {15, 10}}};
-
-std::uint8_t HostCode(std::uint8_t hid_code) {
-  const auto* const found = std::ranges::find(kHidEffects, hid_code, &std::pair<std::uint8_t, std::uint8_t>::first);
-  return found != kHidEffects.end() ? found->second : hid_code;
+/// The host's code for a HID keyboard's code of an effect; one that no mode has stands for itself.
+std::uint8_t HostCode(std::uint8_t device_code) {
+  static const std::vector<ModeRecord> kModes = MakeHidKeyboardModes(0xFFFFFFFF);
+  for (const ModeRecord& mode : kModes) {
+    const auto code = static_cast<std::uint32_t>(mode.hw_code);
+    if (DeviceCodeOf(code) == device_code) return static_cast<std::uint8_t>(code);
+  }
+  return device_code;
 }
 
 Panel::Zone ZoneOf(const simulator::HidLights::Zone& lights) {
   Panel::Zone zone{.on = lights.mode != 0, .color = lights.color, .brightness = lights.brightness};
-  if (zone.on && lights.mode != kHidStatic) {
+  if (zone.on && lights.mode != kStaticDeviceMode) {
     zone.effect = {HostCode(lights.mode), lights.speed, lights.direction, lights.color};
   }
   return zone;

@@ -26,7 +26,7 @@ struct Symptoms {
   std::vector<std::string> discovered = {};    // the devices that the plug-in reports
   std::vector<std::string> log = {};           // the lines that its discovery logged
   std::vector<std::string> device_notes = {};  // HID devices that the platform shows in part or not at all, and why
-  std::vector<std::string> devices_with_keys = {};  // paths of HID devices that have lights and send what is typed
+  std::vector<std::wstring> devices_with_keys = {};  // paths of HID devices that have lights and send what is typed
 };
 
 }  // namespace zarnctl

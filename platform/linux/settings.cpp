@@ -47,7 +47,7 @@ SettingsFile ReadSettingsFile(const std::filesystem::path& path) {
   file.state = SettingsFile::State::Read;
   try {
     file.values = ReadValues({bytes->begin(), bytes->end()});
-  } catch (const TomlError& error) {
+  } catch (const std::runtime_error& error) {
     file.complaint = path.string() + error.what();
   }
   return file;

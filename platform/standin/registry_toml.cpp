@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "platform/standin/little_endian.h"
-
 namespace platform {
 namespace {
 
@@ -20,8 +18,7 @@ KeyValues ReadKey(const toml::table& table) {
     if (!number || *number < 0 || *number > std::numeric_limits<std::uint32_t>::max()) {
       throw TomlError(name.source(), std::string(name.str()) + " must be a whole number from 0 to 4294967295");
     }
-    const bool is_new =
-        values.emplace(WideFromUtf8(name.str()), ToLittleEndian(static_cast<std::uint32_t>(*number), 4)).second;
+    const bool is_new = values.emplace(WideFromUtf8(name.str()), Dword(static_cast<std::uint32_t>(*number))).second;
     if (!is_new) throw TomlError(name.source(), std::string(name.str()) + " is there already");
   }
   return values;

@@ -8,11 +8,19 @@
 #include <string_view>
 #include <vector>
 
+#include "base/little_endian.h"
 #include "platform/standin/text.h"
 
 namespace platform {
 
 using KeyValues = std::map<std::wstring, std::vector<std::uint8_t>, WithoutCase>;
+/// A number as the registry keeps one.
+inline std::vector<std::uint8_t> Dword(std::uint32_t number) {
+  std::vector<std::uint8_t> bytes(sizeof(number));
+  ToLittleEndian(number, bytes);
+  return bytes;
+}
+
 using RegistryValues = std::map<std::wstring, KeyValues, WithoutCase>;
 
 /// Whether the key is there. A key is also there when one below it is.

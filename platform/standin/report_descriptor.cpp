@@ -7,7 +7,7 @@
 #include <optional>
 #include <utility>
 
-#include "platform/standin/little_endian.h"
+#include "base/little_endian.h"
 
 namespace platform {
 namespace {
@@ -59,7 +59,9 @@ std::optional<Item> TakeItem(std::span<const std::uint8_t>& rest) {
   if (rest.size() < header) return std::nullopt;
   const std::size_t size = is_long ? rest[1] : kShortSizes[rest[0] & 3];
   if (rest.size() - header < size) return std::nullopt;
-  const Item item{static_cast<std::uint8_t>(rest[0] & 0xFC), size, FromLittleEndian(rest.subspan(header, size))};
+  // Of a long item, whose data nobody uses, the first bytes are enough.
+  const auto value = static_cast<std::uint32_t>(FromLittleEndian(rest.subspan(header, std::min<std::size_t>(size, 4))));
+  const Item item{static_cast<std::uint8_t>(rest[0] & 0xFC), size, value};
   rest = rest.subspan(header + size);
   return item;
 }

@@ -74,16 +74,31 @@ bool ReceiveValues(WmiConnection& connection, const ComPtr<IWbemClassObject>& ob
   return !values.empty();
 }
 
-/// Writes an instance's object path, in which every backslash of its name is doubled; false when it does not fit.
-bool WritePath(const wchar_t* class_name, std::wstring_view instance_name, InstancePath& path) {
-  InstancePath escaped{};
+/// Doubles every backslash, as object paths want their texts; false when the text then does not fit.
+bool EscapeBackslashes(std::wstring_view text, InstancePath& escaped) {
   std::size_t length = 0;
-  for (const wchar_t character : instance_name) {
+  for (const wchar_t character : text) {
     const std::size_t copies = character == L'\\' ? 2 : 1;
     if (length + copies >= escaped.size()) return false;
     for (std::size_t i = 0; i < copies; ++i) escaped.at(length++) = character;
   }
-  return std::swprintf(path.data(), path.size(), L"%ls.%ls=\"%ls\"", class_name, kKeyProperty, escaped.data()) > 0;
+  return true;
+}
+
+/// Writes an instance's object path; false, with an empty path, when it does not fit.
+bool WritePath(const wchar_t* class_name, std::wstring_view instance_name, InstancePath& path) {
+  InstancePath escaped{};
+  if (!EscapeBackslashes(instance_name, escaped)) return false;
+  std::size_t length = 0;
+  const std::wstring_view pieces[] = {class_name, L".", kKeyProperty, L"=\"", escaped.data(), L"\""};
+  for (const std::wstring_view piece : pieces) {
+    if (length + piece.size() >= path.size()) {
+      path = {};
+      return false;
+    }
+    length += piece.copy(&path.at(length), piece.size());
+  }
+  return true;
 }
 
 }  // namespace

@@ -90,7 +90,7 @@ bool LightingHID::GetFieldSize(std::uint8_t device_id, std::uint8_t report_id, s
     width = static_cast<std::uint8_t>(std::min(field->second.BitSize / 8, kWidest));
     return true;
   }
-  // Devices may leave out base information, so that is not logged.
+  // Devices may leave out base information, of which 0x33 is a part, so that is not logged.
   if (report_id != kBaseInfoReply && usage != 0x33) {
     HidLog(kFieldTag).Info(L"Field %02X,%02X not exist!", report_id, usage);
   }

@@ -9,7 +9,7 @@
 #include <string>
 
 /// Formats into `buffer` of `size` characters, which is always terminated; what does not fit is cut.
-void FormatWide(wchar_t* buffer, std::size_t size, const wchar_t* format, std::va_list arguments);
+void FormatWide(wchar_t* buffer, std::size_t size, const wchar_t* format, std::va_list arguments) noexcept;
 
 /// The same as a text of less than 64 characters.
 std::wstring Formatted(const wchar_t* format, ...);

@@ -5,6 +5,7 @@
 #include <string>
 #include <thread>
 
+#include "firmware/wmi_connection.h"
 #include "platform/wmi.h"
 #include "tests/support/fault_driver.h"
 #include "tests/support/hex.h"
@@ -145,6 +146,16 @@ TEST_F(FirmwareMethods, ThreadOfAnotherApartmentCallsAndKeepsItsCom) {
     EXPECT_EQ(platform::CountLive().com_initializations, 1);
     CoUninitialize();
   }).join();
+}
+
+TEST_F(FirmwareMethods, MethodWithoutInputNeedsNoParameterObject) {
+  machine->firmware.methods.push_back({L"NoInput", false});
+  WmiConnection connection;
+  ASSERT_EQ(OpenWmiConnection(connection), 1);
+  Variant value;
+  const NamedVariant values[] = {{L"gmOutput", value}};
+  EXPECT_EQ(ExecFirmwareMethod(connection, kFirmwareClass, L"NoInput", kFirmwareInstances, {}, values), 1);
+  EXPECT_EQ(ExecFirmwareMethod(connection, kFirmwareClass, L"NoInput", kFirmwareInstances, values, values), 0);
 }
 
 TEST_F(FirmwareMethods, EveryFaultFailsTheCallAndLeavesNothing) {

@@ -151,8 +151,8 @@ class Examination {
     if (caps.FeatureReportByteLength == 0)
       return Add(Kind::Missing, name + ": a lighting device without feature reports");
     const DeviceHandle device = Open(path, GENERIC_READ | GENERIC_WRITE);
-    if (!device) return AddFailure(name, "cannot be opened");
-    has_hid_keyboard_ = ServesKeyboard(name, device.Get(), caps) || has_hid_keyboard_;
+    if (!device) return AddFailure(path, name, "cannot be opened");
+    has_hid_keyboard_ = ServesKeyboard(path, name, device.Get(), caps) || has_hid_keyboard_;
     // By these the plug-in finds a device again.
     if (!identities_.insert({attributes.VendorID, attributes.ProductID, caps.Usage}).second) {
       Add(Kind::Note, name + ": the same vendor, product and usage as another one, which may get its reports");
@@ -160,11 +160,11 @@ class Examination {
   }
 
   /// Whether the lighting device ids in the device's answer include a keyboard's.
-  bool ServesKeyboard(const std::string& name, HANDLE device, const HIDP_CAPS& caps) {
+  bool ServesKeyboard(const std::wstring& path, const std::string& name, HANDLE device, const HIDP_CAPS& caps) {
     std::vector<std::uint8_t> report(caps.FeatureReportByteLength);
     report.front() = kAttributeReport;
     if (HidD_GetFeature(device, report.data(), static_cast<ULONG>(report.size())) == FALSE) {
-      AddFailure(name, "does not answer report A1");
+      AddFailure(path, name, "does not answer report A1");
       return false;
     }
     std::set<std::uint8_t> served;
@@ -179,12 +179,12 @@ class Examination {
   }
 
   /// Call it right after the call that failed: it reads the last error.
-  void AddFailure(const std::string& name, const std::string& what) {
+  void AddFailure(const std::wstring& path, const std::string& name, const std::string& what) {
     const DWORD error = GetLastError();
     if (error == ERROR_ACCESS_DENIED) {
-      const bool has_keys = std::ranges::any_of(symptoms_.devices_with_keys, [&name](const std::string& path) {
-        return name.starts_with(path + " ") || name.starts_with(path + "&");
-      });
+      // Of a device with several collections each has the device's path with something behind it.
+      const std::wstring_view device = std::wstring_view(path).substr(0, path.find(L'&'));
+      const bool has_keys = std::ranges::count(symptoms_.devices_with_keys, device) != 0;
       return Add(Kind::Missing, name + ": a lighting device, which this user may not open",
                  has_keys ? remedies_.may_not_open_keys : remedies_.may_not_open);
     }

@@ -9,6 +9,7 @@
 namespace zarnctl {
 
 void WriteNewFile(const std::filesystem::path& path, const std::string& text) {
+  if (path.empty()) throw Wrong("the name of the file is empty");
   std::FILE* const file = std::fopen(path.string().c_str(), "wbx");
   if (file == nullptr && errno == EEXIST) {
     throw Wrong(path.string() + " is there already; give another name");

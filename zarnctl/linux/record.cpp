@@ -225,7 +225,6 @@ class Recorder {
 
 ExitCode RunRecord(Session& session, const TypedValues& typed) {
   const std::string& file = *typed.Find("FILE");
-  if (file.empty()) throw Wrong("record: the name of the file is empty");
   Recorder recorder(*platform::CurrentMachine());
   WriteNewFile(PathFromUtf8(file), recorder.Record());
   session.hardware().TakeRefusals();  // the record tells what did not answer

@@ -82,7 +82,7 @@ class ThisComputer final : public LayerHardware {
     for (const platform::HidDevice& device : platform::CurrentMachine()->HidDevices()) {
       const auto access = AccessTo(platform::ParseReportDescriptor(device.report_descriptor));
       if (access != platform::LightingAccess::LightsAndKeys) continue;
-      symptoms.devices_with_keys.push_back(platform::ReadableUtf8(device.path));
+      symptoms.devices_with_keys.push_back(device.path);
       if (platform::KeyboardsAreShared()) {
         symptoms.device_notes.push_back(HidDeviceName(device.path, device.vendor, device.product) +
                                         ": whoever sits at this computer can also read what is typed on it, as " +

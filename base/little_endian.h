@@ -14,8 +14,8 @@ constexpr std::uint64_t FromLittleEndian(std::span<const std::uint8_t> bytes) {
 
 /// Fills `bytes`, 8 at most, with the low bytes of `number`.
 constexpr void ToLittleEndian(std::uint64_t number, std::span<std::uint8_t> bytes) {
-  for (std::uint8_t& byte : bytes) {
-    byte = static_cast<std::uint8_t>(number);
+  for (std::uint8_t& each : bytes) {
+    each = static_cast<std::uint8_t>(number);
     number >>= 8;
   }
 }
