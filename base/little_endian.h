@@ -12,7 +12,7 @@ constexpr std::uint64_t FromLittleEndian(std::span<const std::uint8_t> bytes) {
   return number;
 }
 
-/// Fills `bytes`, 8 at most, with the low bytes of `number`.
+/// Fills `bytes` with the bytes of `number`, and with zeros behind its eighth.
 constexpr void ToLittleEndian(std::uint64_t number, std::span<std::uint8_t> bytes) {
   for (std::uint8_t& each : bytes) {
     each = static_cast<std::uint8_t>(number);

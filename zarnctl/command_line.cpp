@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <deque>
 #include <exception>
 #include <iostream>
 #include <optional>

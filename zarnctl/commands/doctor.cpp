@@ -182,9 +182,10 @@ class Examination {
   void AddFailure(const std::wstring& path, const std::string& name, const std::string& what) {
     const DWORD error = GetLastError();
     if (error == ERROR_ACCESS_DENIED) {
-      // Of a device with several collections each has the device's path with something behind it.
-      const std::wstring_view device = std::wstring_view(path).substr(0, path.find(L'&'));
-      const bool has_keys = std::ranges::count(symptoms_.devices_with_keys, device) != 0;
+      // One of several collections has its device's path with something behind it.
+      const bool has_keys = std::ranges::any_of(symptoms_.devices_with_keys, [&path](const std::wstring& device) {
+        return path == device || path.starts_with(device + L"&");
+      });
       return Add(Kind::Missing, name + ": a lighting device, which this user may not open",
                  has_keys ? remedies_.may_not_open_keys : remedies_.may_not_open);
     }
