@@ -4,9 +4,11 @@
 #include <string>
 #include <utility>
 
+#include "platform/linux/firmware_parameters.h"
 #include "platform/linux/read_file.h"
 #include "platform/linux/user.h"
 #include "platform/standin/text.h"
+#include "platform/standin/wmi_api.h"
 
 namespace platform {
 namespace {
@@ -47,6 +49,45 @@ std::optional<SmbiosTable> LinuxMachine::ReadSmbiosTable() {
   const auto version = entry_point ? VersionIn(*entry_point) : std::nullopt;
   const auto [major, minor] = version.value_or(std::pair<std::uint8_t, std::uint8_t>());
   return SmbiosTable{*std::move(table), major, minor};
+}
+
+/// Firmware stays as it is, but what shows it may be loaded later, so only what was found is kept.
+std::shared_ptr<const FirmwareOnBus> LinuxMachine::FoundFirmware() {
+  const std::lock_guard lock(lock_);
+  if (firmware_ == nullptr) {
+    FirmwareOnBus found = FindFirmwareOnBus(places_.wmi_devices);
+    if (found.state == FirmwareSearch::Found) firmware_ = std::make_shared<FirmwareOnBus>(std::move(found));
+  }
+  return firmware_;
+}
+
+std::optional<FirmwareClass> LinuxMachine::FindFirmwareClass() {
+  const auto firmware = FoundFirmware();
+  if (firmware == nullptr) return std::nullopt;
+  FirmwareClass found;
+  for (const MofMethod& method : firmware->methods) {
+    found.methods.push_back({method.name, std::ranges::any_of(method.parameters, &MofParameter::is_input)});
+  }
+  found.instance_names.assign(firmware->instances.begin(), firmware->instances.end());
+  return found;
+}
+
+FirmwareAnswer LinuxMachine::CallFirmware(const std::wstring& instance_name, const std::wstring& method,
+                                          const NamedValues& in) {
+  const auto firmware = FoundFirmware();
+  if (firmware == nullptr) return {Status(WBEM_E_NOT_FOUND), {}};
+  const auto instance = std::ranges::find(firmware->instances, instance_name);
+  const auto called = std::ranges::find(firmware->methods, method, &MofMethod::name);
+  if (instance == firmware->instances.end() || called == firmware->methods.end()) {
+    return {Status(WBEM_E_NOT_FOUND), {}};
+  }
+  const auto input = PackInput(*called, in);
+  if (!input) return {Status(WBEM_E_INVALID_PARAMETER), {}};
+  const AcpiAnswer answer =
+      CallAcpi(places_.acpi_call, firmware->acpi_method,
+               static_cast<std::size_t>(instance - firmware->instances.begin()), *called->id, *input);
+  if (FAILED(answer.status)) return {answer.status, {}};
+  return {S_OK, UnpackOutput(*called, answer.bytes)};
 }
 
 std::vector<HidDevice> LinuxMachine::HidDevices() {

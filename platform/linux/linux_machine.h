@@ -1,11 +1,14 @@
-/// The Linux computer that this process runs on: HID devices from hidraw, the SMBIOS table from the kernel, registry
-/// values from settings files, the user's name and folders. It has no management service with firmware methods.
+/// The Linux computer that this process runs on: HID devices from hidraw, the SMBIOS table from the kernel, firmware
+/// methods from its WMI bus, registry values from settings files, the user's name and folders.
 #pragma once
 
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <vector>
 
+#include "platform/linux/acpi_call.h"
+#include "platform/linux/firmware_class.h"
 #include "platform/linux/hidraw.h"
 #include "platform/linux/settings.h"
 #include "platform/standin/machine.h"
@@ -17,6 +20,8 @@ struct LinuxPlaces {
   HidrawPlaces hidraw;
   std::filesystem::path smbios = "/sys/firmware/dmi/tables";
   std::vector<std::filesystem::path> settings = SettingsPaths();
+  std::filesystem::path wmi_devices = "/sys/bus/wmi/devices";
+  AcpiCallPlaces acpi_call = {};
 };
 
 class LinuxMachine final : public Machine {
@@ -29,12 +34,21 @@ class LinuxMachine final : public Machine {
   std::optional<std::wstring> UserName() override;
   /// Needs the right to read the kernel's table, which as a rule root alone has.
   std::optional<SmbiosTable> ReadSmbiosTable() override;
+  /// Needs the right to read the firmware's binary MOF, which root alone has. Once found, the class stays.
+  std::optional<FirmwareClass> FindFirmwareClass() override;
+  /// Needs root and the kernel's module acpi_call: see CallAcpi for what fails, and when it blocks.
+  FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,
+                              const NamedValues& in) override;
   std::vector<HidDevice> HidDevices() override;
   OpenedHidDevice OpenHidDevice(const std::wstring& path) override;
 
  private:
+  std::shared_ptr<const FirmwareOnBus> FoundFirmware();
+
   const LinuxPlaces places_;
   Settings settings_;
+  std::mutex lock_;
+  std::shared_ptr<const FirmwareOnBus> firmware_;  // guarded by lock_; null until it was found
   const std::shared_ptr<RestingDevices> resting_ = std::make_shared<RestingDevices>();
 };
 

@@ -34,9 +34,11 @@ inline constexpr HRESULT WBEM_E_ACCESS_DENIED = MakeHResult(0x80041003);
 inline constexpr HRESULT WBEM_E_OUT_OF_MEMORY = MakeHResult(0x80041006);
 inline constexpr HRESULT WBEM_E_INVALID_PARAMETER = MakeHResult(0x80041008);
 inline constexpr HRESULT WBEM_E_INVALID_NAMESPACE = MakeHResult(0x8004100E);
+inline constexpr HRESULT WBEM_E_PROVIDER_LOAD_FAILURE = MakeHResult(0x80041013);
 inline constexpr HRESULT WBEM_E_INVALID_QUERY = MakeHResult(0x80041017);
 inline constexpr HRESULT WBEM_E_INVALID_METHOD = MakeHResult(0x8004102E);
 inline constexpr HRESULT WBEM_E_INVALID_OBJECT_PATH = MakeHResult(0x8004103A);
+inline constexpr HRESULT WBEM_E_SERVER_TOO_BUSY = MakeHResult(0x80041045);
 
 inline constexpr CLSID CLSID_WbemLocator = {
     0x4590F811, 0x1D3A, 0x11D0, {0x89, 0x1F, 0x00, 0xAA, 0x00, 0x4B, 0x2E, 0x24}};

@@ -1,0 +1,163 @@
+#include "platform/linux/acpi_call.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <optional>
+#include <thread>
+
+#include "base/little_endian.h"
+#include "platform/linux/read_file.h"
+#include "platform/standin/wmi_api.h"
+
+namespace platform {
+namespace {
+
+using namespace std::chrono_literals;  // NOLINT(google-build-using-namespace): what literals are for
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds kPatience{5};
+constexpr std::size_t kLongestCall = 511;    // in characters, as the module takes them
+constexpr std::size_t kNumberSize = 4;       // in bytes: the module cuts longer numbers
+constexpr std::size_t kLongestAnswer = 255;  // in characters, likewise
+constexpr std::size_t kAnswerBuffer = 512;   // for all of it at once, or the module hands over nothing
+
+AcpiAnswer Failure(auto code) { return {Status(code), {}}; }
+
+/// A signal may end any wait, but not a method.
+bool Lock(int file) {
+  const Clock::time_point end = Clock::now() + kPatience;
+  while (flock(file, LOCK_EX | LOCK_NB) != 0) {
+    if ((errno != EWOULDBLOCK && errno != EINTR) || Clock::now() >= end) return false;
+    std::this_thread::sleep_for(1ms);
+  }
+  return true;
+}
+
+/// The text that the module keeps, from a place on and without its terminating 0.
+std::optional<std::string> ReadText(int file, std::size_t place = 0) {
+  std::array<char, kAnswerBuffer> buffer;
+  const ssize_t got = pread(file, buffer.data(), buffer.size(), static_cast<off_t>(place));
+  if (got < 0) return std::nullopt;
+  const std::string_view text(buffer.data(), static_cast<std::size_t>(got));
+  return std::string(text.substr(0, text.find('\0')));
+}
+
+/// The module forgets an answer when somebody reads on behind its end. Otherwise a call that it cannot read would get
+/// the answer of the call before.
+void Forget(int file) {
+  if (const auto text = ReadText(file)) ReadText(file, text->size() + 1);
+}
+
+std::string CallText(const std::string& method, std::size_t instance, std::uint32_t id,
+                     std::span<const std::uint8_t> input) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::string text = method + " " + std::to_string(instance) + " " + std::to_string(id) + " b";
+  for (const std::uint8_t byte : input) {
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 0xF];
+  }
+  return text;
+}
+
+/// Reads the text of an answer from left to right.
+class AnswerText {
+ public:
+  explicit AnswerText(std::string_view text) : rest_(text) {}
+
+  /// The bytes; nothing for what is neither a buffer, a number nor a package of these.
+  std::optional<Bytes> Read() && {
+    return ReadValue() && rest_.empty() ? std::optional(std::move(bytes_)) : std::nullopt;
+  }
+
+ private:
+  bool ReadValue() {
+    if (Take("[")) {
+      do {
+        if (!ReadValue()) return false;
+      } while (Take(", "));
+      return Take("]") || rest_.empty();
+    }
+    if (Take("{")) return ReadBytes();
+    const auto number = ReadNumber();
+    if (number) AppendNumber(*number);
+    return number.has_value();
+  }
+
+  bool Take(std::string_view expected) {
+    if (!rest_.starts_with(expected)) return false;
+    rest_.remove_prefix(expected.size());
+    return true;
+  }
+
+  bool ReadBytes() {
+    if (Take("}") || Take(",")) return true;
+    do {
+      const auto byte = ReadNumber();
+      if (!byte || *byte > 0xFF) return false;
+      bytes_.push_back(static_cast<std::uint8_t>(*byte));
+    } while (Take(", "));
+    return Take("}") || (Take(",") && rest_.empty());
+  }
+
+  std::optional<std::uint32_t> ReadNumber() {
+    std::uint32_t number = 0;
+    if (!Take("0x")) return std::nullopt;
+    const char* const begin = rest_.data();
+    const auto [end, error] = std::from_chars(begin, begin + rest_.size(), number, 16);
+    if (error != std::errc()) return std::nullopt;
+    rest_.remove_prefix(static_cast<std::size_t>(end - begin));
+    return number;
+  }
+
+  void AppendNumber(std::uint32_t number) {
+    bytes_.resize((bytes_.size() + kNumberSize - 1) / kNumberSize * kNumberSize + kNumberSize);
+    ToLittleEndian(number, std::span(bytes_).last(kNumberSize));
+  }
+
+  std::string_view rest_;
+  Bytes bytes_;
+};
+
+}  // namespace
+
+AcpiAnswer ReadAcpiAnswer(std::string_view text) {
+  // Where a package is longer than the module's text, the last number may have lost digits.
+  if (text.size() >= kLongestAnswer && !text.ends_with(']') && text.starts_with('[')) {
+    text = text.substr(0, text.rfind(", "));
+  }
+  auto bytes = AnswerText(text).Read();
+  return bytes ? AcpiAnswer{S_OK, *std::move(bytes)} : Failure(WBEM_E_FAILED);
+}
+
+bool KernelIsStrict(const AcpiCallPlaces& places) {
+  const auto options = ReadFile(places.kernel_options);
+  if (!options) return false;
+  const std::string words = " " + std::string(options->begin(), options->end()) + " ";
+  return words.find(" acpi=strict") != std::string::npos;
+}
+
+AcpiAnswer CallAcpi(const AcpiCallPlaces& places, const std::string& method, std::size_t instance, std::uint32_t id,
+                    std::span<const std::uint8_t> input) {
+  const std::string text = CallText(method, instance, id, input);
+  if (text.size() > kLongestCall) return Failure(WBEM_E_INVALID_PARAMETER);
+  if (KernelIsStrict(places)) return Failure(WBEM_E_PROVIDER_LOAD_FAILURE);
+  FileDescriptor file;
+  if (const int code = file.Open(places.file, O_RDWR)) {
+    return code == EACCES || code == EPERM ? Failure(WBEM_E_ACCESS_DENIED) : Failure(WBEM_E_PROVIDER_LOAD_FAILURE);
+  }
+  if (!Lock(file.Get())) return Failure(WBEM_E_SERVER_TOO_BUSY);
+  Forget(file.Get());
+  if (pwrite(file.Get(), text.data(), text.size(), 0) != static_cast<ssize_t>(text.size())) {
+    return Failure(WBEM_E_FAILED);
+  }
+  const auto answer = ReadText(file.Get());
+  return answer ? ReadAcpiAnswer(*answer) : Failure(WBEM_E_FAILED);
+}
+
+}  // namespace platform

@@ -1,0 +1,42 @@
+/// Calls methods of this computer's firmware through the kernel's module acpi_call.
+///
+/// The module is a file: a call is written into it, and the answer is read out of it. It has one answer for all who
+/// call, so everybody holds a lock on the file meanwhile.
+#pragma once
+
+#include <filesystem>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/standin/machine.h"
+
+namespace platform {
+
+struct AcpiCallPlaces {
+  std::filesystem::path file = "/proc/acpi/call";
+  std::filesystem::path kernel_options = "/proc/cmdline";
+};
+
+struct AcpiAnswer {
+  /// WBEM_E_PROVIDER_LOAD_FAILURE when the module is not loaded or not safe, WBEM_E_ACCESS_DENIED when this process may
+  /// not use it, WBEM_E_SERVER_TOO_BUSY when another program kept the lock for 5 s, WBEM_E_INVALID_PARAMETER when the
+  /// input is longer than the module takes, WBEM_E_FAILED when the firmware failed or answered nothing of use.
+  HRESULT status = S_OK;
+  /// A buffer as it is, a number as 4 bytes, a package as its elements with numbers aligned to 4. Of a longer answer
+  /// the module hands over the beginning, of a buffer 42 bytes.
+  Bytes bytes;
+};
+
+/// Runs `method`, a path from the root of the firmware's name space, with an instance's number, a method's number and
+/// bytes. May block: nobody can end a method that hangs inside the kernel. Any thread, several at once.
+AcpiAnswer CallAcpi(const AcpiCallPlaces& places, const std::string& method, std::size_t instance, std::uint32_t id,
+                    std::span<const std::uint8_t> input);
+
+/// The answer in the module's text, "{0x01, 0x02}", "0x1f" or "[0x1f, {0x01, 0x02}]".
+AcpiAnswer ReadAcpiAnswer(std::string_view text);
+
+/// With this option of the kernel, the module crashes when a method answers nothing.
+bool KernelIsStrict(const AcpiCallPlaces& places);
+
+}  // namespace platform

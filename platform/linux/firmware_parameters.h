@@ -1,0 +1,24 @@
+/// The parameters of firmware methods as the bytes that cross to the firmware and back.
+///
+/// One value follows another, each aligned to its own size, the lowest byte first. Pure functions; any thread.
+#pragma once
+
+#include <optional>
+#include <span>
+
+#include "platform/linux/binary_mof.h"
+#include "platform/standin/machine.h"
+
+namespace platform {
+
+/// The bytes of all in-parameters. A number may come as one or as decimal text, and gets the declared type. Nothing
+/// when a parameter is missing, unknown, of a type that nobody here sends, does not fit its type, or has another length
+/// than declared.
+std::optional<Bytes> PackInput(const MofMethod& method, const NamedValues& in);
+
+/// The out-parameters in `answer`, as the management service hands them out: numbers of 64 bits as text, of 8 bits as
+/// VT_UI1, others as VT_I4. An array has what came of it. Of other values those are missing that are not all there, and
+/// all that stand behind one.
+NamedValues UnpackOutput(const MofMethod& method, std::span<const std::uint8_t> answer);
+
+}  // namespace platform
