@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -105,11 +106,13 @@ class Case : public ::testing::Test {
     const auto index = static_cast<std::int32_t>(mode - records.mode_list.begin());
     device->UnpackModePacket(PackModePacket(records, index, 3).bytes.get(), 3);
     device->WriteModeToDevice();
+    TheRoad().CatchUp();  // before calls by other ways are noted
   }
 
   /// What crossed the wires since the last call, without zeros at the end: "SetGamingKBBacklight 02 05", or with the
   /// reason of a refusal "SetFeature 0 a4 22: the report is ...".
   Lines Wire() const {
+    TheRoad().CatchUp();
     Lines lines;
     for (const simulator::WireRecord& record : notebook->TakeWire()) {
       std::string line = record.method;
@@ -139,6 +142,15 @@ class Case : public ::testing::Test {
       return others;
     });
     return lines;
+  }
+
+  simulator::KeyboardLights EcLights() const {
+    TheRoad().CatchUp();
+    return notebook->Lights();
+  }
+  std::optional<simulator::LightBarLights> LightBar() const {
+    TheRoad().CatchUp();
+    return notebook->LightBar();
   }
 
   HidKeyboard& Keyboard(std::size_t index = 0) const { return notebook->HidKeyboardAt(index); }

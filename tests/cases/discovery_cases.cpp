@@ -41,7 +41,6 @@ class DiscoveryCase : public Case {
 };
 
 TEST_F(DiscoveryCase, FollowsTheDecisionTable) {
-  NEEDS(Need::Firmware);
   const Discovered kHid{1, L"ZarnHIDKeyboard", 1, L"USB\\VID_1209&PID_0001", L"FF5A"};
   const Lines kHidLog = {"Enter!!", "Number of Device: 1, DeviceName: ZarnHIDKeyboard"};
   const Lines kNoEcLog = {"Enter!!", "Is EC Keyboard: 1", "Is RGB Keyboard: 0", "Number of Device:0, DeviceName:"};
@@ -96,7 +95,6 @@ TEST_F(DiscoveryCase, WithoutARecordThereIsNoEcDevice) {
 }
 
 TEST_F(DiscoveryCase, TheFirmwareHasTheLastWordOnTheLightBar) {
-  NEEDS(Need::Firmware);
   // Byte 0 is what the firmware returns, byte k the output's byte k - 1.
   for (const simulator::FirmwareVersion old : {simulator::FirmwareVersion{2, 90}, {1, 255}}) {
     EXPECT_EQ(CountWith(old, 0, {0, 0, 0, 0, 0, 5}), 2);
@@ -119,7 +117,7 @@ TEST_F(DiscoveryCase, TheFirmwareHasTheLastWordOnTheLightBar) {
 }
 
 TEST_F(DiscoveryCase, HybridModeIsTheNumberOneInFourBytes) {
-  NEEDS(Need::Firmware);
+  NEEDS(Need::OddSettings);
   const std::pair<std::vector<std::uint8_t>, std::int32_t> values[] = {
       {{1, 0, 0, 0}, 2}, {{2, 0, 0, 0}, 1}, {{0xFF, 0xFF, 0xFF, 0xFF}, 1}, {{1}, 1}, {{1, 0, 0, 0, 0, 0, 0, 0}, 1}};
   for (const auto& [bytes, count] : values) {

@@ -10,8 +10,6 @@ using simulator::LightBarLights;
 
 class EcGlobalCase : public Case {
  protected:
-  void SetUp() override { NEEDS(Need::Firmware); }
-
   Device CreateGlobal(const std::string& profile) {
     Start(profile);
     Device global = Create("ZarnECGlobal");
@@ -43,15 +41,15 @@ TEST_F(EcGlobalCase, EveryModeButDirectIsOneEffectForAllLights) {
   const Device global = CreateGlobal("light-bar");
   Choose(global, "STATIC", {.colors = {0xFF0000}});
   EXPECT_EQ(Wire(), Lines{"SetGamingKBBacklight 00 05 32 00 02 00 00 ff 03 03"});
-  EXPECT_EQ(notebook->LightBar(), (LightBarLights{50, Effect{0, 5, 2, {0, 0, 255}}}));
-  EXPECT_EQ(notebook->Lights().zones[3].color, (simulator::Color{0, 0, 255}));
+  EXPECT_EQ(LightBar(), (LightBarLights{50, Effect{0, 5, 2, {0, 0, 255}}}));
+  EXPECT_EQ(EcLights().zones[3].color, (simulator::Color{0, 0, 255}));
   Choose(Create("ZarnECKeyboard"), "WAVE");  // for the keyboard alone
-  EXPECT_EQ(notebook->LightBar(), (LightBarLights{50, Effect{0, 5, 2, {0, 0, 255}}}));
+  EXPECT_EQ(LightBar(), (LightBarLights{50, Effect{0, 5, 2, {0, 0, 255}}}));
   Wire();
   Log();
   Choose(global, "NEON", {.colors = {0xFFFFFF}});
   EXPECT_EQ(Wire(), Lines{"SetGamingKBBacklight 02 05 32 00 02 00 00 00 03 03"});
-  EXPECT_EQ(notebook->LightBar(), (LightBarLights{50, Effect{2, 5, 2, {}}}));
+  EXPECT_EQ(LightBar(), (LightBarLights{50, Effect{2, 5, 2, {}}}));
   Lines log = {"Enter!!", "mode=2, speed=5, direction=2, brightness=50, color= (0X0,0X0,0X0)"};
   const char* const bytes[] = {"2", "5", "32", "0", "2", "0", "0", "0", "3", "3", "0", "0", "0", "0", "0", "0"};
   for (std::size_t i = 0; i < 16; ++i) log.push_back("input_data[" + std::to_string(i) + "] = 0X" + bytes[i]);

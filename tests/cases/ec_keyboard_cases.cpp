@@ -11,8 +11,6 @@ using Zone = simulator::KeyboardLights::Zone;
 
 class EcKeyboardCase : public Case {
  protected:
-  void SetUp() override { NEEDS(Need::Firmware); }
-
   void CreateKeyboard(simulator::Profile profile) {
     keyboard.reset();
     Start(std::move(profile));
@@ -55,9 +53,8 @@ TEST_F(EcKeyboardCase, ColourPathSwitchesZonesThenSetsBrightnessThenColours) {
   EXPECT_EQ(Wire(), (Lines{"SetGamingLED 08 00 00 00 00 0a", "SetGamingKBBacklight 00 00 32 00 00 00 00 00 03 01",
                            "SetGamingRgbKb 1", "SetGamingRgbKb 65282",          // 0x0000FF02
                            "SetGamingRgbKb 4", "SetGamingRgbKb 1446253064"}));  // 0x56341208
-  EXPECT_EQ(
-      notebook->Lights(),
-      (simulator::KeyboardLights{{{false, {}}, {true, {255, 0, 0}}, {false, {}}, {true, {0x12, 0x34, 0x56}}}, 50, {}}));
+  EXPECT_EQ(EcLights(), (simulator::KeyboardLights{
+                            {{false, {}}, {true, {255, 0, 0}}, {false, {}}, {true, {0x12, 0x34, 0x56}}}, 50, {}}));
 }
 
 TEST_F(EcKeyboardCase, ZoneSwitchPacketHasTheLengthThatTheFirmwareTakes) {

@@ -264,7 +264,6 @@ TEST_F(HidKeyboardCase, EveryExchangeThatFailsIsTriedFiveTimes) {
 }
 
 TEST_F(HidKeyboardCase, StandsBesideTheEcDevices) {
-  NEEDS(Need::Firmware);
   Start("hybrid");
   ASSERT_EQ(Discover().names, L"ZarnECGlobal,ZarnECKeyboard,ZarnHIDKeyboard");
   const Device global = Create("ZarnECGlobal");

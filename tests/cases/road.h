@@ -10,7 +10,7 @@ namespace test {
 
 /// What a case needs that not every road can carry.
 enum class Need {
-  Firmware,     // methods, and a record of the notebook's own
+  OddSettings,  // a setting of the service that is no number of four bytes
   ShortStalls,  // a keyboard that leaves a request unanswered for as short a time as the case wants
 };
 
@@ -25,6 +25,8 @@ class Road {
   virtual void Place(const std::shared_ptr<simulator::Notebook>& notebook) = 0;
   /// Waits until the system has noticed what was plugged and unplugged.
   virtual void Settle() = 0;
+  /// Tells the notebook what has reached its firmware, where another firmware takes the calls.
+  virtual void CatchUp() {}
   /// Takes the notebook away, and checks that nobody still holds anything of it.
   virtual void TakeAway() = 0;
 };

@@ -17,6 +17,7 @@
 
 #include "platform/linux/hidraw.h"
 #include "tests/cases/case.h"
+#include "tests/system/emulated_firmware.h"
 
 namespace test {
 namespace {
@@ -25,13 +26,15 @@ using Clock = std::chrono::steady_clock;
 
 class KernelCase : public Case {
  protected:
-  /// What a command prints, and its exit code, in a process of its own that runs as `user`.
+  /// What a command prints, and its exit code, in a process of its own that runs as `user`, in a group of that number.
   static std::string Run(const std::string& command, uid_t user = 0) {
     const TemporaryFolder folder;
     const std::string out = folder.path() / "out";
     const pid_t child = fork();
     if (child == 0) {
-      if (std::freopen(out.c_str(), "w", stdout) == nullptr || setuid(user) != 0) _exit(126);
+      if (std::freopen(out.c_str(), "w", stdout) == nullptr || setgid(user) != 0 || setuid(user) != 0) {
+        _exit(126);
+      }
       execl("/bin/busybox", "sh", "-c", (command + " 2>&1").c_str(), nullptr);
       _exit(127);
     }
@@ -99,14 +102,36 @@ class KernelCase : public Case {
   }
 };
 
-/// The emulated computer's table has version 2.91, four RGB zones and a light bar.
-TEST_F(KernelCase, TheRecordComesFromTheComputersOwnTable) {
-  Start("four-zone");
-  EXPECT_EQ(Discover(), (Discovered{1, L"ZarnECKeyboard", 3, L"", L""}));
-  EXPECT_EQ(Log("CheckDeviceStatus"),
-            (Lines{"Enter!!", "Is EC Keyboard: 1", "Is RGB Keyboard: 1", "Is EC Lightbar: 1",
-                   "BIOS major version:2 - BIOS minor version::91", "Number of Device:1, DeviceName:ZarnECKeyboard"}));
-  EXPECT_EQ(Describe(Create("ZarnECKeyboard")).led_list.size(), 4U);
+/// The emulated computer's table has version 2.91, four RGB zones and a light bar; the table of the notebook that is
+/// placed here has one zone alone. zarnctl runs as a process of its own, which knows nothing of that notebook.
+TEST_F(KernelCase, TheRecordComesFromTheComputersOwnTableAndZarnctlDrivesItsFirmware) {
+  simulator::Profile profile = ProfileOf("one-zone");
+  profile.ec.lights_report = {0, 0, 0, 0, 0, 0, 0, 1, 1};
+  Start(profile);
+  EXPECT_EQ(Zarnctl("devices"),
+            "ZarnECGlobal: Zarn Global Device, 1 zone, 1 LED, 9 modes\n"
+            "ZarnECKeyboard: Zarn EC Keyboard Device, 1 zone, 4 LEDs, 9 modes\ninterface type 3\nexit code 0\n");
+  EmulatedFirmware firmware;
+  EXPECT_EQ(Zarnctl("leds ZarnECKeyboard ff0000 000000 000000 00ff01"), "ZarnECKeyboard: Direct\nexit code 0\n");
+  EXPECT_EQ(firmware.TakeInHex(),
+            (Lines{"4: 10 00 00 00", "2: 08 00 00 00 00 09 00 00 00 00 00 00 00 00 00 00",
+                   "20: 00 00 32 00 00 00 00 00 03 01 00 00 00 00 00 00", "6: 01 ff 00 00 00 00 00 00",
+                   "6: 02 00 00 00 00 00 00 00", "6: 04 00 00 00 00 00 00 00", "6: 08 00 ff 01 00 00 00 00"}));
+  EXPECT_EQ(Zarnctl("--trace set ZarnECGlobal --mode neon"),
+            R"(trace: ZarnGamingFunction.InstanceName="ACPI\\PNP0C14\\ZGF_0", GetGamingLED, gmInput=16 -> 0x00000000, )"
+            "gmOutput=00 00 00 00 00 00 00 01 01 00 00 00 00 00 00, gmReturn=0\n"
+            R"(trace: ZarnGamingFunction.InstanceName="ACPI\\PNP0C14\\ZGF_0", SetGamingKBBacklight, )"
+            "gmInput=02 05 32 00 02 00 00 00 03 03 00 00 00 00 00 00 -> 0x00000000, gmOutput=0\n"
+            "ZarnECGlobal: NEON\nexit code 0\n");
+  EXPECT_EQ(firmware.TakeInHex(), (Lines{"4: 10 00 00 00", "20: 02 05 32 00 02 00 00 00 03 03 00 00 00 00 00 00"}));
+}
+
+TEST_F(KernelCase, TheFirmwareIsForRootAlone) {
+  Start("one-zone");
+  EmulatedFirmware firmware;
+  EXPECT_NE(Zarnctl("set ZarnECKeyboard --mode neon", 65534).find("exit code 3\n"), std::string::npos);
+  EXPECT_EQ(Run(": >/proc/acpi/call", 65534), "exit code 1\n");
+  EXPECT_EQ(firmware.TakeInHex(), Lines{});
 }
 
 TEST_F(KernelCase, WithoutTheRightToOpenANodeThereIsNoKeyboard) {

@@ -1,0 +1,86 @@
+#include "tests/system/emulated_firmware.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+
+namespace test {
+namespace {
+
+constexpr char kDevice[] = "\\_SB.WZRN.";
+constexpr unsigned long kKeptCalls = 32;
+constexpr std::size_t kInput = 4;  // of a record, behind instance, method, type and length
+
+unsigned long CallCount() { return std::stoul(CallModule(std::string(kDevice) + "TCNT"), nullptr, 16); }
+
+/// The bytes of "{0x01, 0x02}".
+std::vector<std::uint8_t> BytesIn(const std::string& text) {
+  std::vector<std::uint8_t> bytes;
+  for (std::size_t at = text.find("0x"); at != std::string::npos; at = text.find("0x", at + 1))
+    bytes.push_back(static_cast<std::uint8_t>(std::stoul(text.substr(at + 2, 2), nullptr, 16)));
+  return bytes;
+}
+
+/// As two digits a byte, with `before` in front of each.
+std::string InHex(const std::vector<std::uint8_t>& bytes, const std::string& before) {
+  std::string text;
+  for (const std::uint8_t byte : bytes) {
+    char digits[3];
+    std::snprintf(digits, sizeof(digits), "%02x", byte);
+    text += before + digits;
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string CallModule(const std::string& call) {
+  const int file = open("/proc/acpi/call", O_RDWR | O_CLOEXEC);
+  std::array<char, 512> answer{};
+  const bool called = file >= 0 && flock(file, LOCK_EX) == 0 && write(file, call.data(), call.size()) >= 0 &&
+                      read(file, answer.data(), answer.size() - 1) >= 0;
+  const int error = errno;
+  if (file >= 0) close(file);
+  if (!called) throw std::system_error(error, std::generic_category(), call);
+  return answer.data();
+}
+
+EmulatedFirmware::EmulatedFirmware() : taken_(CallCount()) {}
+
+std::vector<EmulatedFirmware::Call> EmulatedFirmware::Take() {
+  const unsigned long count = CallCount();
+  EXPECT_LE(count - taken_, kKeptCalls) << "the oldest calls are lost";
+  std::vector<Call> calls;
+  for (; taken_ < count; ++taken_) {
+    const std::vector<std::uint8_t> record =
+        BytesIn(CallModule(std::string(kDevice) + "TGET " + std::to_string(taken_)));
+    const std::size_t length = record.at(3);
+    EXPECT_LE(kInput + length, record.size()) << "the end of an input is lost";
+    calls.push_back(
+        {record.at(1), {record.begin() + kInput, record.begin() + static_cast<std::ptrdiff_t>(kInput + length)}});
+  }
+  return calls;
+}
+
+std::vector<std::string> EmulatedFirmware::TakeInHex() {
+  std::vector<std::string> lines;
+  for (const Call& call : Take()) lines.push_back(std::to_string(call.method) + ":" + InHex(call.input, " "));
+  return lines;
+}
+
+void EmulatedFirmware::AnswerLights(std::vector<std::uint8_t> answer) {
+  answer.resize(16);
+  EXPECT_EQ(CallModule(std::string(kDevice) + "TANS b" + InHex(answer, "")), "0x0");
+}
+
+void EmulatedFirmware::AnswerEffects(std::uint32_t answer) {
+  EXPECT_EQ(CallModule(std::string(kDevice) + "TRES " + std::to_string(answer)), "0x0");
+}
+
+}  // namespace test
