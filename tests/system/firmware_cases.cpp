@@ -120,7 +120,8 @@ TEST_F(FirmwareCase, NobodyGetsTheAnswerOfAnother) {
     }
     callers.emplace_back([&] {
       for (int i = 0; i < calls; ++i) {
-        char call[64], answer[64];
+        char call[64];
+        char answer[64];
         std::snprintf(call, sizeof(call), "\\_SB.WZRN.WMZG 0 34 b%08x", i);
         std::snprintf(answer, sizeof(answer), "{0x%02x, 0x%02x, 0x%02x, 0x%02x}", 0, 0, i >> 8, i & 0xFF);
         wrong += CallModule(call) == answer ? 0 : 1;

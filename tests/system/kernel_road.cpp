@@ -49,7 +49,7 @@ class KernelRoad final : public Road {
   void Settle() override { keyboards_->Settle(); }
   void CatchUp() override {
     for (const EmulatedFirmware::Call& call : firmware_->Take()) {
-      const auto known = std::ranges::find(kMethods, call.method, &Method::id);
+      const auto* const known = std::ranges::find(kMethods, call.method, &Method::id);
       ASSERT_NE(known, std::end(kMethods)) << "method " << call.method;
       simulator::EcFirmware::Input input = call.input;
       if (known->takes_number) input = std::to_wstring(FromLittleEndian(call.input));
@@ -85,7 +85,7 @@ class KernelRoad final : public Road {
 
   /// The folder in which the table stands as the kernel shows it; without a table there is none.
   std::filesystem::path WriteSmbiosTable(const simulator::Notebook& notebook) const {
-    const std::filesystem::path folder = folder_.path() / "smbios";
+    std::filesystem::path folder = folder_.path() / "smbios";
     std::filesystem::remove_all(folder);
     const std::vector<std::uint8_t> table = notebook.SmbiosTable();
     if (table.empty()) return folder;
