@@ -30,7 +30,7 @@ constexpr std::size_t kAnswerBuffer = 512;   // for all of it at once, or the mo
 AcpiAnswer Failure(auto code) { return {Status(code), {}}; }
 
 /// A signal may end any wait, but not a method.
-bool Lock(int file) {
+bool LockFile(int file) {
   const Clock::time_point end = Clock::now() + kPatience;
   while (flock(file, LOCK_EX | LOCK_NB) != 0) {
     if ((errno != EWOULDBLOCK && errno != EINTR) || Clock::now() >= end) return false;
@@ -66,9 +66,9 @@ std::string CallText(const std::string& method, std::size_t instance, std::uint3
 }
 
 /// Reads the text of an answer from left to right.
-class AnswerText {
+class AnswerReader {
  public:
-  explicit AnswerText(std::string_view text) : rest_(text) {}
+  explicit AnswerReader(std::string_view text) : rest_(text) {}
 
   /// The bytes; nothing for what is neither a buffer, a number nor a package of these.
   std::optional<Bytes> Read() && {
@@ -131,7 +131,7 @@ AcpiAnswer ReadAcpiAnswer(std::string_view text) {
   if (text.size() >= kLongestAnswer && !text.ends_with(']') && text.starts_with('[')) {
     text = text.substr(0, text.rfind(", "));
   }
-  auto bytes = AnswerText(text).Read();
+  auto bytes = AnswerReader(text).Read();
   return bytes ? AcpiAnswer{S_OK, *std::move(bytes)} : Failure(WBEM_E_FAILED);
 }
 
@@ -151,7 +151,7 @@ AcpiAnswer CallAcpi(const AcpiCallPlaces& places, const std::string& method, std
   if (const int code = file.Open(places.file, O_RDWR)) {
     return code == EACCES || code == EPERM ? Failure(WBEM_E_ACCESS_DENIED) : Failure(WBEM_E_PROVIDER_LOAD_FAILURE);
   }
-  if (!Lock(file.Get())) return Failure(WBEM_E_SERVER_TOO_BUSY);
+  if (!LockFile(file.Get())) return Failure(WBEM_E_SERVER_TOO_BUSY);
   Forget(file.Get());
   if (pwrite(file.Get(), text.data(), text.size(), 0) != static_cast<ssize_t>(text.size())) {
     return Failure(WBEM_E_FAILED);

@@ -11,7 +11,7 @@
 namespace platform {
 namespace {
 
-using View = std::span<const std::uint8_t>;
+using ByteView = std::span<const std::uint8_t>;
 
 constexpr std::size_t kLongestMof = std::size_t{1} << 20;  // in bytes; real ones have up to 120,000
 constexpr std::uint32_t kNone = 0xFFFFFFFF;
@@ -35,7 +35,7 @@ struct Refused {
 
 class Bits {
  public:
-  explicit Bits(View data) : data_(data) {}
+  explicit Bits(ByteView data) : data_(data) {}
 
   std::uint32_t Take(unsigned count) {
     std::uint32_t value = 0;
@@ -47,7 +47,7 @@ class Bits {
   }
 
  private:
-  const View data_;
+  const ByteView data_;
   std::size_t at_ = 0;  // in bits
 };
 
@@ -68,7 +68,7 @@ std::size_t TakeLength(Bits& bits) {
   return (std::size_t{1} << zeros) + bits.Take(zeros) + 1;
 }
 
-Bytes Unpack(View packed, std::size_t size) {
+Bytes Unpack(ByteView packed, std::size_t size) {
   if (packed.size() < 4 || packed[0] != 'D' || packed[1] != 'S' || packed[3] < 1 || packed[3] > 3) {
     throw Refused{"the packed bytes do not begin with DS"};
   }
@@ -98,11 +98,11 @@ Bytes Unpack(View packed, std::size_t size) {
 /// Bytes of which everything that is taken must be there.
 class Reader {
  public:
-  explicit Reader(View data) : data_(data) {}
+  explicit Reader(ByteView data) : data_(data) {}
 
-  View Take(std::size_t size) {
+  ByteView Take(std::size_t size) {
     if (size > data_.size()) throw Refused{"something is longer than what it is part of"};
-    const View taken = data_.first(size);
+    const ByteView taken = data_.first(size);
     data_ = data_.subspan(size);
     return taken;
   }
@@ -116,7 +116,7 @@ class Reader {
   }
   /// Text of so many bytes, to its terminating 0. A half of a pair of UTF-16 stays one: no name that counts has any.
   std::wstring Text(std::size_t size) {
-    const View units = Take(size);
+    const ByteView units = Take(size);
     if (size % 2 != 0) throw Refused{"a text has half a character"};
     std::wstring text;
     for (std::size_t i = 0; i < size; i += 2) {
@@ -130,7 +130,7 @@ class Reader {
   bool AtEnd() const { return data_.empty(); }
 
  private:
-  View data_;
+  ByteView data_;
 };
 
 /// Calls `read(entry)` for each entry of a list.
@@ -212,7 +212,7 @@ MofParameter ParameterOf(const Member& member) {
 
 /// Their place stands in a qualifier. Those without one come last.
 std::vector<MofParameter> ReadParameters(Reader& reader) {
-  std::vector<std::pair<std::uint32_t, MofParameter>> placed;
+  std::multimap<std::uint32_t, MofParameter> placed;
   reader.Word();
   reader.Word();
   const std::uint32_t sides = reader.Word();
@@ -222,11 +222,9 @@ std::vector<MofParameter> ReadParameters(Reader& reader) {
     side.Take(16);
     ReadList(side, [&](Reader entry) {
       const Member member = ReadMember(entry);
-      if (!member.is_system)
-        placed.emplace_back(member.qualifiers.Find(L"ID").number.value_or(kNone), ParameterOf(member));
+      if (!member.is_system) placed.emplace(member.qualifiers.Find(L"ID").number.value_or(kNone), ParameterOf(member));
     });
   }
-  std::ranges::stable_sort(placed, {}, [](const auto& each) { return each.first; });
   std::vector<MofParameter> parameters;
   for (auto& [place, parameter] : placed) parameters.push_back(std::move(parameter));
   return parameters;
@@ -274,7 +272,7 @@ void ExpectMagic(Reader& reader) {
   if (!std::ranges::equal(reader.Take(4), kMagic)) throw Refused{"it does not begin with FOMB"};
 }
 
-std::vector<MofClass> ReadClasses(View blob) {
+std::vector<MofClass> ReadClasses(ByteView blob) {
   Reader head(blob);
   ExpectMagic(head);
   if (head.Word() != 1) throw Refused{"it has another version"};
