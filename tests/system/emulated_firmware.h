@@ -29,8 +29,6 @@ class EmulatedFirmware {
 
   /// Sets the answer of GetGamingLED: gmReturn, then 15 bytes. What is missing becomes zeros.
   static void AnswerLights(std::vector<std::uint8_t> answer);
-  /// Sets gmOutput of SetGamingKBBacklight.
-  static void AnswerEffects(std::uint32_t answer);
 
  private:
   unsigned long taken_;

@@ -83,7 +83,7 @@ class KernelRoad final : public Road {
     return bytes;
   }
 
-  /// The folder in which the table stands as the kernel shows it; without a table there is none.
+  /// The folder in which the table stands as the kernel shows it. Without a table there is none.
   std::filesystem::path WriteSmbiosTable(const simulator::Notebook& notebook) const {
     std::filesystem::path folder = folder_.path() / "smbios";
     std::filesystem::remove_all(folder);
@@ -92,7 +92,6 @@ class KernelRoad final : public Road {
     std::filesystem::create_directory(folder);
     std::ofstream(folder / "DMI", std::ios::binary)
         .write(reinterpret_cast<const char*>(table.data()), static_cast<std::streamsize>(table.size()));
-    std::ofstream(folder / "smbios_entry_point") << "_SM3_\x18\x18\x03\x03";
     return folder;
   }
 
