@@ -1,7 +1,6 @@
 #include "platform/linux/firmware_class.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
@@ -51,7 +50,7 @@ bool ConsistsOf(std::string_view text, std::string_view others) {
 }
 
 std::string Capitals(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
   return text;
 }
 
