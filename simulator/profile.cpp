@@ -21,6 +21,7 @@ constexpr wchar_t kDefaultInstance[] = L"ACPI\\PNP0C14\\ZARN_0";
 constexpr std::size_t kLongestReport = 16384;                  // a Linux kernel's limit
 constexpr std::size_t kLongestProfile = std::size_t{1} << 20;  // in bytes; four recorded keyboards at their worst
 constexpr std::size_t kMostKeyboards = 16;
+constexpr std::size_t kMostMethods = 1000;
 constexpr wchar_t kDefaultUser[] = L"player";
 constexpr wchar_t kLogKey[] = L"SOFTWARE\\OEM\\ZarnLightingService\\Log";
 constexpr wchar_t kLogSwitch[] = L"ZarnLightingService";
@@ -158,6 +159,18 @@ bool ReadVersion(const toml::node& node, Profile& profile) { return Assign(Versi
 
 bool ReadInstance(const toml::node& node, Profile& profile) { return Assign(Text(node), profile.firmware_instance); }
 
+/// Each is a number, a name and parameters in parentheses.
+bool ReadMethods(const toml::node& node, Profile& profile) {
+  const toml::array* const array = node.as_array();
+  if (array == nullptr || array->size() > kMostMethods) return false;
+  for (const toml::node& element : *array) {
+    const auto text = element.value_exact<std::string>();
+    if (!text || MethodName(*text).empty()) return false;
+    profile.firmware_methods.push_back(*text);
+  }
+  return true;
+}
+
 bool ReadRecord(const toml::node& node, Profile& profile) {
   const auto bytes = ByteList(node, 255);
   return bytes && bytes->size() >= 6 && bytes->at(0) == 172 && bytes->at(1) == bytes->size() &&
@@ -201,6 +214,7 @@ using Hid = HidKeyboard::Settings;
 constexpr Field<Profile> kFirmware[] = {
     {"version", "text like \"2.91\", both numbers from 0 to 255", ReadVersion, true},
     {"instance", "text, empty for no firmware class", ReadInstance},
+    {"methods", "at most 1000 texts like \"2 SetGamingLED(in uint8 gmInput[8], out uint32 gmOutput)\"", ReadMethods},
     {"record", "6 to 255 numbers from 0 to 255, a structure of type 172", ReadRecord},
     {"latency_ms", "a whole number from 0 to 10000", ReadNumber<0, 10000, &Profile::firmware_latency_ms>},
 };
@@ -312,6 +326,13 @@ Profile ReadProfile(const toml::table& root) {
 }
 
 }  // namespace
+
+std::string_view MethodName(std::string_view declaration) {
+  const std::size_t begin = declaration.find_first_not_of("0123456789");
+  const std::size_t end = declaration.find('(');
+  const bool sound = begin != 0 && begin < end && end != std::string_view::npos && declaration[begin] == ' ';
+  return sound ? declaration.substr(begin + 1, end - begin - 1) : std::string_view();
+}
 
 Profile LoadProfile(const std::filesystem::path& file) { return ParseProfile(ReadFile(file), file.string()); }
 

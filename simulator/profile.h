@@ -6,6 +6,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/standin/registry_values.h"
@@ -33,7 +34,13 @@ struct Profile {
   std::wstring user_name;
   /// The name of the firmware's instance. Empty: there is no firmware class.
   std::wstring firmware_instance;
+  /// The class's methods as real firmware described them, "2 SetGamingLED(in uint8 gmInput[8], out uint32 gmOutput)".
+  /// Only those are there. Empty: all that the simulator knows, undescribed.
+  std::vector<std::string> firmware_methods;
 };
+
+/// "SetGamingLED" out of "2 SetGamingLED(...)"; empty for a text of another form.
+std::string_view MethodName(std::string_view declaration);
 
 /// A profile that cannot be read; what() is one line that names the file, the place and the remedy.
 class ProfileError : public std::runtime_error {

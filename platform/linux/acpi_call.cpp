@@ -41,7 +41,7 @@ bool LockFile(int file) {
 
 /// The text that the module keeps, from a place on and without its terminating 0.
 std::optional<std::string> ReadText(int file, std::size_t place = 0) {
-  std::array<char, kAnswerBuffer> buffer;
+  std::array<char, kAnswerBuffer> buffer{};
   const ssize_t got = pread(file, buffer.data(), buffer.size(), static_cast<off_t>(place));
   if (got < 0) return std::nullopt;
   const std::string_view text(buffer.data(), static_cast<std::size_t>(got));

@@ -1,7 +1,6 @@
 #include "platform/linux/firmware_class.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
@@ -51,7 +50,7 @@ bool ConsistsOf(std::string_view text, std::string_view others) {
 }
 
 std::string Capitals(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
   return text;
 }
 
@@ -103,7 +102,7 @@ std::wstring InWindowsNames(std::string_view uid) {
 FirmwareOnBus Follow(const Object& blob, const std::vector<Object>& objects) {
   const auto bytes = ReadFile(blob.place / "bmof", kLongestBlob);
   if (!bytes) {
-    if (errno == ENOENT) return {FirmwareSearch::NoBlobs};
+    if (errno == ENOENT) return {FirmwareSearch::NotShown};
     if (errno == EACCES || errno == EPERM) return {FirmwareSearch::NotAllowed};
     return {FirmwareSearch::Unreadable, (blob.place / "bmof").string() + ": " + std::strerror(errno)};
   }
@@ -122,7 +121,7 @@ FirmwareOnBus Follow(const Object& blob, const std::vector<Object>& objects) {
   const std::wstring device = L"ACPI\\PNP0C14\\" + InWindowsNames(object->uid) + L"_";
   for (std::size_t i = 0; i < object->instances; ++i) found.instances.push_back(device + std::to_wstring(i));
   found.methods = std::move(named->methods);
-  std::erase_if(found.methods, [](const MofMethod& method) { return !method.id; });
+  std::erase_if(found.methods, [](const MofMethod& method) { return !method.id || method.name.empty(); });
   std::error_code error;
   found.driver = fs::read_symlink(object->place / "driver", error).filename().string();
   return found;

@@ -17,8 +17,9 @@ namespace platform {
 enum class FirmwareSearch {
   NoBus,       // the kernel has none
   NoDevices,   // the firmware has no management device
-  NoBlobs,     // none of them describes its classes, or the kernel's module that shows it is missing
-  NotAllowed,  // descriptions are root's to read
+  NoBlobs,     // none of them describes its classes
+  NotShown,    // the kernel's module that shows descriptions is not loaded
+  NotAllowed,  // they are root's to read
   Unreadable,  // one cannot be read, none of the others names the class
   NoClass,     // none names the class
   NoGuid,      // the class is there, but its device has no object with its GUID

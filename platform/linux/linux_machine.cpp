@@ -66,7 +66,8 @@ std::optional<FirmwareClass> LinuxMachine::FindFirmwareClass() {
   if (firmware == nullptr) return std::nullopt;
   FirmwareClass found;
   for (const MofMethod& method : firmware->methods) {
-    found.methods.push_back({method.name, std::ranges::any_of(method.parameters, &MofParameter::is_input)});
+    const bool has_input = std::ranges::any_of(method.parameters, &MofParameter::is_input);
+    found.methods.push_back({method.name, has_input, Described(method)});
   }
   found.instance_names.assign(firmware->instances.begin(), firmware->instances.end());
   return found;

@@ -45,6 +45,9 @@ struct FirmwareClass {
   struct Method {
     std::wstring name;
     bool has_input = true;
+    /// As the firmware describes it, "2 SetGamingLED(in uint8 gmInput[8], out uint32 gmOutput)"; empty where it does
+    /// not.
+    std::string declaration = {};
   };
   std::vector<Method> methods;
   /// The "InstanceName" of each instance, in the order of enumeration; any type of value.

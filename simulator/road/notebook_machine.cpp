@@ -70,9 +70,14 @@ class NotebookMachine final : public platform::Machine {
 
   std::optional<platform::FirmwareClass> FindFirmwareClass() override {
     if (profile().firmware_instance.empty()) return std::nullopt;
-    return platform::FirmwareClass{
-        {{L"SetGamingLED"}, {L"GetGamingLED"}, {L"SetGamingKBBacklight"}, {L"SetGamingRgbKb"}},
-        {profile().firmware_instance}};
+    platform::FirmwareClass firmware{{}, {profile().firmware_instance}};
+    for (const std::string& declaration : profile().firmware_methods) {
+      firmware.methods.push_back({platform::WideFromUtf8(MethodName(declaration)), true, declaration});
+    }
+    if (firmware.methods.empty()) {
+      firmware.methods = {{L"SetGamingLED"}, {L"GetGamingLED"}, {L"SetGamingKBBacklight"}, {L"SetGamingRgbKb"}};
+    }
+    return firmware;
   }
 
   platform::FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,

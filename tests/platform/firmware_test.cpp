@@ -170,7 +170,9 @@ TEST_F(FirmwareOnBusTest, TheSearchEndsWhereSomethingIsMissing) {
   EXPECT_EQ(Find().state, FirmwareSearch::NoDevices);
   Add(kGuid, "OTHR");
   EXPECT_EQ(Find().state, FirmwareSearch::NoBlobs);
-  AddBlob(std::string(kBlobGuid) + "-0", "OTHR", "nonsense");
+  const fs::path first = Add(std::string(kBlobGuid) + "-0", "OTHR", "BM");
+  EXPECT_EQ(Find().state, FirmwareSearch::NotShown);
+  Write(first / "bmof", "nonsense");
   EXPECT_EQ(Find().state, FirmwareSearch::Unreadable);
   EXPECT_TRUE(Find().detail.ends_with("-0/bmof: it does not begin with FOMB")) << Find().detail;
   AddBlob(std::string(kBlobGuid) + "-1", "WZRN", blob);

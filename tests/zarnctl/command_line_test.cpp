@@ -255,6 +255,16 @@ TEST_F(CommandLine, ARecordPlaysBackWhatTheMachineWas) {
     EXPECT_EQ(test::ContentOf(first), test::ContentOf(second));
     EXPECT_EQ(Run("devices --machine " + first).out, Run("devices --machine " + name).out);
   }
+  const std::string methods =
+      "methods = [ '2 SetGamingLED(in uint8 gmInput[8], out uint32 gmOutput)', '9 Other(out object o)' ]";
+  const std::string described =
+      WriteProfile("title = 'Described'\n[firmware]\nversion = '2.91'\n" + methods + "\n[keyboard]\nzones = 1\n");
+  const std::string file = folder_.path() / "described";
+  EXPECT_EQ(Record(file, described), 0);
+  EXPECT_NE(test::ContentOf(file).find(methods), std::string::npos) << test::ContentOf(file);
+  EXPECT_EQ(Run("leds ZarnECKeyboard ff0000 --machine " + file).err,
+            "zarnctl: the firmware has no method SetGamingKBBacklight\n"
+            "zarnctl: the firmware has no method SetGamingRgbKb\n");
   const std::string lit = "set ZarnHIDKeyboard --mode wave --direction 1 --machine ";
   EXPECT_EQ(Run(lit + (folder_.path() / "narrow-fields").string()).out, Run(lit + "narrow-fields").out);
   const std::string there = WriteProfile("title = 'There'\n");

@@ -1,6 +1,10 @@
 #include "zarnctl/commands/doctor.h"
 
+#include <sys/utsname.h>
+
 #include "tests/support/machine_fixture.h"
+#include "tests/support/temporary_folder.h"
+#include "zarnctl/linux/firmware_trouble.h"
 
 namespace zarnctl {
 namespace {
@@ -85,6 +89,43 @@ TEST_F(Doctor, WhatTheFirmwareLacks) {
                 "fine     SMBIOS structure of type 172: firmware 2.91, a keyboard with 4 zones in colour, a light bar",
                 "missing  firmware class ZarnGamingFunction: there, but without an instance to call",
                 "missing  light bar: announced, but the firmware's answer to GetGamingLED does not confirm it"}));
+  const auto line_about = [](const Symptoms& symptoms) {
+    for (const Finding& finding : Examine(symptoms, {})) {
+      if (finding.answer.starts_with("firmware class") && finding.kind != Finding::Kind::Note) return LineOf(finding);
+    }
+    return std::string();
+  };
+  machine->firmware.instance_names = {L"A"};
+  EXPECT_EQ(line_about({.firmware = {"its module is missing", "get it"}, .firmware_note = "somebody else uses it"}),
+            "missing  firmware class ZarnGamingFunction: there, but its module is missing; get it");
+}
+
+TEST(FirmwareTrouble, EachModuleThatIsMissingHasItsReasonAndRemedy) {
+  const test::TemporaryFolder folder;
+  const ModulePlaces places = {
+      {folder.path() / "call", folder.path() / "options"}, folder.path(), folder.path() / "lockdown"};
+  const auto write = [&](const std::string& name, const std::string& text) {
+    std::filesystem::create_directories((folder.path() / name).parent_path());
+    std::ofstream(folder.path() / name) << text;
+  };
+  const auto expect_trouble = [&](const char* what, const char* remedy) {
+    const Trouble trouble = TroubleWith({platform::FirmwareSearch::Found}, places);
+    EXPECT_NE(trouble.what.find(what), std::string::npos) << trouble.what;
+    EXPECT_NE(trouble.remedy.find(remedy), std::string::npos) << trouble.remedy;
+  };
+  expect_trouble("acpi_call is not installed", "sudo apt install acpi-call-dkms");
+  utsname kernel = {};
+  uname(&kernel);
+  write(std::string(kernel.release) + "/modules.dep", "kernel/a.ko:\nupdates/dkms/acpi_call.ko.xz:\n");
+  expect_trouble("acpi_call is not loaded", "'sudo modprobe acpi_call'");
+  write("lockdown", "none [integrity] confidentiality\n");
+  expect_trouble("Secure Boot", "mokutil --import");
+  write("call", "");
+  write("options", "quiet acpi=strict\n");
+  expect_trouble("acpi=strict", "without that option");
+  write("options", "quiet\n");
+  EXPECT_EQ(TroubleWith({platform::FirmwareSearch::Found}, places).what, "");
+  EXPECT_EQ(TroubleWith({platform::FirmwareSearch::NotAllowed}, places).remedy, "run as root: 'sudo zarnctl doctor'");
 }
 
 }  // namespace

@@ -91,6 +91,12 @@ class Examination {
       FindInstancePath(connection, kFirmwareClass, kFirmwareInstances, instance);
       status = connection.status;
     }
+    if (!symptoms_.firmware_note.empty()) Add(Kind::Note, name + symptoms_.firmware_note);
+    if (!symptoms_.firmware.what.empty()) {
+      return Add(Kind::Missing,
+                 name + (instance.front() != 0 ? "there, but " : "not there, ") + symptoms_.firmware.what,
+                 symptoms_.firmware.remedy);
+    }
     if (instance.front() != 0) return Add(Kind::Fine, name + "there");
     if (status == static_cast<HRESULT>(WBEM_E_ACCESS_DENIED)) {
       return Add(Kind::Missing, name + "this user may not use it", remedies_.may_not_open);

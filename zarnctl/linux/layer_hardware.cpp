@@ -8,10 +8,28 @@
 
 #include "platform/standin/hid_interfaces.h"
 #include "platform/standin/report_descriptor.h"
+#include "platform/standin/wmi_api.h"
 #include "zarnctl/text.h"
 
 namespace zarnctl {
 namespace {
+
+/// Attempts are repeated.
+void AddOnce(std::string line, std::vector<std::string>& lines) {
+  if (std::ranges::count(lines, line) == 0) lines.push_back(std::move(line));
+}
+
+/// A firmware call may fail before the firmware is asked.
+std::string FirmwareFailure(const platform::JournalEntry& entry) {
+  static constexpr std::pair<HRESULT, std::string_view> kReasons[] = {
+      {platform::Status(WBEM_E_ACCESS_DENIED), "this user may not call the firmware; type sudo before the command"},
+      {platform::Status(WBEM_E_PROVIDER_LOAD_FAILURE),
+       "the kernel cannot call the firmware; 'zarnctl doctor' tells what to do"},
+      {platform::Status(WBEM_E_SERVER_TOO_BUSY), "another program has kept the firmware busy for 5 s; try again"}};
+  const auto code = static_cast<HRESULT>(entry.code);
+  const auto* const known = std::ranges::find(kReasons, code, [](const auto& reason) { return reason.first; });
+  return known != std::end(kReasons) ? std::string(known->second) : "the firmware refused " + entry.arguments;
+}
 
 std::string HidFailure(const platform::JournalEntry& entry) {
   static constexpr std::pair<std::uint32_t, std::string_view> kReasons[] = {
@@ -34,8 +52,16 @@ LayerHardware::LayerHardware(bool trace) : trace_(trace) {
 LayerHardware::~LayerHardware() { platform::SetJournal({}); }
 
 Exchanges LayerHardware::TakeExchanges(const std::string& /*device*/) {
+  std::vector<std::string> failures = TakeMissingMethods();
   const std::lock_guard lock(lock_);
-  return {.none = std::exchange(none_, true), .failures = std::exchange(failures_, {})};
+  failures.insert(failures.end(), failures_.begin(), failures_.end());
+  failures_.clear();
+  return {.none = std::exchange(none_, true), .failures = std::move(failures)};
+}
+
+std::vector<std::string> LayerHardware::TakeMissingMethods() {
+  const std::lock_guard lock(lock_);
+  return std::exchange(missing_methods_, {});
 }
 
 void LayerHardware::LookAtDevices(Symptoms& symptoms) const {
@@ -54,6 +80,10 @@ void LayerHardware::LookAtDevices(Symptoms& symptoms) const {
 }
 
 void LayerHardware::Note(const platform::JournalEntry& entry) {
+  if (entry.call == "IWbemClassObject::GetMethod" && entry.failed) {
+    const std::lock_guard lock(lock_);
+    AddOnce("the firmware has no method " + entry.arguments, missing_methods_);
+  }
   const bool hid = entry.call == "HidD_SetFeature" || entry.call == "HidD_GetFeature";
   if (!hid && entry.call != "IWbemServices::ExecMethod") return;
   const std::lock_guard lock(lock_);
@@ -63,8 +93,7 @@ void LayerHardware::Note(const platform::JournalEntry& entry) {
   }
   none_ = false;
   if (!entry.failed) return;
-  std::string text = hid ? HidFailure(entry) : "the firmware refused " + entry.arguments;
-  if (std::ranges::count(failures_, text) == 0) failures_.push_back(std::move(text));  // attempts are repeated
+  AddOnce(hid ? HidFailure(entry) : FirmwareFailure(entry), failures_);
 }
 
 }  // namespace zarnctl

@@ -36,6 +36,9 @@ class LayerHardware : public Hardware {
   static constexpr const char* kNoLog =
       "the folder and those above it must be this user's or root's, with nobody else allowed to write there";
 
+  /// Lines: methods that the firmware should have. Nobody can call those.
+  std::vector<std::string> TakeMissingMethods();
+
  private:
   void Note(const platform::JournalEntry& entry);
 
@@ -44,6 +47,7 @@ class LayerHardware : public Hardware {
   // Guarded by lock_.
   bool none_ = true;
   std::vector<std::string> failures_;
+  std::vector<std::string> missing_methods_;
 };
 
 }  // namespace zarnctl

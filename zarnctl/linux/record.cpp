@@ -137,10 +137,12 @@ class Recorder {
     stSMBiosType172 record;
     if (!FindSMBiosType172(*data, record) || structure.size() < 6) return;  // another family
     const std::uint16_t zones = FirstItem(record, kItemKeyboardZones).value_or(0);
-    const bool has_methods = machine_.FindFirmwareClass().has_value();
+    const auto firmware_class = machine_.FindFirmwareClass();
+    const bool has_methods = firmware_class.has_value();
     toml::table firmware{{"version", std::to_string(record.biosMajor) + "." + std::to_string(record.biosMinor)},
                          {"record", Listed(structure)}};
     if (!has_methods) firmware.insert("instance", "");
+    if (has_methods) RecordMethods(*firmware_class, firmware);
     profile_.insert("firmware", std::move(firmware));
     profile_.insert("keyboard", toml::table{{"zones", IsZoneCount(zones) ? zones : 0},
                                             {"rgb", FirstItem(record, kItemRgbKeyboard) == kRgbKeyboardThere}});
@@ -148,6 +150,14 @@ class Recorder {
     toml::table light_bar{{"present", has_light_bar}};
     if (has_light_bar && has_methods) RecordLightBar(light_bar);
     profile_.insert("light_bar", std::move(light_bar));
+  }
+
+  static void RecordMethods(const platform::FirmwareClass& firmware_class, toml::table& firmware) {
+    toml::array methods;
+    for (const auto& method : firmware_class.methods) {
+      if (!method.declaration.empty()) methods.push_back(method.declaration);
+    }
+    if (!methods.empty()) firmware.insert("methods", std::move(methods));
   }
 
   /// Asks the firmware what discovery asks when a light bar is announced.

@@ -69,7 +69,7 @@ class SimulatedNotebook final : public LayerHardware {
   /// From the notebook's wire: it tells why something was refused, which the journal does not.
   Exchanges TakeExchanges(const std::string& /*device*/) override {
     const std::vector<simulator::WireRecord> wire = notebook_->TakeWire();
-    Exchanges exchanges{.none = wire.empty()};
+    Exchanges exchanges{.none = wire.empty(), .failures = TakeMissingMethods()};
     for (const simulator::WireRecord& record : wire) {
       if (record.refusal.empty()) continue;
       std::string text = RefusalText(record);

@@ -5,10 +5,12 @@
 
 #include "log/service_switch.h"
 #include "platform/linux/lighting_access.h"
+#include "platform/linux/linux_machine.h"
 #include "platform/linux/settings.h"
 #include "platform/standin/machine.h"
 #include "platform/standin/report_descriptor.h"
 #include "platform/standin/text.h"
+#include "zarnctl/linux/firmware_trouble.h"
 #include "zarnctl/linux/layer_hardware.h"
 #include "zarnctl/text.h"
 
@@ -59,26 +61,34 @@ class ThisComputer final : public LayerHardware {
     std::error_code error;
     const bool has_nodes = std::filesystem::exists("/sys/class/hidraw", error);
     const bool has_table = std::filesystem::exists("/sys/firmware/dmi/tables/DMI", error);
-    return {.nothing_discovered = "'zarnctl doctor' tells why, --machine drives a simulated notebook",
-            .switches = "'zarnctl config' shows where it is set",
-            .no_log = kNoLog,
-            .no_hid_devices =
-                has_nodes ? "plug the keyboard in" : "this kernel has no hidraw: /sys/class/hidraw is missing",
-            .may_not_open = "plug it in again once the package's udev rule is installed, or run as root",
-            .may_not_open_keys =
-                std::string("what is typed comes out of it, too, so it is root's: run as root, or let whoever "
-                            "sits here use it and read every key: 'sudo install -Dm644 /dev/null ") +
-                platform::kSharedKeyboards + "', then plug it in again or restart",
-            .no_node = "plug it in again; a container must be given its node in /dev",
-            .no_answer = "plug it in again",
-            .no_table = has_table ? "run as root, to whom alone the kernel shows it"
-                                  : "this computer's kernel has none in /sys/firmware/dmi; HID keyboards need none",
-            .no_record = "this is no notebook of the family; HID keyboards need none",
-            .no_firmware_class = "it is published by Windows on the notebook itself; HID keyboards need none"};
+    const auto firmware = platform::FindFirmwareOnBus(platform::LinuxPlaces().wmi_devices).state;
+    return {
+        .nothing_discovered = firmware == platform::FirmwareSearch::NotAllowed
+                                  ? "those of the embedded controller are root's, 'sudo zarnctl devices' looks for them"
+                                  : "'zarnctl doctor' tells why, --machine drives a simulated notebook",
+        .switches = "'zarnctl config' shows where it is set",
+        .no_log = kNoLog,
+        .no_hid_devices =
+            has_nodes ? "plug the keyboard in" : "this kernel has no hidraw: /sys/class/hidraw is missing",
+        .may_not_open = "plug it in again once the package's udev rule is installed, or run as root",
+        .may_not_open_keys =
+            std::string("what is typed comes out of it, too, so it is root's: run as root, or let whoever "
+                        "sits here use it and read every key: 'sudo install -Dm644 /dev/null ") +
+            platform::kSharedKeyboards + "', then plug it in again or restart",
+        .no_node = "plug it in again; a container must be given its node in /dev",
+        .no_answer = "plug it in again",
+        .no_table = has_table ? "run as root, to whom alone the kernel shows it"
+                              : "this computer's kernel has none in /sys/firmware/dmi; HID keyboards need none",
+        .no_record = "this is no notebook of the family; HID keyboards need none"};
   }
 
   void LookAtDevices(Symptoms& symptoms) const override {
     LayerHardware::LookAtDevices(symptoms);
+    const platform::FirmwareOnBus firmware = platform::FindFirmwareOnBus(platform::LinuxPlaces().wmi_devices);
+    symptoms.firmware = TroubleWith(firmware, {});
+    if (!firmware.driver.empty()) {
+      symptoms.firmware_note = "the kernel's driver " + firmware.driver + " uses it, too, and may change the lights";
+    }
     for (const platform::HidDevice& device : platform::CurrentMachine()->HidDevices()) {
       const auto access = AccessTo(platform::ParseReportDescriptor(device.report_descriptor));
       if (access != platform::LightingAccess::LightsAndKeys) continue;
