@@ -18,6 +18,7 @@
 namespace platform {
 namespace {
 
+namespace fs = std::filesystem;
 using namespace std::chrono_literals;  // NOLINT(google-build-using-namespace): what literals are for
 using Clock = std::chrono::steady_clock;
 
@@ -135,20 +136,19 @@ AcpiAnswer ReadAcpiAnswer(std::string_view text) {
   return bytes ? AcpiAnswer{S_OK, *std::move(bytes)} : Failure(WBEM_E_FAILED);
 }
 
-bool KernelIsStrict(const AcpiCallPlaces& places) {
-  const auto options = ReadFile(places.kernel_options);
+bool KernelIsStrict(const fs::path& kernel_options) {
+  const auto options = ReadFile(kernel_options);
   if (!options) return false;
   const std::string words = " " + std::string(options->begin(), options->end()) + " ";
   return words.find(" acpi=strict") != std::string::npos;
 }
 
-AcpiAnswer CallAcpi(const AcpiCallPlaces& places, const std::string& method, std::size_t instance, std::uint32_t id,
+AcpiAnswer CallAcpi(const fs::path& module, const std::string& method, std::size_t instance, std::uint32_t id,
                     std::span<const std::uint8_t> input) {
   const std::string text = CallText(method, instance, id, input);
   if (text.size() > kLongestCall) return Failure(WBEM_E_INVALID_PARAMETER);
-  if (KernelIsStrict(places)) return Failure(WBEM_E_PROVIDER_LOAD_FAILURE);
   FileDescriptor file;
-  if (const int code = file.Open(places.file, O_RDWR)) {
+  if (const int code = file.Open(module, O_RDWR)) {
     return code == EACCES || code == EPERM ? Failure(WBEM_E_ACCESS_DENIED) : Failure(WBEM_E_PROVIDER_LOAD_FAILURE);
   }
   if (!LockFile(file.Get())) return Failure(WBEM_E_SERVER_TOO_BUSY);

@@ -14,12 +14,12 @@
 namespace platform {
 
 struct AcpiCallPlaces {
-  std::filesystem::path file = "/proc/acpi/call";
+  std::filesystem::path module = "/proc/acpi/call";
   std::filesystem::path kernel_options = "/proc/cmdline";
 };
 
 struct AcpiAnswer {
-  /// WBEM_E_PROVIDER_LOAD_FAILURE when the module is not loaded or not safe, WBEM_E_ACCESS_DENIED when this process may
+  /// WBEM_E_PROVIDER_LOAD_FAILURE when the module is not loaded, WBEM_E_ACCESS_DENIED when this process may
   /// not use it, WBEM_E_SERVER_TOO_BUSY when another program kept the lock for 5 s, WBEM_E_INVALID_PARAMETER when the
   /// input is longer than the module takes, WBEM_E_FAILED when the firmware failed or answered nothing of use.
   HRESULT status = S_OK;
@@ -28,15 +28,16 @@ struct AcpiAnswer {
   Bytes bytes;
 };
 
-/// Runs `method`, a path from the root of the firmware's name space, with an instance's number, a method's number and
-/// bytes. May block: nobody can end a method that hangs inside the kernel. Any thread, several at once.
-AcpiAnswer CallAcpi(const AcpiCallPlaces& places, const std::string& method, std::size_t instance, std::uint32_t id,
-                    std::span<const std::uint8_t> input);
+/// Writes a call into the file `module`. Runs `method`, a path from the root of the firmware's name space, with an
+/// instance's number, a method's number and bytes. May block: nobody can end a method that hangs inside the kernel. Any
+/// thread, several at once.
+AcpiAnswer CallAcpi(const std::filesystem::path& module, const std::string& method, std::size_t instance,
+                    std::uint32_t id, std::span<const std::uint8_t> input);
 
 /// The answer in the module's text, "{0x01, 0x02}", "0x1f" or "[0x1f, {0x01, 0x02}]".
 AcpiAnswer ReadAcpiAnswer(std::string_view text);
 
-/// With this option of the kernel, the module crashes when a method answers nothing.
-bool KernelIsStrict(const AcpiCallPlaces& places);
+/// Whether the kernel runs with an option by which the module crashes when a method answers nothing.
+bool KernelIsStrict(const std::filesystem::path& kernel_options);
 
 }  // namespace platform

@@ -27,7 +27,10 @@ std::optional<std::pair<std::uint8_t, std::uint8_t>> VersionIn(const Bytes& entr
 
 std::shared_ptr<Machine> MakeThisComputer() { return std::make_shared<LinuxMachine>(); }
 
-LinuxMachine::LinuxMachine(LinuxPlaces places) : places_(std::move(places)), settings_(places_.settings) {}
+LinuxMachine::LinuxMachine(LinuxPlaces places)
+    : places_(std::move(places)),
+      settings_(places_.settings),
+      kernel_is_strict_(KernelIsStrict(places_.acpi_call.kernel_options)) {}
 
 bool LinuxMachine::HasRegistryKey(std::wstring_view key) { return settings_.HasKey(key); }
 
@@ -82,10 +85,11 @@ FirmwareAnswer LinuxMachine::CallFirmware(const std::wstring& instance_name, con
   if (instance == firmware->instances.end() || called == firmware->methods.end()) {
     return {Status(WBEM_E_NOT_FOUND), {}};
   }
+  if (kernel_is_strict_) return {Status(WBEM_E_PROVIDER_LOAD_FAILURE), {}};
   const auto input = PackInput(*called, in);
   if (!input) return {Status(WBEM_E_INVALID_PARAMETER), {}};
   const AcpiAnswer answer =
-      CallAcpi(places_.acpi_call, firmware->acpi_method,
+      CallAcpi(places_.acpi_call.module, firmware->acpi_method,
                static_cast<std::size_t>(instance - firmware->instances.begin()), *called->id, *input);
   if (FAILED(answer.status)) return {answer.status, {}};
   return {S_OK, UnpackOutput(*called, answer.bytes)};

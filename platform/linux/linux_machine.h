@@ -36,7 +36,8 @@ class LinuxMachine final : public Machine {
   std::optional<SmbiosTable> ReadSmbiosTable() override;
   /// Needs the right to read the firmware's binary MOF, which root alone has. Once found, the class stays.
   std::optional<FirmwareClass> FindFirmwareClass() override;
-  /// Needs root and the kernel's module acpi_call: see CallAcpi for what fails, and when it blocks.
+  /// Needs root and the kernel's module acpi_call: see CallAcpi for what fails, and when it blocks. Where the module
+  /// could crash, it fails like without it.
   FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,
                               const NamedValues& in) override;
   std::vector<HidDevice> HidDevices() override;
@@ -47,6 +48,7 @@ class LinuxMachine final : public Machine {
 
   const LinuxPlaces places_;
   Settings settings_;
+  const bool kernel_is_strict_;
   std::mutex lock_;
   std::shared_ptr<const FirmwareOnBus> firmware_;  // guarded by lock_; null until it was found
   const std::shared_ptr<RestingDevices> resting_ = std::make_shared<RestingDevices>();

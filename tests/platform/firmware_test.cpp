@@ -152,9 +152,9 @@ class FirmwareOnBusTest : public ::testing::Test {
   platform::FirmwareOnBus Find() const { return platform::FindFirmwareOnBus(places.wmi_devices); }
   /// All of the call's text, which replaces what was in the file.
   std::string Call(const wchar_t* method, const Value& input) {
-    Write(places.acpi_call.file, "");
+    Write(places.acpi_call.module, "");
     machine.CallFirmware(L"ACPI\\PNP0C14\\ZGF_1", method, {{L"gmInput", input}});
-    return test::ContentOf(places.acpi_call.file);
+    return test::ContentOf(places.acpi_call.module);
   }
 
   const test::TemporaryFolder temporary;
@@ -215,20 +215,20 @@ TEST_F(FirmwareOnBusTest, CallsAreWordsInAFile) {
                                       {L"NoSuchMethod", 1}})
     EXPECT_EQ(Call(method, input), "") << method;
 
-  const auto status = [this] {
-    return machine.CallFirmware(L"ACPI\\PNP0C14\\ZGF_0", L"GetGamingLED", {{L"gmInput", L"16"}}).status;
+  const auto status = [](platform::Machine& used) {
+    return used.CallFirmware(L"ACPI\\PNP0C14\\ZGF_0", L"GetGamingLED", {{L"gmInput", L"16"}}).status;
   };
-  EXPECT_EQ(status(), WBEM_E_FAILED) << "an answer that is none";
+  EXPECT_EQ(status(machine), WBEM_E_FAILED) << "an answer that is none";
   Write(places.acpi_call.kernel_options, "quiet acpi=strict panic=1\n");
-  EXPECT_EQ(status(), WBEM_E_PROVIDER_LOAD_FAILURE) << "a method without an answer would crash the module";
-  fs::remove(places.acpi_call.kernel_options);
+  platform::LinuxMachine strict(places);
+  EXPECT_EQ(status(strict), WBEM_E_PROVIDER_LOAD_FAILURE) << "the module could crash";
   fs::permissions(folder, fs::perms::all);
-  fs::permissions(places.acpi_call.file, fs::perms::none);
+  fs::permissions(places.acpi_call.module, fs::perms::none);
   std::ignore = seteuid(65534);
-  EXPECT_EQ(status(), WBEM_E_ACCESS_DENIED);
+  EXPECT_EQ(status(machine), WBEM_E_ACCESS_DENIED);
   std::ignore = seteuid(getuid());
-  fs::remove(places.acpi_call.file);
-  EXPECT_EQ(status(), WBEM_E_PROVIDER_LOAD_FAILURE);
+  fs::remove(places.acpi_call.module);
+  EXPECT_EQ(status(machine), WBEM_E_PROVIDER_LOAD_FAILURE);
 }
 
 }  // namespace

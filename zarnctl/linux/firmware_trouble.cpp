@@ -73,11 +73,11 @@ Trouble TroubleWithModule(const ModulePlaces& places) {
 Trouble TroubleWith(const platform::FirmwareOnBus& firmware, const ModulePlaces& places) {
   if (firmware.state != FirmwareSearch::Found) return TroubleWithSearch(firmware);
   std::error_code error;
-  if (!fs::exists(places.acpi_call.file, error)) return TroubleWithModule(places);
-  if (faccessat(AT_FDCWD, places.acpi_call.file.c_str(), R_OK | W_OK, AT_EACCESS) != 0) {
+  if (!fs::exists(places.acpi_call.module, error)) return TroubleWithModule(places);
+  if (faccessat(AT_FDCWD, places.acpi_call.module.c_str(), R_OK | W_OK, AT_EACCESS) != 0) {
     return {"this user may not call the firmware", kAsRoot};
   }
-  if (platform::KernelIsStrict(places.acpi_call)) {
+  if (platform::KernelIsStrict(places.acpi_call.kernel_options)) {
     return {"the kernel runs with acpi=strict, and its module acpi_call then crashes when a method answers nothing",
             "start the kernel without that option"};
   }
