@@ -45,6 +45,7 @@ class KernelRoad final : public Road {
     notebook_ = notebook;
     firmware_.emplace();
     EmulatedFirmware::AnswerLights(LightsOf(profile));
+    CallModule("\\_SB.WZRN.TRES 0");  // what a test before may have set
   }
   void Settle() override { keyboards_->Settle(); }
   void CatchUp() override {
