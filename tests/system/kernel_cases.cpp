@@ -32,7 +32,9 @@ class KernelCase : public Case {
     const std::string out = folder.path() / "out";
     const pid_t child = fork();
     if (child == 0) {
-      if (std::freopen(out.c_str(), "w", stdout) == nullptr || setuid(user) != 0) _exit(126);
+      if (std::freopen(out.c_str(), "w", stdout) == nullptr || setgid(user) != 0 || setuid(user) != 0) {
+        _exit(126);
+      }
       execl("/bin/busybox", "sh", "-c", (command + " 2>&1").c_str(), nullptr);
       _exit(127);
     }
@@ -122,6 +124,31 @@ TEST_F(KernelCase, TheRecordComesFromTheComputersOwnTableAndZarnctlDrivesItsFirm
                    "20: 00 00 32 00 00 00 00 00 03 01 00 00 00 00 00 00", "6: 01 ff 00 00 00 00 00 00",
                    "6: 02 00 00 00 00 00 00 00", "6: 04 00 00 00 00 00 00 00", "6: 08 00 ff 01 00 00 00 00",
                    "4: 10 00 00 00", "20: 02 05 32 00 02 00 00 00 03 03 00 00 00 00 00 00"}));
+}
+
+TEST_F(KernelCase, ZarnctlSaysWhatKeepsTheFirmwareFromBeingCalledAndRecordsWhatItDescribes) {
+  Start(HidProfile(1, 0));
+  Unplug();
+  const std::string about = "firmware class ZarnGamingFunction: ";
+  const std::string may_not =
+      "this user may not read what the firmware describes; run as root: 'sudo zarnctl doctor'\n";
+  EXPECT_NE(Zarnctl("doctor").find("fine     " + about + "there\n"), std::string::npos);
+  EXPECT_NE(Zarnctl("doctor", 65534).find("missing  " + about + "not there, " + may_not), std::string::npos);
+  EXPECT_EQ(Zarnctl("set ZarnECKeyboard --mode wave", 65534),
+            "zarnctl: discovery reports no lighting device on this computer; those of the embedded controller are "
+            "root's, 'sudo zarnctl devices' looks for them\nexit code 3\n");
+  Run("rmmod acpi_call");
+  EXPECT_NE(Zarnctl("doctor").find("missing  " + about + "there, but the kernel's module acpi_call is not installed"),
+            std::string::npos);
+  EXPECT_NE(Zarnctl("leds ZarnECKeyboard ff0000")
+                .find("zarnctl: the kernel cannot call the firmware; 'zarnctl doctor' tells what to do\nexit code 4\n"),
+            std::string::npos);
+  EXPECT_EQ(Run("insmod /modules/acpi_call.ko"), "exit code 0\n");
+  EXPECT_EQ(Zarnctl("record /tmp/recorded"),
+            "written; 'zarnctl --machine /tmp/recorded demo' plays it back\nexit code 0\n");
+  EXPECT_NE(ContentOf("/tmp/recorded").find("'20 SetGamingKBBacklight(in uint8 gmInput[16], out uint32 gmOutput)'"),
+            std::string::npos)
+      << ContentOf("/tmp/recorded");
 }
 
 TEST_F(KernelCase, WithoutTheRightToOpenANodeThereIsNoKeyboard) {
@@ -249,7 +276,9 @@ TEST_F(KernelCase, ThePackageTakesBackWhatItsRuleHadGiven) {
   for (const std::string& node : nodes) GiveToNobody(node, "G:uaccess\nG:zarn\nQ:uaccess\nQ:zarn\n");
   EXPECT_EQ(run("upgrade 0.2.0; . /postrm", nodes[0]), "exit code 0\n");
   EXPECT_EQ(usable(), (std::vector{true, true}));
+  EXPECT_EQ(Run("mkdir -p /etc/modules-load.d && echo acpi_call >/etc/modules-load.d/zarn.conf"), "exit code 0\n");
   run("remove; . /postrm", nodes[0]);
+  EXPECT_FALSE(std::filesystem::exists("/etc/modules-load.d/zarn.conf"));
   EXPECT_EQ(usable(), (std::vector{false, true})) << "the second one is another rule's, too";
 }
 
