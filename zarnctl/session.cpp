@@ -32,7 +32,7 @@ const Discovery& Session::Discovered() {
 
 const std::vector<std::string>& Session::Names() {
   if (Discovered().names.empty()) {
-    Complain(hardware_.TakeRefusals());
+    Tell(hardware_.TakeRefusals());
     std::string lights;
     for (const Panel& panel : hardware_.Panels()) lights += (lights.empty() ? "" : ", ") + panel.name;
     throw Complaint(ExitCode::NothingThere, "discovery reports no lighting device on " + hardware_.Name() +
@@ -52,7 +52,7 @@ const std::string& Session::FindName(const std::string& wanted) {
 
 Device Session::Create(const std::string& name) {
   Device device = Checked(LoadedPlugin().Create(name));
-  refused_ = Complain(hardware_.TakeRefusals()) || refused_;
+  refused_ = Tell(hardware_.TakeRefusals()) || refused_;
   return device;
 }
 
@@ -71,7 +71,14 @@ ExitCode Session::Push(Device& device, const std::string& name, bool quietly) {
   }
   if (!quietly) Draw(records);
   if (sends_nothing) Complain(mode.label + ": " + name + " has no colours per LED, the lights stay as they were");
-  return Complain(exchanges.failures) ? ExitCode::Refused : ExitCode::Done;
+  return Tell(exchanges.failures) ? ExitCode::Refused : ExitCode::Done;
+}
+
+bool Session::Tell(const std::vector<std::string>& failures) {
+  for (const std::string& line : failures) {
+    if (told_.insert(line).second) Complain(line);
+  }
+  return !failures.empty();
 }
 
 void Session::Draw(const ControllerRecords& records) const {

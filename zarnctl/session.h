@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -37,12 +38,15 @@ class Session {
 
  private:
   const zarn::host::Plugin& LoadedPlugin();
+  /// Complains of what it has not complained of before. Whether there was any failure.
+  bool Tell(const std::vector<std::string>& failures);
 
   Hardware& hardware_;
   const std::filesystem::path plugin_file_;
   std::optional<zarn::host::Plugin> plugin_;
   std::optional<zarn::host::Discovery> discovery_;
   bool refused_ = false;
+  std::set<std::string> told_;
 };
 
 /// Whether the device shows colours per LED. The whole-device light runs effects alone, although its description has an
