@@ -11,6 +11,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "tests/support/hex.h"
+
 namespace test {
 namespace {
 
@@ -19,14 +21,6 @@ constexpr unsigned long kKeptCalls = 32;
 constexpr std::ptrdiff_t kInput = 4;  // of a record, behind instance, method, type and length
 
 unsigned long CallCount() { return std::stoul(CallModule(std::string(kDevice) + "TCNT"), nullptr, 16); }
-
-/// The bytes of "{0x01, 0x02}".
-std::vector<std::uint8_t> BytesIn(const std::string& text) {
-  std::vector<std::uint8_t> bytes;
-  for (std::size_t at = text.find("0x"); at != std::string::npos; at = text.find("0x", at + 1))
-    bytes.push_back(static_cast<std::uint8_t>(std::stoul(text.substr(at + 2, 2), nullptr, 16)));
-  return bytes;
-}
 
 /// As two digits a byte, with `before` in front of each.
 std::string InHex(const std::vector<std::uint8_t>& bytes, const std::string& before) {
@@ -58,8 +52,8 @@ std::vector<EmulatedFirmware::Call> EmulatedFirmware::Take() {
   EXPECT_LE(count - taken_, kKeptCalls) << "the oldest calls are lost";
   std::vector<Call> calls;
   for (; taken_ < count; ++taken_) {
-    const std::vector<std::uint8_t> record =
-        BytesIn(CallModule(std::string(kDevice) + "TGET " + std::to_string(taken_)));
+    const std::string text = CallModule(std::string(kDevice) + "TGET " + std::to_string(taken_));
+    const std::vector<std::uint8_t> record = Hex(text.substr(1));  // behind the brace
     const std::ptrdiff_t length = std::min<std::ptrdiff_t>(record.at(3), 28);
     calls.push_back({record[1], {record.begin() + kInput, record.begin() + kInput + length}});
   }
