@@ -162,7 +162,7 @@ bool ReadInstance(const toml::node& node, Profile& profile) { return Assign(Text
 /// Each is a number, a name and parameters in parentheses.
 bool ReadMethods(const toml::node& node, Profile& profile) {
   const toml::array* const array = node.as_array();
-  if (array == nullptr || array->size() > kMostMethods) return false;
+  if (array == nullptr || array->empty() || array->size() > kMostMethods) return false;
   for (const toml::node& element : *array) {
     const auto text = element.value_exact<std::string>();
     if (!text || MethodName(*text).empty()) return false;
@@ -214,7 +214,7 @@ using Hid = HidKeyboard::Settings;
 constexpr Field<Profile> kFirmware[] = {
     {"version", "text like \"2.91\", both numbers from 0 to 255", ReadVersion, true},
     {"instance", "text, empty for no firmware class", ReadInstance},
-    {"methods", "at most 1000 texts like \"2 SetGamingLED(in uint8 gmInput[8], out uint32 gmOutput)\"", ReadMethods},
+    {"methods", "1 to 1000 texts like \"2 SetGamingLED(in uint8 gmInput[], out uint32 gmOutput)\"", ReadMethods},
     {"record", "6 to 255 numbers from 0 to 255, a structure of type 172", ReadRecord},
     {"latency_ms", "a whole number from 0 to 10000", ReadNumber<0, 10000, &Profile::firmware_latency_ms>},
 };
@@ -330,8 +330,9 @@ Profile ReadProfile(const toml::table& root) {
 std::string_view MethodName(std::string_view declaration) {
   const std::size_t begin = declaration.find_first_not_of("0123456789");
   const std::size_t end = declaration.find('(');
-  const bool sound = begin != 0 && begin < end && end != std::string_view::npos && declaration[begin] == ' ';
-  return sound ? declaration.substr(begin + 1, end - begin - 1) : std::string_view();
+  if (begin == 0 || begin >= end || end == std::string_view::npos || declaration[begin] != ' ') return {};
+  const std::string_view name = declaration.substr(begin + 1, end - begin - 1);
+  return name.find(' ') == std::string_view::npos ? name : std::string_view();
 }
 
 Profile LoadProfile(const std::filesystem::path& file) { return ParseProfile(ReadFile(file), file.string()); }

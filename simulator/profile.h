@@ -34,7 +34,7 @@ struct Profile {
   std::wstring user_name;
   /// The name of the firmware's instance. Empty: there is no firmware class.
   std::wstring firmware_instance;
-  /// The class's methods as real firmware described them, "2 SetGamingLED(in uint8 gmInput[8], out uint32 gmOutput)".
+  /// The class's methods as real firmware described them, "2 SetGamingLED(in uint8 gmInput[], out uint32 gmOutput)".
   /// Only those are there. Empty: all that the simulator knows, undescribed.
   std::vector<std::string> firmware_methods;
 };

@@ -62,7 +62,7 @@ ExitCode Session::Push(Device& device, const std::string& name, bool quietly) {
   const ModeRecord& mode = records.mode_list.at(static_cast<std::size_t>(records.current_mode));
   const bool sends_nothing = mode.color_source == ColorSource::PerLedColors && !LightsLeds(name);
   Exchanges exchanges = hardware_.TakeExchanges(name);
-  if (exchanges.none && !sends_nothing) {
+  if (exchanges.none && !sends_nothing && exchanges.failures.empty()) {
     exchanges.failures = {"nothing was sent to " + name + "; 'zarnctl doctor' tells why"};
   }
   if (!quietly && hardware_.Panels().empty()) {

@@ -30,7 +30,7 @@ constexpr std::size_t kAnswerBuffer = 512;   // for all of it at once, or the mo
 
 AcpiAnswer Failure(auto code) { return {Status(code), {}}; }
 
-/// A signal may end any wait, but not a method.
+/// Asks again and again, because a wait inside flock has no limit.
 bool LockFile(int file) {
   const Clock::time_point end = Clock::now() + kPatience;
   while (flock(file, LOCK_EX | LOCK_NB) != 0) {
@@ -49,8 +49,8 @@ std::optional<std::string> ReadText(int file, std::size_t place = 0) {
   return std::string(text.substr(0, text.find('\0')));
 }
 
-/// The module forgets an answer when somebody reads on behind its end. Otherwise a call that it cannot read would get
-/// the answer of the call before.
+/// When the module cannot parse a call, it leaves the last answer in place. It forgets an answer when somebody reads on
+/// behind the end.
 void Forget(int file) {
   if (const auto text = ReadText(file)) ReadText(file, text->size() + 1);
 }
@@ -136,19 +136,19 @@ AcpiAnswer ReadAcpiAnswer(std::string_view text) {
   return bytes ? AcpiAnswer{S_OK, *std::move(bytes)} : Failure(WBEM_E_FAILED);
 }
 
-bool KernelIsStrict(const fs::path& kernel_options) {
-  const auto options = ReadFile(kernel_options);
+bool KernelIsStrict(const fs::path& command_line) {
+  const auto options = ReadFile(command_line);
   if (!options) return false;
   const std::string words = " " + std::string(options->begin(), options->end()) + " ";
   return words.find(" acpi=strict") != std::string::npos;
 }
 
-AcpiAnswer CallAcpi(const fs::path& module, const std::string& method, std::size_t instance, std::uint32_t id,
+AcpiAnswer CallAcpi(const fs::path& call_file, const std::string& method, std::size_t instance, std::uint32_t id,
                     std::span<const std::uint8_t> input) {
   const std::string text = CallText(method, instance, id, input);
   if (text.size() > kLongestCall) return Failure(WBEM_E_INVALID_PARAMETER);
   FileDescriptor file;
-  if (const int code = file.Open(module, O_RDWR)) {
+  if (const int code = file.Open(call_file, O_RDWR)) {
     return code == EACCES || code == EPERM ? Failure(WBEM_E_ACCESS_DENIED) : Failure(WBEM_E_PROVIDER_LOAD_FAILURE);
   }
   if (!LockFile(file.Get())) return Failure(WBEM_E_SERVER_TOO_BUSY);

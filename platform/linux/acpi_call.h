@@ -14,8 +14,8 @@
 namespace platform {
 
 struct AcpiCallPlaces {
-  std::filesystem::path module = "/proc/acpi/call";
-  std::filesystem::path kernel_options = "/proc/cmdline";
+  std::filesystem::path call_file = "/proc/acpi/call";
+  std::filesystem::path command_line = "/proc/cmdline";  // the kernel's
 };
 
 struct AcpiAnswer {
@@ -28,16 +28,16 @@ struct AcpiAnswer {
   Bytes bytes;
 };
 
-/// Writes a call into the file `module`. Runs `method`, a path from the root of the firmware's name space, with an
+/// Runs `method` through `call_file`: a path from the root of the firmware's name space, with an
 /// instance's number, a method's number and bytes. May block: nobody can end a method that hangs inside the kernel. Any
 /// thread, several at once.
-AcpiAnswer CallAcpi(const std::filesystem::path& module, const std::string& method, std::size_t instance,
+AcpiAnswer CallAcpi(const std::filesystem::path& call_file, const std::string& method, std::size_t instance,
                     std::uint32_t id, std::span<const std::uint8_t> input);
 
 /// The answer in the module's text, "{0x01, 0x02}", "0x1f" or "[0x1f, {0x01, 0x02}]".
 AcpiAnswer ReadAcpiAnswer(std::string_view text);
 
 /// Whether the kernel runs with an option by which the module crashes when a method answers nothing.
-bool KernelIsStrict(const std::filesystem::path& kernel_options);
+bool KernelIsStrict(const std::filesystem::path& command_line);
 
 }  // namespace platform

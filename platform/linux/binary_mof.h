@@ -48,7 +48,7 @@ struct MofParameter {
   const MofType* type = nullptr;  // never null in what was read
   bool is_array = false;
   std::optional<std::uint32_t> length = {};  // of an array, where it is fixed
-  bool is_input = false;                     // else it is output; what is both stands there twice
+  bool is_input = false;                     // else it is output; one that is both appears twice
 };
 
 struct MofMethod {
@@ -70,7 +70,7 @@ struct BinaryMof {
 
 BinaryMof ReadBinaryMof(std::span<const std::uint8_t> blob);
 
-/// "2 SetGamingLED(in uint8 gmInput[8], out uint32 gmOutput)"
+/// "2 SetGamingLED(in uint8 gmInput[], out uint32 gmOutput)"
 std::string Described(const MofMethod& method);
 
 }  // namespace platform

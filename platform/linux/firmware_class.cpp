@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 constexpr std::wstring_view kClassName = L"ZarnGamingFunction";
 constexpr std::string_view kBlobGuid = "05901221-D566-11D1-B2F0-00A0C9062910";
-constexpr std::size_t kLongestBlob = std::size_t{256} << 10;  // in bytes; real ones have up to 11,000
+constexpr std::size_t kLongestBlob = std::size_t{256} << 10;  // in bytes; of 54 real ones the longest has 10,870
 constexpr std::size_t kLongestText = 256;                     // of an attribute, in bytes
 constexpr std::size_t kMostObjects = 1000;
 constexpr std::size_t kMostInstances = 255;  // as many as the firmware's own table can have
@@ -54,7 +54,7 @@ std::string Capitals(std::string text) {
   return text;
 }
 
-/// An object tells its device three folders above its own: the bus's folder, a folder for its kind, the device.
+/// The device's folder is three above the object's: between them are the bus's and one for its kind.
 std::optional<Object> ReadObject(const fs::path& place) {
   const fs::path node = place / "../../../firmware_node";
   Object object{place,

@@ -1,8 +1,9 @@
 /// The firmware class ZarnGamingFunction, as this computer's firmware publishes it on the kernel's WMI bus.
 ///
 /// The bus shows an object for each GUID of each management device of the firmware, and says by which method it is
-/// reached. What the methods are called, which numbers they have and what they take stands in the device's binary MOF.
-/// Nothing is guessed: a method counts only if the blob names it and the same device has the class's GUID.
+/// reached. What the methods are called, which numbers they have and what they take stands in the device's description,
+/// a binary MOF. Nothing is guessed: a method counts only if the description names it and the same device has the
+/// class's GUID.
 #pragma once
 
 #include <filesystem>
@@ -13,7 +14,8 @@
 
 namespace platform {
 
-/// What was found, or where the search ended. Of several devices the one counts that led furthest.
+/// Where the search ended, in the order of its steps. Of several devices the one counts that led furthest. Found does
+/// not mean that the methods can be called.
 enum class FirmwareSearch {
   NoBus,       // the kernel has none
   NoDevices,   // the firmware has no management device
@@ -28,7 +30,7 @@ enum class FirmwareSearch {
 
 struct FirmwareOnBus {
   FirmwareSearch state = FirmwareSearch::NoBus;
-  std::string detail = {};                   // of Unreadable: the blob and what is wrong with it; of NoGuid: the GUID
+  std::string detail = {};                   // of Unreadable: the file and what is wrong with it; of NoGuid: the GUID
   std::string acpi_method = {};              // "\\_SB.WMI0.WMZG", which runs all methods of the class
   std::vector<std::wstring> instances = {};  // named as Windows names them, "ACPI\PNP0C14\0_0"
   std::vector<MofMethod> methods = {};

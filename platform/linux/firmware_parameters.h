@@ -17,8 +17,8 @@ namespace platform {
 std::optional<Bytes> PackInput(const MofMethod& method, const NamedValues& in);
 
 /// The out-parameters in `answer`, as the management service hands them out: numbers of 64 bits as text, of 8 bits as
-/// VT_UI1, others as VT_I4. An array has what came of it. Of other values those are missing that are not all there, and
-/// all that stand behind one.
+/// VT_UI1, others as VT_I4. A short answer shortens an array. It leaves out a number that is incomplete, and all
+/// that stands behind that.
 NamedValues UnpackOutput(const MofMethod& method, std::span<const std::uint8_t> answer);
 
 }  // namespace platform

@@ -30,7 +30,7 @@ std::shared_ptr<Machine> MakeThisComputer() { return std::make_shared<LinuxMachi
 LinuxMachine::LinuxMachine(LinuxPlaces places)
     : places_(std::move(places)),
       settings_(places_.settings),
-      kernel_is_strict_(KernelIsStrict(places_.acpi_call.kernel_options)) {}
+      kernel_is_strict_(KernelIsStrict(places_.acpi_call.command_line)) {}
 
 bool LinuxMachine::HasRegistryKey(std::wstring_view key) { return settings_.HasKey(key); }
 
@@ -89,7 +89,7 @@ FirmwareAnswer LinuxMachine::CallFirmware(const std::wstring& instance_name, con
   const auto input = PackInput(*called, in);
   if (!input) return {Status(WBEM_E_INVALID_PARAMETER), {}};
   const AcpiAnswer answer =
-      CallAcpi(places_.acpi_call.module, firmware->acpi_method,
+      CallAcpi(places_.acpi_call.call_file, firmware->acpi_method,
                static_cast<std::size_t>(instance - firmware->instances.begin()), *called->id, *input);
   if (FAILED(answer.status)) return {answer.status, {}};
   return {S_OK, UnpackOutput(*called, answer.bytes)};

@@ -36,8 +36,8 @@ class LinuxMachine final : public Machine {
   std::optional<SmbiosTable> ReadSmbiosTable() override;
   /// Needs the right to read the firmware's binary MOF, which root alone has. Once found, the class stays.
   std::optional<FirmwareClass> FindFirmwareClass() override;
-  /// Needs root and the kernel's module acpi_call: see CallAcpi for what fails, and when it blocks. Where the module
-  /// could crash, it fails like without it.
+  /// Needs root and the kernel's module acpi_call: see CallAcpi for what fails, and when it blocks. With
+  /// acpi=strict it fails as if the module were missing.
   FirmwareAnswer CallFirmware(const std::wstring& instance_name, const std::wstring& method,
                               const NamedValues& in) override;
   std::vector<HidDevice> HidDevices() override;

@@ -45,7 +45,7 @@ struct FirmwareClass {
   struct Method {
     std::wstring name;
     bool has_input = true;
-    /// As the firmware describes it, "2 SetGamingLED(in uint8 gmInput[8], out uint32 gmOutput)"; empty where it does
+    /// As the firmware describes it, "2 SetGamingLED(in uint8 gmInput[], out uint32 gmOutput)"; empty where it does
     /// not.
     std::string declaration = {};
   };

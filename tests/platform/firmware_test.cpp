@@ -152,9 +152,9 @@ class FirmwareOnBusTest : public ::testing::Test {
   platform::FirmwareOnBus Find() const { return platform::FindFirmwareOnBus(places.wmi_devices); }
   /// All of the call's text, which replaces what was in the file.
   std::string Call(const wchar_t* method, const Value& input) {
-    Write(places.acpi_call.module, "");
+    Write(places.acpi_call.call_file, "");
     machine.CallFirmware(L"ACPI\\PNP0C14\\ZGF_1", method, {{L"gmInput", input}});
-    return test::ContentOf(places.acpi_call.module);
+    return test::ContentOf(places.acpi_call.call_file);
   }
 
   const test::TemporaryFolder temporary;
@@ -219,15 +219,15 @@ TEST_F(FirmwareOnBusTest, CallsAreWordsInAFile) {
     return used.CallFirmware(L"ACPI\\PNP0C14\\ZGF_0", L"GetGamingLED", {{L"gmInput", L"16"}}).status;
   };
   EXPECT_EQ(status(machine), WBEM_E_FAILED) << "an answer that is none";
-  Write(places.acpi_call.kernel_options, "quiet acpi=strict panic=1\n");
+  Write(places.acpi_call.command_line, "quiet acpi=strict panic=1\n");
   platform::LinuxMachine strict(places);
   EXPECT_EQ(status(strict), WBEM_E_PROVIDER_LOAD_FAILURE) << "the module could crash";
   fs::permissions(folder, fs::perms::all);
-  fs::permissions(places.acpi_call.module, fs::perms::none);
+  fs::permissions(places.acpi_call.call_file, fs::perms::none);
   std::ignore = seteuid(65534);
   EXPECT_EQ(status(machine), WBEM_E_ACCESS_DENIED);
   std::ignore = seteuid(getuid());
-  fs::remove(places.acpi_call.module);
+  fs::remove(places.acpi_call.call_file);
   EXPECT_EQ(status(machine), WBEM_E_PROVIDER_LOAD_FAILURE);
 }
 

@@ -62,26 +62,26 @@ base_info = [[0x35, 12], [0x31, 32]]
 update = []
 )"));
   EXPECT_EQ(profile.title, "All");
-EXPECT_EQ(profile.user_name, L"J\u00FCrgen");
-EXPECT_EQ(profile.firmware_instance, L"A\\B");
-const auto& [zones, light_bar, version, report, returned] = profile.ec;
-EXPECT_TRUE(zones == 3 && light_bar && version == (FirmwareVersion{3, 255}) && returned == 7);
-EXPECT_EQ(report, (std::vector<std::uint8_t>{0, 255}));
-EXPECT_EQ(profile.firmware_methods, std::vector<std::string>{"2 M(in uint8 b[])"});
-EXPECT_TRUE(profile.firmware_record && !profile.rgb_keyboard && profile.firmware_latency_ms == 10000);
-const std::wstring key = L"SOFTWARE\\OEM\\ZarnLightingService";
-EXPECT_EQ(profile.registry, (platform::RegistryValues{{key, {{L"HybridMode", {1, 0, 0xFF, 0xFF}}}},
-                                                      {key + L"\\Log", {{L"ZarnLightingService", {1, 0, 0, 0}}}}}));
-EXPECT_EQ(profile.environment, (decltype(profile.environment){{L"PROGRAMDATA", L"C:\\Data"}}));
-ASSERT_EQ(profile.hid_keyboards.size(), 2U);
-EXPECT_EQ(profile.hid_keyboards[0].zones, 65535);
-const HidKeyboard::Settings& all = profile.hid_keyboards[1];
-EXPECT_EQ(std::tuple(all.zones, all.effects, all.vendor, all.product, all.usage_page, all.usage, all.report_length),
-          std::tuple(16, 0xFFFFFFFF, 0xABCD, 0x1234, 0xFF00, 9, 8U));
-EXPECT_TRUE(all.other_collection && !all.plugged && !all.answers && all.claimed_ids == 200 && all.reply_id == 0x22);
-EXPECT_EQ(all.device_ids, (std::vector<std::uint8_t>{0x21, 1}));
-ASSERT_TRUE(all.base_info.size() == 2 && all.update.empty());
-EXPECT_TRUE(all.base_info[0].usage == 0x35 && all.base_info[0].bits == 12);
+  EXPECT_EQ(profile.user_name, L"J\u00FCrgen");
+  EXPECT_EQ(profile.firmware_instance, L"A\\B");
+  const auto& [zones, light_bar, version, report, returned] = profile.ec;
+  EXPECT_TRUE(zones == 3 && light_bar && version == (FirmwareVersion{3, 255}) && returned == 7);
+  EXPECT_EQ(report, (std::vector<std::uint8_t>{0, 255}));
+  EXPECT_EQ(profile.firmware_methods, std::vector<std::string>{"2 M(in uint8 b[])"});
+  EXPECT_TRUE(profile.firmware_record && !profile.rgb_keyboard && profile.firmware_latency_ms == 10000);
+  const std::wstring key = L"SOFTWARE\\OEM\\ZarnLightingService";
+  EXPECT_EQ(profile.registry, (platform::RegistryValues{{key, {{L"HybridMode", {1, 0, 0xFF, 0xFF}}}},
+                                                        {key + L"\\Log", {{L"ZarnLightingService", {1, 0, 0, 0}}}}}));
+  EXPECT_EQ(profile.environment, (decltype(profile.environment){{L"PROGRAMDATA", L"C:\\Data"}}));
+  ASSERT_EQ(profile.hid_keyboards.size(), 2U);
+  EXPECT_EQ(profile.hid_keyboards[0].zones, 65535);
+  const HidKeyboard::Settings& all = profile.hid_keyboards[1];
+  EXPECT_EQ(std::tuple(all.zones, all.effects, all.vendor, all.product, all.usage_page, all.usage, all.report_length),
+            std::tuple(16, 0xFFFFFFFF, 0xABCD, 0x1234, 0xFF00, 9, 8U));
+  EXPECT_TRUE(all.other_collection && !all.plugged && !all.answers && all.claimed_ids == 200 && all.reply_id == 0x22);
+  EXPECT_EQ(all.device_ids, (std::vector<std::uint8_t>{0x21, 1}));
+  ASSERT_TRUE(all.base_info.size() == 2 && all.update.empty());
+  EXPECT_TRUE(all.base_info[0].usage == 0x35 && all.base_info[0].bits == 12);
 }
 
 TEST_F(ProfileTest, EveryMistakeIsNamedWithItsLineAndRemedy) {
@@ -106,7 +106,7 @@ TEST_F(ProfileTest, EveryMistakeIsNamedWithItsLineAndRemedy) {
       {title + "\n[keyboard]\nzones = 4\n", "3: keyboard needs a firmware that drives it: [firmware]"},
       {firmware + "latency_ms = 10001\n", "4: latency_ms must be a whole number from 0 to 10000"},
       {firmware + "methods = ['SetGamingLED()']\n",
-       "4: methods must be at most 1000 texts like \"2 SetGamingLED(in uint8 gmInput[8], out uint32 gmOutput)\""},
+       "4: methods must be 1 to 1000 texts like \"2 SetGamingLED(in uint8 gmInput[], out uint32 gmOutput)\""},
       {keyboard + "zones = 2\n", "5: zones must be 0, 1, 3 or 4"},
       {hid + "zones = 1\nreport_length = 2\n", "4: report_length must be a whole number from 3 to 16384"},
       {hid + "zones = 1\nreport_length = 8\n", "2: report_length is too short, base_info and update need 12"},

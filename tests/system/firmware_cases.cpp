@@ -150,7 +150,7 @@ TEST_F(FirmwareCase, WhoeverIsNotRootReachesNothing) {
   ASSERT_TRUE(seteuid(0) == 0 && setegid(0) == 0);
 }
 
-TEST_F(FirmwareCase, ACallTakesLittleLongerThanTheModuleItself) {
+TEST_F(FirmwareCase, CallsInARowGetTheirOwnAnswersAndAreTimedBesideTheModuleItself) {
   constexpr int kCalls = 200;
   ASSERT_TRUE(Echoes({1, 2, 3, 4}));
   const double bare = SecondsOf([] {

@@ -2,6 +2,8 @@
 
 #include <sys/utsname.h>
 
+#include <set>
+
 #include "tests/support/machine_fixture.h"
 #include "tests/support/temporary_folder.h"
 #include "zarnctl/linux/firmware_trouble.h"
@@ -84,20 +86,23 @@ TEST_F(Doctor, WhatTheFirmwareLacks) {
   EXPECT_EQ(about_firmware({}), (std::vector<std::string>{colourless, there}));
   machine->SetSmbios({0xAC, 15, 1, 0, 2, 91, 8, 4, 0, 10, 2, 0, 23, 1, 0, 0, 0});
   machine->firmware.instance_names.clear();
+  const std::string colours =
+      "fine     SMBIOS structure of type 172: firmware 2.91, a keyboard with 4 zones in colour, a light bar";
+  const std::string about_class = "firmware class ZarnGamingFunction: there, but ";
+  EXPECT_EQ(about_firmware({"ZarnECKeyboard"}),
+            (std::vector<std::string>{colours, "missing  " + about_class + "without an instance to call"}));
+  machine->firmware.instance_names = {L"A"};
   EXPECT_EQ(about_firmware({"ZarnECKeyboard"}),
             (std::vector<std::string>{
-                "fine     SMBIOS structure of type 172: firmware 2.91, a keyboard with 4 zones in colour, a light bar",
-                "missing  firmware class ZarnGamingFunction: there, but without an instance to call",
+                colours, there,
                 "missing  light bar: announced, but the firmware's answer to GetGamingLED does not confirm it"}));
-  const auto line_about = [](const Symptoms& symptoms) {
-    for (const Finding& finding : Examine(symptoms, {})) {
-      if (finding.answer.starts_with("firmware class") && finding.kind != Finding::Kind::Note) return LineOf(finding);
-    }
-    return std::string();
-  };
-  machine->firmware.instance_names = {L"A"};
-  EXPECT_EQ(line_about({.firmware = {"its module is missing", "get it"}, .firmware_note = "somebody else uses it"}),
-            "missing  firmware class ZarnGamingFunction: there, but its module is missing; get it");
+  const std::vector<Finding> findings =
+      Examine({.firmware = {"its module is missing", "get it"}, .firmware_note = "somebody else uses it"}, {});
+  EXPECT_EQ(LineOf(findings.at(4)), "note     firmware class ZarnGamingFunction: somebody else uses it");
+  EXPECT_EQ(LineOf(findings.at(5)), "missing  " + about_class + "its module is missing; get it");
+  std::erase_if(machine->firmware.methods, [](const auto& method) { return method.name == L"SetGamingRgbKb"; });
+  EXPECT_EQ(about_firmware({}),
+            (std::vector<std::string>{colours, "missing  " + about_class + "without the method SetGamingRgbKb"}));
 }
 
 TEST(FirmwareTrouble, EachModuleThatIsMissingHasItsReasonAndRemedy) {
@@ -113,11 +118,11 @@ TEST(FirmwareTrouble, EachModuleThatIsMissingHasItsReasonAndRemedy) {
     EXPECT_NE(trouble.what.find(what), std::string::npos) << trouble.what;
     EXPECT_NE(trouble.remedy.find(remedy), std::string::npos) << trouble.remedy;
   };
-  expect_trouble("acpi_call is not installed", "sudo apt install acpi-call-dkms");
+  expect_trouble("acpi_call, which calls it, is not installed", "sudo apt install acpi-call-dkms");
   utsname kernel = {};
   uname(&kernel);
   write(std::string(kernel.release) + "/modules.dep", "kernel/a.ko:\nupdates/dkms/acpi_call.ko.xz:\n");
-  expect_trouble("acpi_call is not loaded", "'sudo modprobe acpi_call'");
+  expect_trouble("acpi_call, which calls it, is not loaded", "'sudo modprobe acpi_call'");
   write("lockdown", "none [integrity] confidentiality\n");
   expect_trouble("Secure Boot", "mokutil --import");
   write("call", "");
@@ -126,6 +131,12 @@ TEST(FirmwareTrouble, EachModuleThatIsMissingHasItsReasonAndRemedy) {
   write("options", "quiet\n");
   EXPECT_EQ(TroubleWith({platform::FirmwareSearch::Found}, places).what, "");
   EXPECT_EQ(TroubleWith({platform::FirmwareSearch::NotAllowed}, places).remedy, "run as root: 'sudo zarnctl doctor'");
+  std::set<std::string> told;
+  for (auto end = platform::FirmwareSearch::NoBus; end != platform::FirmwareSearch::Found;
+       end = static_cast<platform::FirmwareSearch>(static_cast<int>(end) + 1)) {
+    const auto [what, remedy] = TroubleWith({end, "DETAIL"}, places);
+    EXPECT_TRUE(told.insert(what).second && !remedy.empty()) << what;
+  }
 }
 
 }  // namespace

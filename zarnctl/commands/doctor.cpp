@@ -93,11 +93,10 @@ class Examination {
     }
     if (!symptoms_.firmware_note.empty()) Add(Kind::Note, name + symptoms_.firmware_note);
     if (!symptoms_.firmware.what.empty()) {
-      return Add(Kind::Missing,
-                 name + (instance.front() != 0 ? "there, but " : "not there, ") + symptoms_.firmware.what,
+      return Add(Kind::Missing, name + (instance.front() != 0 ? "there, but " : "") + symptoms_.firmware.what,
                  symptoms_.firmware.remedy);
     }
-    if (instance.front() != 0) return Add(Kind::Fine, name + "there");
+    if (instance.front() != 0) return ExamineFirmwareMethods(*definition.Get(), name);
     if (status == static_cast<HRESULT>(WBEM_E_ACCESS_DENIED)) {
       return Add(Kind::Missing, name + "this user may not use it", remedies_.may_not_open);
     }
@@ -113,7 +112,7 @@ class Examination {
           "set HybridMode to 0");
     }
     const auto reported = [this](const char* name) { return std::ranges::count(symptoms_.discovered, name) != 0; };
-    if (announced_.light_bar && reported("ZarnECKeyboard") && !reported("ZarnECGlobal")) {
+    if (firmware_is_fine_ && announced_.light_bar && reported("ZarnECKeyboard") && !reported("ZarnECGlobal")) {
       Add(Kind::Missing, "light bar: announced, but the firmware's answer to GetGamingLED does not confirm it");
     }
     std::string names;
@@ -127,6 +126,16 @@ class Examination {
  private:
   void Add(Kind kind, std::string answer, std::string remedy = "") {
     findings_.push_back({kind, std::move(answer), std::move(remedy)});
+  }
+
+  void ExamineFirmwareMethods(IWbemClassObject& definition, const std::string& name) {
+    for (const wchar_t* const method : {L"SetGamingLED", L"GetGamingLED", L"SetGamingKBBacklight", L"SetGamingRgbKb"}) {
+      ComPtr<IWbemClassObject> in;
+      if (definition.GetMethod(method, 0, in.Put(), nullptr) >= 0) continue;
+      return Add(Kind::Missing, name + "there, but without the method " + platform::ReadableUtf8(method));
+    }
+    firmware_is_fine_ = true;
+    Add(Kind::Fine, name + "there");
   }
 
   bool HasEcKeyboard() const { return announced_.keyboard && announced_.rgb_keyboard; }
@@ -208,6 +217,7 @@ class Examination {
   std::vector<Finding> findings_;
   AnnouncedLights announced_;
   bool has_hid_keyboard_ = false;
+  bool firmware_is_fine_ = false;
   std::set<std::tuple<USHORT, USHORT, USAGE>> identities_;
 };
 

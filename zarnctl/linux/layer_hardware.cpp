@@ -14,7 +14,7 @@
 namespace zarnctl {
 namespace {
 
-/// Attempts are repeated.
+/// The plug-in tries five times; one complaint is enough.
 void AddOnce(std::string line, std::vector<std::string>& lines) {
   if (std::ranges::count(lines, line) == 0) lines.push_back(std::move(line));
 }
@@ -24,11 +24,15 @@ std::string FirmwareFailure(const platform::JournalEntry& entry) {
   static constexpr std::pair<HRESULT, std::string_view> kReasons[] = {
       {platform::Status(WBEM_E_ACCESS_DENIED), "this user may not call the firmware; type sudo before the command"},
       {platform::Status(WBEM_E_PROVIDER_LOAD_FAILURE),
-       "the kernel cannot call the firmware; 'zarnctl doctor' tells what to do"},
+       "the kernel cannot call the firmware; 'sudo zarnctl doctor' tells what to do"},
       {platform::Status(WBEM_E_SERVER_TOO_BUSY), "another program has kept the firmware busy for 5 s; try again"}};
   const auto code = static_cast<HRESULT>(entry.code);
   const auto* const known = std::ranges::find(kReasons, code, [](const auto& reason) { return reason.first; });
-  return known != std::end(kReasons) ? std::string(known->second) : "the firmware refused " + entry.arguments;
+  if (known != std::end(kReasons)) return std::string(known->second);
+  return (code == platform::Status(WBEM_E_INVALID_PARAMETER)
+              ? "the firmware describes other parameters, so it was not called: "
+              : "the firmware refused ") +
+         entry.arguments;
 }
 
 std::string HidFailure(const platform::JournalEntry& entry) {

@@ -36,7 +36,7 @@ class LayerHardware : public Hardware {
   static constexpr const char* kNoLog =
       "the folder and those above it must be this user's or root's, with nobody else allowed to write there";
 
-  /// Lines: methods that the firmware should have. Nobody can call those.
+  /// A line for each method that the plug-in wanted and the firmware lacks.
   std::vector<std::string> TakeMissingMethods();
 
  private:

@@ -102,7 +102,8 @@ std::optional<Bytes> Read(platform::HidConnection& connection, std::uint8_t repo
 /// has no user, no path and no serial number.
 class Recorder {
  public:
-  explicit Recorder(platform::Machine& machine) : machine_(machine) {}
+  /// `trouble` keeps the firmware's methods from being seen or called; empty where nothing does.
+  Recorder(platform::Machine& machine, std::string trouble) : machine_(machine), trouble_(std::move(trouble)) {}
 
   /// A profile in TOML. Throws Complaint when the simulator would refuse it.
   std::string Record() {
@@ -142,6 +143,7 @@ class Recorder {
     toml::table firmware{{"version", std::to_string(record.biosMajor) + "." + std::to_string(record.biosMinor)},
                          {"record", Listed(structure)}};
     if (!has_methods) firmware.insert("instance", "");
+    if (!has_methods && !trouble_.empty()) Omit("the firmware's methods: " + trouble_);
     if (has_methods) RecordMethods(*firmware_class, firmware);
     profile_.insert("firmware", std::move(firmware));
     profile_.insert("keyboard", toml::table{{"zones", IsZoneCount(zones) ? zones : 0},
@@ -226,6 +228,7 @@ class Recorder {
   }
 
   platform::Machine& machine_;
+  const std::string trouble_;
   toml::table profile_{{"title", "Recorded"}};
   toml::array keyboards_;
   std::vector<std::string> omissions_;
@@ -235,7 +238,9 @@ class Recorder {
 
 ExitCode RunRecord(Session& session, const TypedValues& typed) {
   const std::string& file = *typed.Find("FILE");
-  Recorder recorder(*platform::CurrentMachine());
+  Symptoms symptoms;
+  session.hardware().LookAtDevices(symptoms);
+  Recorder recorder(*platform::CurrentMachine(), symptoms.firmware.what);
   WriteNewFile(PathFromUtf8(file), recorder.Record());
   session.hardware().TakeRefusals();  // the record tells what did not answer
   std::cout << "written; 'zarnctl --machine " << Harmless(file) << " demo' plays it back\n";

@@ -62,24 +62,24 @@ class ThisComputer final : public LayerHardware {
     const bool has_nodes = std::filesystem::exists("/sys/class/hidraw", error);
     const bool has_table = std::filesystem::exists("/sys/firmware/dmi/tables/DMI", error);
     const auto firmware = platform::FindFirmwareOnBus(platform::LinuxPlaces().wmi_devices).state;
-    return {
-        .nothing_discovered = firmware == platform::FirmwareSearch::NotAllowed
-                                  ? "those of the embedded controller are root's, 'sudo zarnctl devices' looks for them"
-                                  : "'zarnctl doctor' tells why, --machine drives a simulated notebook",
-        .switches = "'zarnctl config' shows where it is set",
-        .no_log = kNoLog,
-        .no_hid_devices =
-            has_nodes ? "plug the keyboard in" : "this kernel has no hidraw: /sys/class/hidraw is missing",
-        .may_not_open = "plug it in again once the package's udev rule is installed, or run as root",
-        .may_not_open_keys =
-            std::string("what is typed comes out of it, too, so it is root's: run as root, or let whoever "
-                        "sits here use it and read every key: 'sudo install -Dm644 /dev/null ") +
-            platform::kSharedKeyboards + "', then plug it in again or restart",
-        .no_node = "plug it in again; a container must be given its node in /dev",
-        .no_answer = "plug it in again",
-        .no_table = has_table ? "run as root, to whom alone the kernel shows it"
-                              : "this computer's kernel has none in /sys/firmware/dmi; HID keyboards need none",
-        .no_record = "this is no notebook of the family; HID keyboards need none"};
+    return {.nothing_discovered = firmware == platform::FirmwareSearch::NotAllowed
+                                      ? "the embedded controller's are shown to root alone: 'sudo zarnctl devices'"
+                                      : "'zarnctl doctor' tells why, --machine drives a simulated notebook",
+            .switches = "'zarnctl config' shows where it is set",
+            .no_log = kNoLog,
+            .no_hid_devices =
+                has_nodes ? "plug the keyboard in" : "this kernel has no hidraw: /sys/class/hidraw is missing",
+            .may_not_open = "plug it in again once the package's udev rule is installed, or run as root",
+            .may_not_open_keys =
+                std::string("what is typed comes out of it, too, so it is root's: run as root, or let whoever "
+                            "sits here use it and read every key: 'sudo install -Dm644 /dev/null ") +
+                platform::kSharedKeyboards + "', then plug it in again or restart",
+            .no_node = "plug it in again; a container must be given its node in /dev",
+            .no_answer = "plug it in again",
+            .no_table = has_table
+                            ? "run as root, to whom alone the kernel shows it"
+                            : "this computer's kernel has none in /sys/firmware/dmi; a HID keyboard works without",
+            .no_record = "this is no notebook of the family; a HID keyboard works without"};
   }
 
   void LookAtDevices(Symptoms& symptoms) const override {
