@@ -3,17 +3,7 @@
   binary_mof.py blob OUT [OTHER]      the blob of the device with lights, and the other device's
   binary_mof.py asl OUT TEMPLATE      the source of the firmware's table, from firmware.dsl.in
 
-Numbers have 32 bits, little endian. Texts are UTF-16LE and end in a zero. A SIZE counts itself.
-  blob       "FOMB" 1 PACKED_SIZE UNPACKED_SIZE, then the packed bytes
-  unpacked   "FOMB" SIZE 1 1 COUNT class*
-  class      SIZE 0 QUALIFIERS_SIZE SIZE_OF_BOTH_LISTS 0 qualifiers members methods
-  list       SIZE COUNT entry*
-  qualifier  SIZE TYPE 0 NAME_SIZE name value     (11 flag: 0xFFFF, 3: number, 8: text)
-  system     SIZE TYPE 0 NAME_SIZE -1 name value  (__CLASS and the like, after the members)
-  member     SIZE TYPE 0 -1 NAME_SIZE name qualifiers  (0x2000 marks an array)
-  method     SIZE 0x200D 0 NAME_SIZE SIZE_OF_NAME_AND_PARAMETERS name parameters qualifiers
-  parameters 1 1 COUNT SIZE_OF_THE_REST_AND_ITSELF (SIZE -1 0 SIZE_OF_LIST 1 members)*
-Each parameter has the qualifier ID (its place), and "in" or "out"; an array may have MAX, its length.
+The format stands at the head of platform/linux/binary_mof.h.
 """
 import struct
 import sys

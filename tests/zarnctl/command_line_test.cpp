@@ -265,6 +265,8 @@ TEST_F(CommandLine, ARecordPlaysBackWhatTheMachineWas) {
   EXPECT_EQ(Run("leds ZarnECKeyboard ff0000 --machine " + file).err,
             "zarnctl: the firmware has no method SetGamingKBBacklight\n"
             "zarnctl: the firmware has no method SetGamingRgbKb\n");
+  EXPECT_EQ(Run("set ZarnECKeyboard --mode wave --machine " + file).err,
+            "zarnctl: the firmware has no method SetGamingKBBacklight\n");
   const std::string lit = "set ZarnHIDKeyboard --mode wave --direction 1 --machine ";
   EXPECT_EQ(Run(lit + (folder_.path() / "narrow-fields").string()).out, Run(lit + "narrow-fields").out);
   const std::string there = WriteProfile("title = 'There'\n");
