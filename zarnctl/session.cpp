@@ -33,11 +33,12 @@ const Discovery& Session::Discovered() {
 const std::vector<std::string>& Session::Names() {
   if (Discovered().names.empty()) {
     Tell(hardware_.TakeRefusals());
+    const Remedies remedies = hardware_.RemediesHere();
     std::string lights;
     for (const Panel& panel : hardware_.Panels()) lights += (lights.empty() ? "" : ", ") + panel.name;
     throw Complaint(ExitCode::NothingThere, "discovery reports no lighting device on " + hardware_.Name() +
                                                 (lights.empty() ? "" : " (" + lights + ")") + "; " +
-                                                hardware_.RemediesHere().nothing_discovered);
+                                                remedies.nothing_discovered + remedies.hidden);
   }
   return Discovered().names;
 }
@@ -47,7 +48,8 @@ const std::string& Session::FindName(const std::string& wanted) {
   for (const std::string& name : names) {
     if (EqualWithoutCase(name, wanted)) return name;
   }
-  throw Complaint(ExitCode::NothingThere, wanted + ": no such device; there is " + Alternatives(names));
+  throw Complaint(ExitCode::NothingThere,
+                  wanted + ": no such device; there is " + Alternatives(names) + hardware_.RemediesHere().hidden);
 }
 
 Device Session::Create(const std::string& name) {

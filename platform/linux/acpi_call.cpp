@@ -69,7 +69,8 @@ std::string CallText(const std::string& method, std::size_t instance, std::uint3
 /// Reads the text of an answer from left to right.
 class AnswerReader {
  public:
-  explicit AnswerReader(std::string_view text) : rest_(text) {}
+  explicit AnswerReader(std::string_view text)
+      : rest_(text), is_full_(text.size() >= kLongestAnswer), is_cut_(is_full_ || text.ends_with(',')) {}
 
   /// The bytes; nothing for what is neither a buffer, a number nor a package of these.
   std::optional<Bytes> Read() && {
@@ -79,15 +80,24 @@ class AnswerReader {
  private:
   bool ReadValue() {
     if (Take("[")) {
+      if (Take("]")) return true;
       do {
         if (!ReadValue()) return false;
       } while (Take(", "));
-      return Take("]") || rest_.empty();
+      return Take("]") || TakeCut();
     }
     if (Take("{")) return ReadBytes();
     const auto number = ReadNumber();
-    if (number) AppendNumber(*number);
-    return number.has_value();
+    // At the end of a full text a number may have lost digits. Bytes are there whole or not at all.
+    if (number && !(is_full_ && rest_.empty())) AppendNumber(*number);
+    return number || TakeCut();
+  }
+
+  /// What the module leaves where it cuts an answer: a comma after bytes, or the beginning of what had no room.
+  bool TakeCut() {
+    if (!is_cut_ || (!rest_.empty() && rest_ != "," && rest_ != "0" && rest_ != "0x")) return false;
+    rest_ = {};
+    return true;
   }
 
   bool Take(std::string_view expected) {
@@ -97,13 +107,13 @@ class AnswerReader {
   }
 
   bool ReadBytes() {
-    if (Take("}") || Take(",")) return true;
+    if (Take("}") || TakeCut()) return true;
     do {
       const auto byte = ReadNumber();
       if (!byte || *byte > 0xFF) return false;
       bytes_.push_back(static_cast<std::uint8_t>(*byte));
     } while (Take(", "));
-    return Take("}") || (Take(",") && rest_.empty());
+    return Take("}") || TakeCut();
   }
 
   std::optional<std::uint32_t> ReadNumber() {
@@ -122,23 +132,21 @@ class AnswerReader {
   }
 
   std::string_view rest_;
+  const bool is_full_;
+  const bool is_cut_;
   Bytes bytes_;
 };
 
 }  // namespace
 
 AcpiAnswer ReadAcpiAnswer(std::string_view text) {
-  // Where a package is longer than the module's text, the last number may have lost digits.
-  if (text.size() >= kLongestAnswer && !text.ends_with(']') && text.starts_with('[')) {
-    text = text.substr(0, text.rfind(", "));
-  }
   auto bytes = AnswerReader(text).Read();
   return bytes ? AcpiAnswer{S_OK, *std::move(bytes)} : Failure(WBEM_E_FAILED);
 }
 
 bool KernelIsStrict(const fs::path& command_line) {
   const auto options = ReadFile(command_line);
-  if (!options) return false;
+  if (!options) return true;  // who knows
   const std::string words = " " + std::string(options->begin(), options->end()) + " ";
   return words.find(" acpi=strict") != std::string::npos;
 }

@@ -37,7 +37,9 @@ AcpiAnswer CallAcpi(const std::filesystem::path& call_file, const std::string& m
 /// The answer in the module's text, "{0x01, 0x02}", "0x1f" or "[0x1f, {0x01, 0x02}]".
 AcpiAnswer ReadAcpiAnswer(std::string_view text);
 
-/// Whether the kernel runs with an option by which the module crashes when a method answers nothing.
+/// Whether the kernel runs with the option acpi=strict, by which the module crashes when a method answers nothing.
+/// Without it such a method seems to answer what the firmware worked out last, which nobody can tell from an answer.
+/// When the options cannot be read, they count as strict.
 bool KernelIsStrict(const std::filesystem::path& command_line);
 
 }  // namespace platform

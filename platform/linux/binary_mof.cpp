@@ -21,9 +21,10 @@ constexpr std::uint32_t kClassKind = 0;
 
 enum ValueType : std::uint32_t { kNumber = 3, kText = 8, kFlag = 11 };
 
-constexpr MofType kTypes[] = {{2, "sint16", 2},  {3, "sint32", 4},  {8, "string", 0},        {11, "boolean", 0},
-                              {13, "object", 0}, {16, "sint8", 1},  {kMofUint8, "uint8", 1}, {18, "uint16", 2},
-                              {19, "uint32", 4}, {20, "sint64", 8}, {21, "uint64", 8},       {101, "datetime", 0}};
+constexpr MofType kTypes[] = {{2, "sint16", 2},        {3, "sint32", 4},     {4, "real32", 0},      {5, "real64", 0},
+                              {8, "string", 0},        {11, "boolean", 0},   {13, "object", 0},     {16, "sint8", 1},
+                              {kMofUint8, "uint8", 1}, {18, "uint16", 2},    {19, "uint32", 4},     {20, "sint64", 8},
+                              {21, "uint64", 8},       {101, "datetime", 0}, {102, "reference", 0}, {103, "char16", 0}};
 constexpr MofType kUnknownType{0, "unknown", 0};
 
 /// Thrown where something is wrong; becomes the refusal.
@@ -252,8 +253,8 @@ std::optional<MofClass> ReadClass(Reader reader) {
   reader.Word();
   const std::uint32_t lists_size = reader.Word();
   const std::uint32_t kind = reader.Word();
-  Reader lists = reader.Part(lists_size);
   if (kind != kClassKind) return std::nullopt;
+  Reader lists = reader.Part(lists_size);
   MofClass read;
   read.guid = ReadQualifiers(lists).Find(L"guid").text;
   const auto read_member = [&](Reader entry) {
@@ -265,6 +266,13 @@ std::optional<MofClass> ReadClass(Reader reader) {
   if (read.name.empty()) throw Refused{"a class has no name"};
   ReadList(reader, [&](Reader entry) { read.methods.push_back(ReadMethod(entry)); });
   return read;
+}
+
+std::string Described(const MofParameter& parameter) {
+  std::string text = parameter.is_input ? "in " : "out ";
+  text += std::string(parameter.type->name) + " " + ReadableUtf8(parameter.name);
+  if (parameter.is_array) text += "[" + (parameter.length ? std::to_string(*parameter.length) : "") + "]";
+  return text;
 }
 
 void ExpectMagic(Reader& reader) {
@@ -303,13 +311,6 @@ BinaryMof ReadBinaryMof(std::span<const std::uint8_t> blob) {
   } catch (const Refused& refused) {
     return {{}, refused.why};
   }
-}
-
-std::string Described(const MofParameter& parameter) {
-  std::string text = parameter.is_input ? "in " : "out ";
-  text += std::string(parameter.type->name) + " " + ReadableUtf8(parameter.name);
-  if (parameter.is_array) text += "[" + (parameter.length ? std::to_string(*parameter.length) : "") + "]";
-  return text;
 }
 
 std::string Described(const MofMethod& method) {

@@ -21,9 +21,9 @@ enum class FirmwareSearch {
   NoDevices,   // the firmware has no management device
   NoBlobs,     // none of them describes its classes
   NotShown,    // the kernel's module that shows descriptions is not loaded
-  NotAllowed,  // they are root's to read
-  Unreadable,  // one cannot be read, none of the others names the class
   NoClass,     // none names the class
+  NotAllowed,  // they are root's to read
+  Unreadable,  // one cannot be read, and no other names the class
   NoGuid,      // the class is there, but its device has no object with its GUID
   Found
 };

@@ -61,7 +61,7 @@ std::size_t Aligned(std::size_t place, std::size_t size) { return (place + size 
 bool Append(const MofParameter& parameter, const Value& value, Bytes& bytes) {
   if (IsByteArray(parameter)) {
     const auto* const array = std::get_if<Bytes>(&value);
-    if (array == nullptr || (parameter.length && array->size() != *parameter.length)) return false;
+    if (array == nullptr) return false;
     bytes.insert(bytes.end(), array->begin(), array->end());
     return true;
   }
@@ -83,6 +83,7 @@ Value ValueFrom(std::span<const std::uint8_t> bytes, const MofType& type) {
     case 2:
       return IsSigned(type) ? std::int32_t{static_cast<std::int16_t>(number)} : static_cast<std::int32_t>(number);
     default:
+      if (IsSigned(type)) return std::int32_t{static_cast<std::int8_t>(number)};
       return static_cast<std::uint8_t>(number);
   }
 }

@@ -11,14 +11,14 @@
 
 namespace platform {
 
-/// The bytes of all in-parameters. A number may come as one or as decimal text, and gets the declared type. Nothing
-/// when a parameter is missing, unknown, of a type that nobody here sends, does not fit its type, or has another length
-/// than declared.
+/// The bytes of all in-parameters. A number may come as one or as decimal text, and gets the declared type. A byte
+/// array goes as it is, also where another length is declared: the host knows best how long its packets must be.
+/// Nothing when a parameter is missing, unknown, of a type that nobody here sends, or does not fit its type.
 std::optional<Bytes> PackInput(const MofMethod& method, const NamedValues& in);
 
-/// The out-parameters in `answer`, as the management service hands them out: numbers of 64 bits as text, of 8 bits as
-/// VT_UI1, others as VT_I4. A short answer shortens an array. It leaves out a number that is incomplete, and all
-/// that stands behind that.
+/// The out-parameters in `answer`, as the management service hands them out: numbers of 64 bits as text, unsigned
+/// ones of 8 bits as VT_UI1, others as VT_I4. A short answer shortens an array. It leaves out a number that is
+/// incomplete, and all that stands behind that.
 NamedValues UnpackOutput(const MofMethod& method, std::span<const std::uint8_t> answer);
 
 }  // namespace platform

@@ -23,6 +23,16 @@ std::optional<std::pair<std::uint8_t, std::uint8_t>> VersionIn(const Bytes& entr
   return std::pair(entry_point[major], entry_point[major + 1]);
 }
 
+FirmwareClass Published(const FirmwareOnBus& firmware) {
+  FirmwareClass published;
+  for (const MofMethod& method : firmware.methods) {
+    const bool has_input = std::ranges::any_of(method.parameters, &MofParameter::is_input);
+    published.methods.push_back({method.name, has_input, Described(method)});
+  }
+  published.instance_names.assign(firmware.instances.begin(), firmware.instances.end());
+  return published;
+}
+
 }  // namespace
 
 std::shared_ptr<Machine> MakeThisComputer() { return std::make_shared<LinuxMachine>(); }
@@ -55,42 +65,34 @@ std::optional<SmbiosTable> LinuxMachine::ReadSmbiosTable() {
 }
 
 /// Firmware stays as it is, but what shows it may be loaded later, so only what was found is kept.
-std::shared_ptr<const FirmwareOnBus> LinuxMachine::FoundFirmware() {
+std::shared_ptr<const LinuxMachine::Firmware> LinuxMachine::FindFirmware() {
   const std::lock_guard lock(lock_);
-  if (firmware_ == nullptr) {
-    FirmwareOnBus found = FindFirmwareOnBus(places_.wmi_devices);
-    if (found.state == FirmwareSearch::Found) firmware_ = std::make_shared<FirmwareOnBus>(std::move(found));
-  }
+  if (firmware_ != nullptr) return firmware_;
+  FirmwareOnBus found = FindFirmwareOnBus(places_.wmi_devices);
+  if (found.state != FirmwareSearch::Found) return nullptr;
+  FirmwareClass published = Published(found);
+  firmware_ = std::make_shared<Firmware>(Firmware{std::move(found), std::move(published)});
   return firmware_;
 }
 
 std::optional<FirmwareClass> LinuxMachine::FindFirmwareClass() {
-  const auto firmware = FoundFirmware();
-  if (firmware == nullptr) return std::nullopt;
-  FirmwareClass found;
-  for (const MofMethod& method : firmware->methods) {
-    const bool has_input = std::ranges::any_of(method.parameters, &MofParameter::is_input);
-    found.methods.push_back({method.name, has_input, Described(method)});
-  }
-  found.instance_names.assign(firmware->instances.begin(), firmware->instances.end());
-  return found;
+  const auto firmware = FindFirmware();
+  return firmware != nullptr ? std::optional(firmware->published) : std::nullopt;
 }
 
 FirmwareAnswer LinuxMachine::CallFirmware(const std::wstring& instance_name, const std::wstring& method,
                                           const NamedValues& in) {
-  const auto firmware = FoundFirmware();
+  const auto firmware = FindFirmware();
   if (firmware == nullptr) return {Status(WBEM_E_NOT_FOUND), {}};
-  const auto instance = std::ranges::find(firmware->instances, instance_name);
-  const auto called = std::ranges::find(firmware->methods, method, &MofMethod::name);
-  if (instance == firmware->instances.end() || called == firmware->methods.end()) {
-    return {Status(WBEM_E_NOT_FOUND), {}};
-  }
+  const FirmwareOnBus& on_bus = firmware->on_bus;
+  const auto instance = std::ranges::find(on_bus.instances, instance_name);
+  const auto called = std::ranges::find(on_bus.methods, method, &MofMethod::name);
+  if (instance == on_bus.instances.end() || called == on_bus.methods.end()) return {Status(WBEM_E_NOT_FOUND), {}};
   if (kernel_is_strict_) return {Status(WBEM_E_PROVIDER_LOAD_FAILURE), {}};
   const auto input = PackInput(*called, in);
   if (!input) return {Status(WBEM_E_INVALID_PARAMETER), {}};
-  const AcpiAnswer answer =
-      CallAcpi(places_.acpi_call.call_file, firmware->acpi_method,
-               static_cast<std::size_t>(instance - firmware->instances.begin()), *called->id, *input);
+  const auto number = static_cast<std::size_t>(instance - on_bus.instances.begin());
+  const AcpiAnswer answer = CallAcpi(places_.acpi_call.call_file, on_bus.acpi_method, number, *called->id, *input);
   if (FAILED(answer.status)) return {answer.status, {}};
   return {S_OK, UnpackOutput(*called, answer.bytes)};
 }

@@ -44,13 +44,17 @@ class LinuxMachine final : public Machine {
   OpenedHidDevice OpenHidDevice(const std::wstring& path) override;
 
  private:
-  std::shared_ptr<const FirmwareOnBus> FoundFirmware();
+  struct Firmware {
+    FirmwareOnBus on_bus;
+    FirmwareClass published;
+  };
+  std::shared_ptr<const Firmware> FindFirmware();
 
   const LinuxPlaces places_;
   Settings settings_;
   const bool kernel_is_strict_;
   std::mutex lock_;
-  std::shared_ptr<const FirmwareOnBus> firmware_;  // guarded by lock_; null until it was found
+  std::shared_ptr<const Firmware> firmware_;  // guarded by lock_; null until it was found
   const std::shared_ptr<RestingDevices> resting_ = std::make_shared<RestingDevices>();
 };
 

@@ -5,6 +5,7 @@
 #include "platform/linux/binary_mof.h"
 #include "platform/linux/read_file.h"
 #include "platform/standin/text.h"
+#include "zarnctl/text.h"
 
 int main(int argc, char** argv) {
   if (argc != 2) {
@@ -22,7 +23,8 @@ int main(int argc, char** argv) {
     return 1;
   }
   for (const platform::MofClass& each : mof.classes) {
-    std::cout << "class " << platform::ReadableUtf8(each.name) << " guid " << platform::ReadableUtf8(each.guid) << "\n";
-    for (const platform::MofMethod& method : each.methods) std::cout << "  " << Described(method) << "\n";
+    const std::string guid = each.guid.empty() ? "None" : platform::ReadableUtf8(each.guid);
+    std::cout << zarnctl::Harmless("class " + platform::ReadableUtf8(each.name) + " guid " + guid) << "\n";
+    for (const auto& method : each.methods) std::cout << zarnctl::Harmless("  " + Described(method)) << "\n";
   }
 }

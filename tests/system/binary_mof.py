@@ -23,7 +23,8 @@ METHODS = [
     ("AnswerManyBytes", 32, [], [("gmOutput", "uint8", 0)]),
     ("AnswerLate", 33, [], [("gmOutput", "uint32", None)]),
     ("Echo", 34, [("gmInput", "uint8", 4)], [("gmOutput", "uint8", 4)]),
-    ("AnswerNothing", 35, [], [("gmOutput", "uint64", None)]),
+    ("AnswerEmpty", 35, [], [("gmOutput", "uint64", None)]),
+    ("AnswerNothing", 36, [], [("gmOutput", "uint32", None)]),
 ]
 OTHER_METHODS = [("Ask", 1, [("number", "uint32", None)], [("answer", "uint32", None)])]
 

@@ -59,7 +59,8 @@ Trouble TroubleWithModule(const ModulePlaces& places) {
   uname(&kernel);
   if (!Contains(places.modules / kernel.release / "modules.dep", "/acpi_call.ko")) {
     return {"the module acpi_call, which calls it, is not installed for this kernel",
-            "'sudo apt install acpi-call-dkms linux-headers-amd64', restart, then 'sudo modprobe acpi_call'"};
+            "'sudo apt install acpi-call-dkms linux-headers-$(uname -r) && sudo dkms autoinstall', then 'sudo modprobe "
+            "acpi_call'"};
   }
   if (Contains(places.lockdown, "[integrity]") || Contains(places.lockdown, "[confidentiality]")) {
     return {

@@ -62,9 +62,10 @@ class ThisComputer final : public LayerHardware {
     const bool has_nodes = std::filesystem::exists("/sys/class/hidraw", error);
     const bool has_table = std::filesystem::exists("/sys/firmware/dmi/tables/DMI", error);
     const auto firmware = platform::FindFirmwareOnBus(platform::LinuxPlaces().wmi_devices).state;
-    return {.nothing_discovered = firmware == platform::FirmwareSearch::NotAllowed
-                                      ? "the embedded controller's are shown to root alone: 'sudo zarnctl devices'"
-                                      : "'zarnctl doctor' tells why, --machine drives a simulated notebook",
+    return {.nothing_discovered = "'zarnctl doctor' tells why, --machine drives a simulated notebook",
+            .hidden = firmware == platform::FirmwareSearch::NotAllowed
+                          ? "; an embedded controller's lights are shown to root alone: 'sudo zarnctl devices'"
+                          : "",
             .switches = "'zarnctl config' shows where it is set",
             .no_log = kNoLog,
             .no_hid_devices =

@@ -52,7 +52,7 @@ class ThisComputer final : public Hardware {
             .no_node = "plug it in again",
             .no_answer = "plug it in again",
             .no_table = "run as administrator",
-            .no_record = "this is no notebook of the family; a HID keyboard works without",
+            .no_record = "this is no notebook of the family; HID keyboards need none",
             .no_firmware_class = "the firmware publishes it on a notebook of the family, to administrators"};
   }
 
