@@ -268,7 +268,7 @@ std::optional<MofClass> ReadClass(Reader reader) {
   return read;
 }
 
-std::string Described(const MofParameter& parameter) {
+std::string ParameterText(const MofParameter& parameter) {
   std::string text = parameter.is_input ? "in " : "out ";
   text += std::string(parameter.type->name) + " " + ReadableUtf8(parameter.name);
   if (parameter.is_array) text += "[" + (parameter.length ? std::to_string(*parameter.length) : "") + "]";
@@ -316,7 +316,7 @@ BinaryMof ReadBinaryMof(std::span<const std::uint8_t> blob) {
 std::string Described(const MofMethod& method) {
   std::string text = (method.id ? std::to_string(*method.id) : "?") + " " + ReadableUtf8(method.name) + "(";
   for (const MofParameter& parameter : method.parameters) {
-    text += (&parameter == &method.parameters.front() ? "" : ", ") + Described(parameter);
+    text += (&parameter == &method.parameters.front() ? "" : ", ") + ParameterText(parameter);
   }
   return text + ")";
 }
