@@ -9,7 +9,7 @@ namespace zarnctl {
 /// What to do about each thing that is missing. It depends on the hardware. Texts may be empty.
 struct Remedies {
   std::string nothing_discovered = {};
-  std::string hidden = {};  // what else there may be that this user is not shown; empty when nothing
+  std::string hidden = {};  // continues a line: what this user is not shown; empty when that is nothing
   std::string switches = {};
   std::string no_log = {};
   std::string no_hid_devices = {};

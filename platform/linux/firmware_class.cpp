@@ -91,10 +91,13 @@ std::string GuidOf(const MofClass& named) {
   return guid;
 }
 
-/// Windows has '_' for what must not stand in its names.
+/// Windows has '_' for what must not stand in its names, some of which would also end a text in an object's path.
 std::wstring InWindowsNames(std::string_view uid) {
   std::wstring name;
-  for (const char c : uid) name += c > ' ' && c <= '~' && c != ',' ? static_cast<wchar_t>(c) : L'_';
+  for (const char c : uid) {
+    const bool sound = c > ' ' && c <= '~' && c != ',' && c != '"' && c != '\\';
+    name += sound ? static_cast<wchar_t>(c) : L'_';
+  }
   return name.empty() ? L"0" : name;
 }
 

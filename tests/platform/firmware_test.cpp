@@ -209,6 +209,8 @@ TEST_F(FirmwareOnBusTest, TheSearchEndsWhereSomethingIsMissing) {
   EXPECT_EQ(found->instance_names, (std::vector<Value>{L"ACPI\\PNP0C14\\ZGF_0", L"ACPI\\PNP0C14\\ZGF_1"}));
   EXPECT_EQ(found->methods.size(), 10U);
   EXPECT_TRUE(found->methods[0].has_input && !found->methods[8].has_input);
+  Write(folder / "devices/WZRN/firmware_node/uid", "a\"b,\\\xE9\n");
+  EXPECT_EQ(Find().instances.at(1), L"ACPI\\PNP0C14\\a_b____1");
   Write(folder / "devices/WZRN/firmware_node/path", "\\_SB_.WZRN 0 1\n");  // a blank would end the path in a call
   EXPECT_EQ(Find().state, FirmwareSearch::Unreadable);
   EXPECT_TRUE(machine.FindFirmwareClass()) << "what was found stays";
