@@ -38,7 +38,8 @@ class Session {
 
  private:
   const zarn::host::Plugin& LoadedPlugin();
-  /// Complains of what it has not complained of before. Whether there was any failure.
+  /// Complains of what it has not complained of before: the plug-in tries again and again. Whether there was any
+  /// failure.
   bool Tell(const std::vector<std::string>& failures);
 
   Hardware& hardware_;

@@ -147,7 +147,7 @@ AcpiAnswer ReadAcpiAnswer(std::string_view text) {
 bool KernelIsStrict(const fs::path& command_line) {
   const auto options = ReadFile(command_line);
   if (!options) return true;  // who knows
-  const std::string words = " " + std::string(options->begin(), options->end()) + " ";
+  const std::string words = " " + std::string(options->begin(), options->end());
   return words.find(" acpi=strict") != std::string::npos;
 }
 

@@ -19,17 +19,17 @@ struct AcpiCallPlaces {
 };
 
 struct AcpiAnswer {
-  /// WBEM_E_PROVIDER_LOAD_FAILURE when the module is not loaded, WBEM_E_ACCESS_DENIED when this process may
-  /// not use it, WBEM_E_SERVER_TOO_BUSY when another program kept the lock for 5 s, WBEM_E_INVALID_PARAMETER when the
-  /// input is longer than the module takes, WBEM_E_FAILED when the firmware failed or answered nothing of use.
+  /// WBEM_E_PROVIDER_LOAD_FAILURE when the module is not loaded, WBEM_E_ACCESS_DENIED when this process may not use it,
+  /// WBEM_E_SERVER_TOO_BUSY when another program kept the lock for 5 s, WBEM_E_INVALID_PARAMETER when the input is
+  /// longer than the module takes, WBEM_E_FAILED when the firmware failed or answered nothing of use.
   HRESULT status = S_OK;
-  /// A buffer as it is, a number as 4 bytes, a package as its elements with numbers aligned to 4. Of a longer answer
-  /// the module hands over the beginning, of a buffer 42 bytes.
+  /// A buffer as it is, a number as 4 bytes, a package as its elements with numbers aligned to 4. The module cuts
+  /// answers: a buffer after 42 bytes, others after 255 characters.
   Bytes bytes;
 };
 
-/// Runs `method` through `call_file`: a path from the root of the firmware's name space, with an
-/// instance's number, a method's number and bytes. May block: nobody can end a method that hangs inside the kernel. Any
+/// Runs the method at the path `method` from the root of the firmware's name space, with the instance's number, the
+/// number of the class's method and its input. May block: nobody can end a method that hangs inside the kernel. Any
 /// thread, several at once.
 AcpiAnswer CallAcpi(const std::filesystem::path& call_file, const std::string& method, std::size_t instance,
                     std::uint32_t id, std::span<const std::uint8_t> input);

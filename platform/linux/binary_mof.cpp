@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <map>
+#include <string_view>
 #include <utility>
+#include <variant>
 
 #include "base/little_endian.h"
 #include "platform/standin/machine.h"
@@ -19,7 +21,9 @@ constexpr std::uint32_t kArray = 0x2000;
 constexpr std::uint32_t kTypeBits = 0xFF;
 constexpr std::uint32_t kClassKind = 0;
 
-enum ValueType : std::uint32_t { kNumber = 3, kText = 8, kFlag = 11 };
+// The types of values that count.
+constexpr std::uint32_t kNumber = 3;
+constexpr std::uint32_t kText = 8;
 
 constexpr MofType kTypes[] = {{2, "sint16", 2},        {3, "sint32", 4},     {4, "real32", 0},      {5, "real64", 0},
                               {8, "string", 0},        {11, "boolean", 0},   {13, "object", 0},     {16, "sint8", 1},
@@ -142,34 +146,29 @@ void ReadList(Reader& reader, const Read& read) {
   for (std::uint32_t i = 0; i < count; ++i) read(list.Record());
 }
 
-/// What is said of a class, a method or a parameter. Names compare without case. Of arrays the name alone is kept.
-struct Qualifiers {
-  struct Value {
-    std::optional<std::uint32_t> number;
-    std::wstring text;
-  };
-  std::map<std::wstring, Value, WithoutCase> values;
-
-  bool Has(std::wstring_view name) const { return values.find(name) != values.end(); }
-  Value Find(std::wstring_view name) const {
-    const auto found = values.find(name);
-    return found != values.end() ? found->second : Value();
-  }
-};
-
-Qualifiers::Value ReadValue(Reader& reader, std::uint32_t type) {
-  if (type == kNumber) return {reader.Word(), {}};
-  if (type == kText) return {{}, reader.Text()};
+/// A number or a text; empty for values of other types, of arrays for one.
+Value ReadValue(Reader& reader, std::uint32_t type) {
+  if (type == kNumber) return reader.Word();
+  if (type == kText) return reader.Text();
   return {};
 }
 
-Qualifiers ReadQualifiers(Reader& reader) {
-  Qualifiers qualifiers;
+/// The value called `name`, if there is one and it is a `T`.
+template <typename T>
+std::optional<T> Find(const NamedValues& values, std::wstring_view name) {
+  const auto found = values.find(name);
+  const auto* const value = found != values.end() ? std::get_if<T>(&found->second) : nullptr;
+  return value != nullptr ? std::optional(*value) : std::nullopt;
+}
+
+/// What is said of a class, a method or a parameter.
+NamedValues ReadQualifiers(Reader& reader) {
+  NamedValues qualifiers;
   ReadList(reader, [&](Reader entry) {
     const std::uint32_t type = entry.Word();
     entry.Word();
     const std::wstring name = entry.Text(entry.Word());
-    qualifiers.values.insert_or_assign(name, ReadValue(entry, type));
+    qualifiers.insert_or_assign(name, ReadValue(entry, type));
   });
   return qualifiers;
 }
@@ -178,9 +177,9 @@ Qualifiers ReadQualifiers(Reader& reader) {
 struct Member {
   std::wstring name;
   std::uint32_t type = 0;
-  Qualifiers qualifiers = {};
+  NamedValues qualifiers = {};
   bool is_system = false;
-  std::wstring system_text = {};
+  Value system_value = {};
 };
 
 Member ReadMember(Reader reader) {
@@ -192,7 +191,7 @@ Member ReadMember(Reader reader) {
   if (second == kNone) {
     member.name = reader.Text(first);
     member.is_system = true;
-    member.system_text = ReadValue(reader, member.type).text;
+    member.system_value = ReadValue(reader, member.type);
     return member;
   }
   // With a default value the name's size comes first, and the second counts both. The value is of no interest.
@@ -207,8 +206,8 @@ MofParameter ParameterOf(const Member& member) {
   return {.name = member.name,
           .type = type != std::end(kTypes) ? type : &kUnknownType,
           .is_array = is_array,
-          .length = is_array ? member.qualifiers.Find(L"MAX").number : std::nullopt,
-          .is_input = member.qualifiers.Has(L"in")};
+          .length = is_array ? Find<std::uint32_t>(member.qualifiers, L"MAX") : std::nullopt,
+          .is_input = member.qualifiers.find(std::wstring_view(L"in")) != member.qualifiers.end()};
 }
 
 /// Their place stands in a qualifier. Those without one come last.
@@ -223,7 +222,8 @@ std::vector<MofParameter> ReadParameters(Reader& reader) {
     side.Take(16);
     ReadList(side, [&](Reader entry) {
       const Member member = ReadMember(entry);
-      if (!member.is_system) placed.emplace(member.qualifiers.Find(L"ID").number.value_or(kNone), ParameterOf(member));
+      if (!member.is_system)
+        placed.emplace(Find<std::uint32_t>(member.qualifiers, L"ID").value_or(kNone), ParameterOf(member));
     });
   }
   std::vector<MofParameter> parameters;
@@ -243,7 +243,7 @@ MofMethod ReadMethod(Reader reader) {
     method.name = head.Text(name_size);
     method.parameters = ReadParameters(head);
   }
-  method.id = ReadQualifiers(reader).Find(L"WmiMethodId").number;
+  method.id = Find<std::uint32_t>(ReadQualifiers(reader), L"WmiMethodId");
   return method;
 }
 
@@ -256,10 +256,11 @@ std::optional<MofClass> ReadClass(Reader reader) {
   if (kind != kClassKind) return std::nullopt;
   Reader lists = reader.Part(lists_size);
   MofClass read;
-  read.guid = ReadQualifiers(lists).Find(L"guid").text;
+  read.guid = Find<std::wstring>(ReadQualifiers(lists), L"guid").value_or(L"");
   const auto read_member = [&](Reader entry) {
-    Member member = ReadMember(entry);
-    if (member.is_system && member.name == L"__CLASS") read.name = std::move(member.system_text);
+    const Member member = ReadMember(entry);
+    const auto* const text = std::get_if<std::wstring>(&member.system_value);
+    if (text != nullptr && member.name == L"__CLASS") read.name = *text;
   };
   ReadList(lists, read_member);
   while (!lists.AtEnd()) read_member(lists.Record());

@@ -65,24 +65,25 @@ std::optional<SmbiosTable> LinuxMachine::ReadSmbiosTable() {
 }
 
 /// Firmware stays as it is, but what shows it may be loaded later, so only what was found is kept.
-std::shared_ptr<const LinuxMachine::Firmware> LinuxMachine::FindFirmware() {
+const LinuxMachine::Firmware* LinuxMachine::FindFirmware() {
   const std::lock_guard lock(lock_);
-  if (firmware_ != nullptr) return firmware_;
-  FirmwareOnBus found = FindFirmwareOnBus(places_.wmi_devices);
-  if (found.state != FirmwareSearch::Found) return nullptr;
-  FirmwareClass published = Published(found);
-  firmware_ = std::make_shared<Firmware>(Firmware{std::move(found), std::move(published)});
-  return firmware_;
+  if (!firmware_) {
+    FirmwareOnBus found = FindFirmwareOnBus(places_.wmi_devices);
+    if (found.state != FirmwareSearch::Found) return nullptr;
+    FirmwareClass published = Published(found);
+    firmware_.emplace(Firmware{std::move(found), std::move(published)});
+  }
+  return &*firmware_;
 }
 
 std::optional<FirmwareClass> LinuxMachine::FindFirmwareClass() {
-  const auto firmware = FindFirmware();
+  const Firmware* const firmware = FindFirmware();
   return firmware != nullptr ? std::optional(firmware->published) : std::nullopt;
 }
 
 FirmwareAnswer LinuxMachine::CallFirmware(const std::wstring& instance_name, const std::wstring& method,
                                           const NamedValues& in) {
-  const auto firmware = FindFirmware();
+  const Firmware* const firmware = FindFirmware();
   if (firmware == nullptr) return {Status(WBEM_E_NOT_FOUND), {}};
   const FirmwareOnBus& on_bus = firmware->on_bus;
   const auto instance = std::ranges::find(on_bus.instances, instance_name);

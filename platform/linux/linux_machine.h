@@ -48,13 +48,14 @@ class LinuxMachine final : public Machine {
     FirmwareOnBus on_bus;
     FirmwareClass published;
   };
-  std::shared_ptr<const Firmware> FindFirmware();
+  /// Null while there is none. What was found stays as long as the machine.
+  const Firmware* FindFirmware();
 
   const LinuxPlaces places_;
   Settings settings_;
   const bool kernel_is_strict_;
   std::mutex lock_;
-  std::shared_ptr<const Firmware> firmware_;  // guarded by lock_; null until it was found
+  std::optional<const Firmware> firmware_;  // its making is guarded by lock_
   const std::shared_ptr<RestingDevices> resting_ = std::make_shared<RestingDevices>();
 };
 

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <fstream>
-
 #include "platform/linux/acpi_call.h"
 #include "platform/linux/firmware_class.h"
 #include "platform/linux/firmware_parameters.h"
@@ -21,6 +19,7 @@ using platform::Bytes;
 using platform::FirmwareSearch;
 using platform::Value;
 using test::Hex;
+using test::WriteFile;
 
 constexpr char kGuid[] = "7B0C2A6E-51D3-4E0B-9C55-2F7A10E4C0DE";
 constexpr char kBlobGuid[] = "05901221-D566-11D1-B2F0-00A0C9062910";
@@ -138,39 +137,38 @@ TEST(AcpiCall, AnswersAreBuffersNumbersAndPackages) {
 /// A folder that looks like the kernel's.
 class FirmwareOnBusTest : public ::testing::Test {
  protected:
-  static void Write(const fs::path& file, const std::string& text) {
-    fs::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << text;
+  static platform::LinuxPlaces PlacesIn(const fs::path& root) {
+    WriteFile(root / "options", "quiet\n");
+    return {{}, {}, {}, root / "bus", {root / "call", root / "options"}};
   }
   /// An object of a device, and its place.
   fs::path Add(const std::string& object, const std::string& device, const std::string& id = "ZG",
                const std::string& instances = "2") const {
     const fs::path node = folder / "devices" / device;
     fs::path place = node / "wmi_bus/wmi_bus" / object;
-    Write(node / "firmware_node/path", "\\_SB_." + device + "\n");
-    Write(node / "firmware_node/uid", "ZGF\n");
-    Write(place / "guid", object.substr(0, 36) + "\n");
-    Write(place / "object_id", id + "\n");
-    Write(place / "instance_count", instances + "\n");
+    WriteFile(node / "firmware_node/path", "\\_SB_." + device + "\n");
+    WriteFile(node / "firmware_node/uid", "ZGF\n");
+    WriteFile(place / "guid", object.substr(0, 36) + "\n");
+    WriteFile(place / "object_id", id + "\n");
+    WriteFile(place / "instance_count", instances + "\n");
     fs::create_directories(places.wmi_devices);
     fs::create_directory_symlink(place, places.wmi_devices / object);
     return place;
   }
   void AddBlob(const std::string& object, const std::string& device, const std::string& content) const {
-    Write(Add(object, device, "BM") / "bmof", content);
+    WriteFile(Add(object, device, "BM") / "bmof", content);
   }
   platform::FirmwareOnBus Find() const { return platform::FindFirmwareOnBus(places.wmi_devices); }
   /// All of the call's text, which replaces what was in the file.
   std::string Call(const wchar_t* method, const Value& input) {
-    Write(places.acpi_call.call_file, "");
+    WriteFile(places.acpi_call.call_file, "");
     machine.CallFirmware(L"ACPI\\PNP0C14\\ZGF_1", method, {{L"gmInput", input}});
     return test::ContentOf(places.acpi_call.call_file);
   }
 
   const test::TemporaryFolder temporary;
   const fs::path folder = temporary.path();
-  const platform::LinuxPlaces places = {{}, {}, {}, folder / "bus", {folder / "call", folder / "options"}};
-  const bool has_options = (Write(places.acpi_call.command_line, "quiet\n"), true);
+  const platform::LinuxPlaces places = PlacesIn(folder);
   platform::LinuxMachine machine{places};
   const std::string blob = test::ContentOf(ZARN_BINARY_MOF);
 };
@@ -183,7 +181,7 @@ TEST_F(FirmwareOnBusTest, TheSearchEndsWhereSomethingIsMissing) {
   EXPECT_EQ(Find().state, FirmwareSearch::NoBlobs);
   const fs::path first = Add(std::string(kBlobGuid) + "-0", "OTHR", "BM");
   EXPECT_EQ(Find().state, FirmwareSearch::NotShown);
-  Write(first / "bmof", test::ContentOf(fs::path(ZARN_BINARY_MOF).replace_filename("another_class")));
+  WriteFile(first / "bmof", test::ContentOf(fs::path(ZARN_BINARY_MOF).replace_filename("another_class")));
   EXPECT_EQ(Find().state, FirmwareSearch::NoClass);
   AddBlob(std::string(kBlobGuid) + "-2", "BRKN", "nonsense");
   EXPECT_EQ(Find().state, FirmwareSearch::Unreadable) << "it could have named the class";
@@ -195,9 +193,9 @@ TEST_F(FirmwareOnBusTest, TheSearchEndsWhereSomethingIsMissing) {
   const fs::path place = Add(std::string(kGuid) + "-1", "WZRN");
   for (const auto& [attribute, broken] : {std::pair("object_id", ""), {"object_id", "Z"}, {"instance_count", "0"}}) {
     const std::string sound = test::ContentOf(place / attribute);
-    Write(place / attribute, broken);
+    WriteFile(place / attribute, broken);
     EXPECT_EQ(Find().state, FirmwareSearch::NoGuid) << attribute;
-    Write(place / attribute, sound);
+    WriteFile(place / attribute, sound);
   }
   EXPECT_EQ(Find().state, FirmwareSearch::Found);
   EXPECT_EQ(Find().acpi_method, "\\_SB_.WZRN.WMZG");
@@ -209,9 +207,9 @@ TEST_F(FirmwareOnBusTest, TheSearchEndsWhereSomethingIsMissing) {
   EXPECT_EQ(found->instance_names, (std::vector<Value>{L"ACPI\\PNP0C14\\ZGF_0", L"ACPI\\PNP0C14\\ZGF_1"}));
   EXPECT_EQ(found->methods.size(), 10U);
   EXPECT_TRUE(found->methods[0].has_input && !found->methods[8].has_input);
-  Write(folder / "devices/WZRN/firmware_node/uid", "a\"b,\\\xE9\n");
+  WriteFile(folder / "devices/WZRN/firmware_node/uid", "a\"b,\\\xE9\n");
   EXPECT_EQ(Find().instances.at(1), L"ACPI\\PNP0C14\\a_b____1");
-  Write(folder / "devices/WZRN/firmware_node/path", "\\_SB_.WZRN 0 1\n");  // a blank would end the path in a call
+  WriteFile(folder / "devices/WZRN/firmware_node/path", "\\_SB_.WZRN 0 1\n");  // a blank would end the path in a call
   EXPECT_EQ(Find().state, FirmwareSearch::Unreadable);
   EXPECT_TRUE(machine.FindFirmwareClass()) << "what was found stays";
 }
@@ -232,7 +230,7 @@ TEST_F(FirmwareOnBusTest, CallsAreWordsInAFile) {
     return used.CallFirmware(L"ACPI\\PNP0C14\\ZGF_0", L"GetGamingLED", {{L"gmInput", L"16"}}).status;
   };
   EXPECT_EQ(status(machine), WBEM_E_FAILED) << "an answer that is none";
-  Write(places.acpi_call.command_line, "quiet acpi=strict panic=1\n");
+  WriteFile(places.acpi_call.command_line, "quiet acpi=strict panic=1\n");
   platform::LinuxMachine strict(places);
   EXPECT_EQ(status(strict), WBEM_E_PROVIDER_LOAD_FAILURE) << "the module could crash";
   fs::permissions(folder, fs::perms::all);

@@ -18,18 +18,14 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;  // NOLINT(google-build-using-namespace): what literals are for
 using test::Hex;
-
-void Write(const fs::path& file, const std::string& content) {
-  fs::create_directories(file.parent_path());
-  std::ofstream(file, std::ios::binary) << content;
-}
+using test::WriteFile;
 
 class LinuxMachineTest : public ::testing::Test {
  protected:
   void Plug(const char* name, const char* device, const char* uevent = "HID_ID=0003:00001209:00000001\n") const {
-    Write(folder / device / "device/uevent", uevent);
-    Write(folder / device / "device/report_descriptor", "\x06\x5A\xFF");
-    Write(places.nodes / name, "");
+    WriteFile(folder / device / "device/uevent", uevent);
+    WriteFile(folder / device / "device/report_descriptor", "\x06\x5A\xFF");
+    WriteFile(places.nodes / name, "");
     fs::remove(places.sysfs / name);
     fs::create_directory_symlink(device, places.sysfs / name);
   }
@@ -76,7 +72,7 @@ TEST_F(LinuxMachineTest, DevicesStandInTheOrderOfTheirNodesAndIncompleteOnesAreL
   }
   Plug("hidraw0", "going");
   EXPECT_EQ(Devices(), L"/hidraw0 1209:1 3" + whole);
-  Write(folder / "going/device/report_descriptor", "");
+  WriteFile(folder / "going/device/report_descriptor", "");
   EXPECT_EQ(Devices(), whole) << "an empty descriptor";
 }
 
@@ -135,7 +131,7 @@ TEST_F(LinuxMachineTest, DevicesRestWhenTheyHaveCostTooMuchTime) {
 }
 
 TEST_F(LinuxMachineTest, NodesWithKeysAreSharedByAFileOfRootsAlone) {
-  Write(user, "");
+  WriteFile(user, "");
   EXPECT_FALSE(platform::KeyboardsAreShared(folder / "missing"));
   EXPECT_EQ(platform::KeyboardsAreShared(user), geteuid() == 0);
   fs::create_symlink(user, folder / "link");
@@ -153,7 +149,7 @@ TEST_F(LinuxMachineTest, FileIsReadWholeOrErrnoTellsWhyNot) {
     EXPECT_FALSE(platform::ReadFile(file)) << file;
     return errno;
   };
-  Write(user, "");
+  WriteFile(user, "");
   EXPECT_EQ(platform::ReadFile(user), platform::Bytes());
   EXPECT_EQ(why_not(folder / "missing"), ENOENT);
   EXPECT_EQ(why_not(user / "below"), ENOTDIR);
@@ -167,10 +163,10 @@ TEST_F(LinuxMachineTest, FileIsReadWholeOrErrnoTellsWhyNot) {
 
 TEST_F(LinuxMachineTest, SmbiosVersionStandsInTheEntryPoint) {
   EXPECT_FALSE(machine.ReadSmbiosTable());
-  Write(folder / "tables/DMI", "\xAC\x05\x01");
+  WriteFile(folder / "tables/DMI", "\xAC\x05\x01");
   EXPECT_TRUE(machine.ReadSmbiosTable());
   const auto read = [this](const char* entry_point) {
-    Write(folder / "tables/smbios_entry_point", entry_point);
+    WriteFile(folder / "tables/smbios_entry_point", entry_point);
     const auto [data, major, minor] = machine.ReadSmbiosTable().value_or(platform::SmbiosTable{});
     EXPECT_EQ(data, platform::Value(Hex("AC 05 01")));
     return platform::Bytes{std::get<std::uint8_t>(major), std::get<std::uint8_t>(minor)};
@@ -183,7 +179,7 @@ TEST_F(LinuxMachineTest, SmbiosVersionStandsInTheEntryPoint) {
 
 TEST_F(LinuxMachineTest, ChangedSettingsFileIsReadAgainUnlessItCannotBeReadForAMoment) {
   const auto after_writing = [this](const char* value, int moment) {
-    Write(user, std::string("[registry.'OEM\\A']\nX = ") + value);
+    WriteFile(user, std::string("[registry.'OEM\\A']\nX = ") + value);
     fs::last_write_time(user, fs::last_write_time("/proc/self/exe") + std::chrono::seconds(moment));
     return Setting(L"X");
   };
@@ -198,20 +194,20 @@ TEST_F(LinuxMachineTest, ChangedSettingsFileIsReadAgainUnlessItCannotBeReadForAM
   EXPECT_EQ(platform::ReadSettingsFile(user).complaint, user.string() + ": cannot be read: Invalid argument");
   fs::remove(user);
   EXPECT_EQ(Setting(L"X"), std::nullopt);
-  Write(user, "");
+  WriteFile(user, "");
   EXPECT_EQ(platform::ReadSettingsFile(user / "below").complaint, "") << "is not there";
   fs::resize_file(user, 16385);
   EXPECT_EQ(platform::ReadSettingsFile(user).complaint, user.string() + ": more than 16 KiB");
 }
 
 TEST_F(LinuxMachineTest, LaterSettingsFileWinsWhateverTheCaseButABrokenOneCountsForNothing) {
-  Write(system, "[registry.'oem\\a']\nX = 1\nMAX = 4294967295\n");
-  Write(user, "[registry.'Oem\\A']\nx = 0x1234\n");
+  WriteFile(system, "[registry.'oem\\a']\nX = 1\nMAX = 4294967295\n");
+  WriteFile(user, "[registry.'Oem\\A']\nx = 0x1234\n");
   EXPECT_EQ(Setting(L"X"), Hex("34 12 0 0"));
   EXPECT_EQ(Setting(L"Max"), Hex("FF FF FF FF"));
   EXPECT_TRUE(machine.HasRegistryKey(L"OEM") && !machine.HasRegistryKey(L"OE"));
   const auto expect_complaint = [this](const char* end, const char* complaint) {
-    Write(user, std::string("[registry.'OEM\\A']\nX = 2\n") + end);
+    WriteFile(user, std::string("[registry.'OEM\\A']\nX = 2\n") + end);
     EXPECT_EQ(Setting(L"X"), Hex("1 0 0 0")) << end;
     EXPECT_EQ(platform::ReadSettingsFile(user).complaint.find(user.string() + complaint), 0U) << end;
   };

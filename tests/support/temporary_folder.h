@@ -1,4 +1,4 @@
-/// A new folder for a test, removed at the end; and the content of files.
+/// A new folder for a test, removed at the end; and files written and read whole.
 #pragma once
 
 #include <filesystem>
@@ -30,6 +30,12 @@ class TemporaryFolder {
  private:
   std::filesystem::path path_;
 };
+
+/// Makes the folders above the file, too.
+inline void WriteFile(const std::filesystem::path& file, const std::string& content) {
+  std::filesystem::create_directories(file.parent_path());
+  std::ofstream(file, std::ios::binary) << content;
+}
 
 inline std::string ContentOf(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);

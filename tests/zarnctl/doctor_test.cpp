@@ -110,8 +110,7 @@ TEST(FirmwareTrouble, EachModuleThatIsMissingHasItsReasonAndRemedy) {
   const ModulePlaces places = {
       {folder.path() / "call", folder.path() / "options"}, folder.path(), folder.path() / "lockdown"};
   const auto write = [&](const std::string& name, const std::string& text) {
-    std::filesystem::create_directories((folder.path() / name).parent_path());
-    std::ofstream(folder.path() / name) << text;
+    test::WriteFile(folder.path() / name, text);
   };
   const auto expect_trouble = [&](const char* what, const char* remedy) {
     const Trouble trouble = TroubleWith({platform::FirmwareSearch::Found}, places);

@@ -17,7 +17,7 @@ using platform::FirmwareSearch;
 
 constexpr const char* kAsRoot = "run as root: 'sudo zarnctl doctor'";
 constexpr const char* kNotHere =
-    "lights of an embedded controller cannot be reached here; a HID keyboard works without";
+    "lights of an embedded controller cannot be reached here; a HID keyboard works without it";
 constexpr const char* kBrokenFirmware =
     "nothing is called by guess; report it with the files /sys/bus/wmi/devices/*/bmof";
 

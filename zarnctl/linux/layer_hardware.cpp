@@ -14,11 +14,6 @@
 namespace zarnctl {
 namespace {
 
-/// The plug-in tries five times; one complaint is enough.
-void AddOnce(std::string line, std::vector<std::string>& lines) {
-  if (std::ranges::count(lines, line) == 0) lines.push_back(std::move(line));
-}
-
 /// A firmware call may fail before the firmware is asked.
 std::string FirmwareFailure(const platform::JournalEntry& entry) {
   static constexpr std::pair<HRESULT, std::string_view> kReasons[] = {
@@ -86,7 +81,7 @@ void LayerHardware::LookAtDevices(Symptoms& symptoms) const {
 void LayerHardware::Note(const platform::JournalEntry& entry) {
   if (entry.call == "IWbemClassObject::GetMethod" && entry.failed) {
     const std::lock_guard lock(lock_);
-    AddOnce("the firmware has no method " + entry.arguments, missing_methods_);
+    missing_methods_.push_back("the firmware has no method " + entry.arguments);
   }
   const bool hid = entry.call == "HidD_SetFeature" || entry.call == "HidD_GetFeature";
   if (!hid && entry.call != "IWbemServices::ExecMethod") return;
@@ -97,7 +92,7 @@ void LayerHardware::Note(const platform::JournalEntry& entry) {
   }
   none_ = false;
   if (!entry.failed) return;
-  AddOnce(hid ? HidFailure(entry) : FirmwareFailure(entry), failures_);
+  failures_.push_back(hid ? HidFailure(entry) : FirmwareFailure(entry));
 }
 
 }  // namespace zarnctl

@@ -71,9 +71,7 @@ class SimulatedNotebook final : public LayerHardware {
     const std::vector<simulator::WireRecord> wire = notebook_->TakeWire();
     Exchanges exchanges{.none = wire.empty(), .failures = TakeMissingMethods()};
     for (const simulator::WireRecord& record : wire) {
-      if (record.refusal.empty()) continue;
-      std::string text = RefusalText(record);
-      if (std::ranges::count(exchanges.failures, text) == 0) exchanges.failures.push_back(std::move(text));
+      if (!record.refusal.empty()) exchanges.failures.push_back(RefusalText(record));
     }
     return exchanges;
   }

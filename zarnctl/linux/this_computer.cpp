@@ -79,8 +79,8 @@ class ThisComputer final : public LayerHardware {
             .no_answer = "plug it in again",
             .no_table = has_table
                             ? "run as root, to whom alone the kernel shows it"
-                            : "this computer's kernel has none in /sys/firmware/dmi; a HID keyboard works without",
-            .no_record = "this is no notebook of the family; a HID keyboard works without"};
+                            : "this computer's kernel has none in /sys/firmware/dmi; a HID keyboard works without it",
+            .no_record = "this is no notebook of the family; a HID keyboard works without it"};
   }
 
   void LookAtDevices(Symptoms& symptoms) const override {
